@@ -1,0 +1,1 @@
+// Exists so that one precompiled header can be shared by every library.

@@ -1,0 +1,63 @@
+#pragma once
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace quillmar {
+
+/// Name of a notification within the process, with the type of the object that it carries.
+template <class Object>
+struct NotificationName {
+    std::string_view name;
+};
+
+/// Notifications within the process, by name, on the main thread. Observers are called in the order in which
+/// they came, synchronously. During a notification observers may come and go: one that goes is not called any
+/// more, one that comes hears the next.
+class NotificationCenter {
+    struct Observer;
+    using Observers = std::list<std::shared_ptr<Observer>>;
+
+public:
+    /// Ends the observation when it is destroyed. It may outlive the centre.
+    class Observation {
+    public:
+        Observation() = default;
+        ~Observation() { cancel(); }
+        Observation(Observation&&) noexcept = default;
+        Observation& operator=(Observation&& other) noexcept;
+        void cancel();
+
+    private:
+        friend class NotificationCenter;
+        explicit Observation(std::shared_ptr<Observer> observer) : observer_(std::move(observer)) {}
+        std::shared_ptr<Observer> observer_;
+    };
+
+    template <class Object>
+    [[nodiscard]] Observation observe(NotificationName<Object> name,
+                                      std::function<void(const Object&)> callback) {
+        return add(name.name, [callback = std::move(callback)](const void* object) {
+            callback(*static_cast<const Object*>(object));
+        });
+    }
+    template <class Object>
+    void post(NotificationName<Object> name, const Object& object) {
+        notify(name.name, &object);
+    }
+
+private:
+    struct Observer {
+        std::function<void(const void*)> callback;
+        bool isObserving = true;
+    };
+    Observation add(std::string_view name, std::function<void(const void*)> callback);
+    void notify(std::string_view name, const void* object);
+
+    std::map<std::string, Observers, std::less<>> observers_;
+};
+
+}  // namespace quillmar

@@ -1,0 +1,117 @@
+#include "base/Files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+
+namespace quillmar {
+namespace {
+
+[[noreturn]] void throwErrno() { throw std::system_error(errno, std::generic_category()); }
+
+class Descriptor {
+public:
+    explicit Descriptor(int value) : value_(value) {
+        if (value_ < 0) throwErrno();
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (value_ >= 0) ::close(value_);
+    }
+    int get() const { return value_; }
+    /// Network file systems report a failed write only here.
+    void close() {
+        const int value = std::exchange(value_, -1);
+        if (::close(value) != 0 && errno != EINTR) throwErrno();
+    }
+
+private:
+    int value_;
+};
+
+void writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0) {
+            if (errno == EINTR) continue;
+            throwErrno();
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+/// Makes the rename itself durable. Some file systems refuse to sync a folder, and then there is nothing to
+/// do.
+void syncFolder(const std::filesystem::path& folder) {
+    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return;
+    ::fsync(descriptor);
+    ::close(descriptor);
+}
+
+}  // namespace
+
+std::string readFile(const std::filesystem::path& file, std::size_t maximumBytes) {
+    // Not blocking: opening a FIFO would wait for a writer for ever.
+    const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status{};
+    if (::fstat(descriptor.get(), &status) != 0) throwErrno();
+    if (S_ISDIR(status.st_mode)) throw std::system_error(EISDIR, std::generic_category());
+    if (!S_ISREG(status.st_mode)) {
+        throw std::system_error(EINVAL, std::generic_category(), "not a regular file");
+    }
+    std::string bytes;
+    bytes.reserve(
+        std::min(static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1, maximumBytes + 1));
+    std::size_t length = 0;
+    while (length <= maximumBytes) {
+        bytes.resize(std::min(std::max(bytes.capacity(), length + 65536), maximumBytes + 1));
+        const ssize_t count = ::read(descriptor.get(), bytes.data() + length, bytes.size() - length);
+        if (count < 0) {
+            if (errno == EINTR) continue;
+            throwErrno();
+        }
+        if (count == 0) break;
+        length += static_cast<std::size_t>(count);
+    }
+    if (length > maximumBytes) throw std::system_error(EFBIG, std::generic_category());
+    bytes.resize(length);
+    return bytes;
+}
+
+void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes, mode_t mode,
+                         Durability durability) {
+    const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
+    std::string temporary = (folder / ("." + file.filename().string() + ".XXXXXX")).string();
+    Descriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));
+    try {
+        writeAll(descriptor.get(), bytes);
+        if (::fchmod(descriptor.get(), mode) != 0) throwErrno();
+        if (durability == Durability::durable && ::fsync(descriptor.get()) != 0) throwErrno();
+        descriptor.close();
+        if (::rename(temporary.c_str(), file.c_str()) != 0) throwErrno();
+    } catch (...) {
+        ::unlink(temporary.c_str());
+        throw;
+    }
+    if (durability == Durability::durable) syncFolder(folder);
+}
+
+void createDirectories(const std::filesystem::path& folder, mode_t mode) {
+    if (::mkdir(folder.c_str(), mode) == 0) return;
+    if (errno == ENOENT && folder.has_parent_path() && folder.parent_path() != folder) {
+        createDirectories(folder.parent_path(), mode);
+        if (::mkdir(folder.c_str(), mode) == 0) return;
+    }
+    if (errno != EEXIST) throwErrno();
+    struct stat status{};
+    if (::stat(folder.c_str(), &status) != 0) throwErrno();
+    if (!S_ISDIR(status.st_mode)) throw std::system_error(ENOTDIR, std::generic_category());
+}
+
+}  // namespace quillmar

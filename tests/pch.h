@@ -1,0 +1,5 @@
+#pragma once
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "../cmake/pch.h"
