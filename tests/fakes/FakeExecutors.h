@@ -11,10 +11,18 @@ public:
     void submit(Job job) override { job(); }
 };
 
-/// Keeps the jobs until the test releases them.
+/// Keeps the jobs until the test releases them, or runs each at once while told so.
 class HeldExecutor final : public Executor {
 public:
-    void submit(Job job) override { jobs_.push_back(std::move(job)); }
+    bool runsAtOnce = false;
+
+    void submit(Job job) override {
+        if (runsAtOnce) {
+            job();
+        } else {
+            jobs_.push_back(std::move(job));
+        }
+    }
     std::size_t heldCount() const { return jobs_.size(); }
     void releaseOne() {
         Job job = std::move(jobs_.front());

@@ -1,0 +1,65 @@
+#include "app/CommandLine.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <ostream>
+
+namespace quillmar {
+
+CommandLine CommandLine::parse(std::span<const std::string_view> arguments) {
+    if (arguments.empty()) return {};
+    const auto refuse = [](std::string complaint) {
+        return CommandLine{.command = Command::refuse, .complaint = std::move(complaint)};
+    };
+    CommandLine line;
+    const std::string_view first = arguments.front();
+    if (first == "--version") {
+        line.command = Command::showVersion;
+    } else if (first == "--help" || first == "-h") {
+        line.command = Command::showHelp;
+    } else if (first == "displays") {
+        line.command = Command::listDisplays;
+    } else {
+        return refuse(fmt::format("There is no command \"{}\".", first));
+    }
+    for (const std::string_view argument : arguments.subspan(1)) {
+        if (line.command != Command::listDisplays || argument != "--json") {
+            return refuse(fmt::format("\"{}\" does not take \"{}\".", first, argument));
+        }
+        line.asJson = true;
+    }
+    return line;
+}
+
+void printHelp(std::ostream& out) {
+    out << "Usage: quillmar [COMMAND]\n"
+           "\n"
+           "Without a command Quillmar starts and gives every display its own desktop.\n"
+           "A second start brings the running one to the front.\n"
+           "\n"
+           "Commands:\n"
+           "  displays [--json]  list the connected displays: ID, name, place, scale\n"
+           "  --version          print the version\n"
+           "  --help             print this help\n"
+           "\n"
+           "Settings lie in $XDG_DATA_HOME/Quillmar/settings.json, by default\n"
+           "~/.local/share/Quillmar/settings.json.\n";
+}
+
+void printDisplays(std::ostream& out, const std::vector<DisplayInfo>& displays) {
+    if (displays.empty()) {
+        out << "No display is connected.\n";
+        return;
+    }
+    std::size_t nameWidth = 0;
+    for (const DisplayInfo& display : displays) nameWidth = std::max(nameWidth, display.localizedName.size());
+    for (const DisplayInfo& display : displays) {
+        const CGRectCodable& frame = display.frame;
+        out << fmt::format("{} {}  {:<{}}  {:g}x{:g}{:+g}{:+g}  scale {:g}\n", display.isMain ? '*' : ' ',
+                           display.id, display.localizedName, nameWidth, frame.width, frame.height, frame.x,
+                           frame.y, display.scaleFactor);
+    }
+}
+
+}  // namespace quillmar

@@ -1,0 +1,42 @@
+#pragma once
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "async/Executor.h"
+#include "async/WallClock.h"
+#include "base/BundleInfo.h"
+#include "platform/AlertPresenting.h"
+#include "platform/ApplicationControl.h"
+#include "platform/DesktopPicture.h"
+#include "platform/PictureRendering.h"
+#include "platform/RunningInstances.h"
+#include "platform/Screens.h"
+#include "platform/SettingsWindow.h"
+#include "platform/SystemEvents.h"
+#include "storage/ApplicationDirectories.h"
+
+namespace quillmar {
+
+/// Everything that the application needs of the system it runs on. Made by the composition root, outlives all
+/// logic.
+struct Platform {
+    MainLoop& loop;
+    const WallClock& clock;
+    Executor& backgroundPool;
+    const BundleInfo& bundle;
+    const Environment& environment;
+    std::vector<std::string> preferredLanguages;  ///< locale names, the most wanted first
+    ApplicationControl& control;
+    SystemEventsObserving& systemEvents;
+    RunningInstances& runningInstances;
+    UsageReporting& usageReporting;
+    AlertPresenting& alerts;
+    ScreensProviding& screens;
+    DesktopPicturing& desktopPicture;
+    PictureRendering& pictureRendering;
+    SettingsWindowing* settingsWindow = nullptr;  ///< absent where the program has none to show
+    std::function<Task<void>()> flushLog;         ///< waits until every log line is in its file
+};
+
+}  // namespace quillmar

@@ -1,0 +1,33 @@
+#pragma once
+#include <memory>
+
+#include "app/Platform.h"
+#include "async/NotificationCenter.h"
+#include "async/ThreadPool.h"
+#include "display/DisplayService.h"
+#include "settings/AppSettingsModel.h"
+#include "wallpaper/WallpaperCoordinator.h"
+#include "wallpaper/WallpaperService.h"
+
+namespace quillmar {
+
+/// The features of the primary instance, each made once, from the bottom up. Making them starts the load of
+/// the settings and nothing else; the application delegate starts and stops them.
+class Subsystems {
+public:
+    explicit Subsystems(const Platform& platform);
+
+    const AppSettings defaults;  ///< of a first run
+    NotificationCenter notifications;
+    SerialExecutor settingsExecutor;
+    std::unique_ptr<SettingsStoring> settingsStore;
+    AppSettingsModel settingsModel;
+    DisplayService displays;
+    WallpaperApplicationGate wallpaperGate;
+    WallpaperRenderer wallpaperRenderer;
+    WallpaperService wallpaperService;
+    WallpaperSettingsTransactionService wallpaperTransactions;
+    WallpaperCoordinator wallpaperCoordinator;
+};
+
+}  // namespace quillmar

@@ -1,0 +1,104 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "async/NotificationCenter.h"
+#include "async/TaskScope.h"
+#include "settings/SettingsStoring.h"
+#include "settings/SettingsTransactionGate.h"
+
+namespace quillmar {
+
+/// Posted with the present document after the load, after each `update` and after each transaction.
+inline constexpr NotificationName<AppSettings> appSettingsDidChange{"QuillmarAppSettingsDidChange"};
+
+/// A change of the document, kept as a value so that it can be made again on another document.
+using SettingsUpdate = std::function<void(AppSettings&)>;
+
+/// Outcome of one immediate save.
+struct SettingsSaveAttempt {
+    std::int64_t revision = 0;
+    std::optional<std::string> errorMessage;
+};
+
+/// The one owner of the settings. Changes are visible at once and reach the disk a moment later, or as
+/// transactions that reach it or are taken back; a file that could not be read is never written over. Main
+/// thread only.
+class AppSettingsModel {
+public:
+    /// Starts the load. `settings()` is `defaults` until it ends.
+    AppSettingsModel(MainLoop& loop, NotificationCenter& notifications, SettingsStoring& store,
+                     AppSettings defaults);
+
+    const AppSettings& settings() const { return settings_; }
+    bool isLoaded() const { return isLoaded_; }
+    /// False from the moment that the existing file could not be read.
+    bool canPersist() const { return canPersist_; }
+    const std::optional<std::string>& loadError() const { return loadError_; }
+    /// Text of the latest save failure of the present revision.
+    const std::optional<std::string>& saveError() const { return saveError_; }
+    bool isSavingSettings() const { return isSavingSettings_; }
+    bool createdInitialSettingsFile() const { return createdInitialSettingsFile_; }
+
+    /// Waits for the end of the load, however it ends.
+    Task<void> loaded() const { return loadTask_.ended(); }
+
+    /// The ordinary change: never fails, and is saved with those around it 250 ms after the last one.
+    void update(const SettingsUpdate& mutation);
+    /// A transaction. True when the change is on disk; on false the document is as before, and `saveError`
+    /// says why. Hold `transactionGate` around it. It runs to its end even when the calling task ends.
+    Task<bool> commit(SettingsUpdate mutation);
+    /// A transaction that replaces the whole document, also when the file could not be read. As `commit`
+    /// otherwise.
+    Task<bool> replaceSettings(AppSettings document);
+    /// Waits until everything is on disk; false when it cannot be, and `saveError` says why.
+    Task<bool> flushPendingSave();
+
+    SettingsTransactionGate& transactionGate() { return transactionGate_; }
+
+private:
+    struct Transaction {
+        SettingsUpdate mutation;
+        bool replacesDocument = false;
+    };
+
+    Task<void> load(std::int64_t baseRevision);
+    Task<bool> run(Transaction transaction);
+    Task<bool> flush();
+    Task<SettingsSaveAttempt> attemptSave(AppSettings document, std::int64_t revision);
+    Task<void> saveAfterPause(AppSettings document, std::int64_t revision);
+    Task<void> finishImmediateSave();
+    Task<void> cancelDebouncedSave();
+    void scheduleSave();
+    void scheduleSaveIfPossible();
+    void record(const SettingsSaveAttempt& attempt);
+    void noteSaved(std::int64_t revision);
+    void apply(const SettingsUpdate& mutation);
+    void post();
+    std::string refusalText() const;
+
+    NotificationCenter& notifications_;
+    SettingsStoring& store_;
+    AppSettings settings_;
+    bool isLoaded_ = false;
+    bool canPersist_ = true;
+    std::optional<std::string> loadError_;
+    std::optional<std::string> saveError_;
+    bool isSavingSettings_ = false;
+    bool createdInitialSettingsFile_ = false;
+    std::int64_t settingsRevision_ = 0;
+    std::int64_t persistedRevision_ = 0;
+    std::vector<SettingsUpdate> pendingInitialUpdates_;
+    bool isExplicitTransactionInFlight_ = false;
+    std::vector<SettingsUpdate> deferredTransactionUpdates_;
+    SettingsTransactionGate transactionGate_;
+    TaskHandle<void> loadTask_;
+    TaskHandle<void> saveTask_;
+    TaskHandle<SettingsSaveAttempt> immediateSaveTask_;
+    TaskScope tasks_;
+};
+
+}  // namespace quillmar

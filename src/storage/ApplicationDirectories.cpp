@@ -1,0 +1,71 @@
+#include "storage/ApplicationDirectories.h"
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <system_error>
+
+#include "base/Files.h"
+
+namespace quillmar {
+namespace {
+
+/// The variable's value when it is an absolute path: a relative one would depend on where the program was
+/// started.
+std::filesystem::path absolutePath(const Environment& environment, std::string_view name) {
+    const auto found = environment.find(name);
+    if (found == environment.end()) return {};
+    const std::filesystem::path path = found->second;
+    return path.is_absolute() ? path : std::filesystem::path{};
+}
+
+bool isOwnPrivateFolder(const std::filesystem::path& folder) {
+    struct stat status{};
+    return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::getuid() &&
+           (status.st_mode & 0022) == 0;
+}
+
+}  // namespace
+
+std::filesystem::path applicationSupportDirectory(const Environment& environment) {
+    if (const auto data = absolutePath(environment, "XDG_DATA_HOME"); !data.empty()) return data / "Quillmar";
+    if (const auto home = absolutePath(environment, "HOME"); !home.empty())
+        return home / ".local/share/Quillmar";
+    throw std::runtime_error("neither XDG_DATA_HOME nor HOME names a folder");
+}
+
+std::filesystem::path applicationSupportDirectoryOrNowhere(const Environment& environment) {
+    try {
+        return applicationSupportDirectory(environment);
+    } catch (const std::runtime_error&) {
+        return "/dev/null/Quillmar";
+    }
+}
+
+std::filesystem::path createdApplicationSupportDirectory(const Environment& environment) {
+    const std::filesystem::path folder = applicationSupportDirectory(environment);
+    try {
+        createDirectories(folder, 0700);
+    } catch (const std::system_error& error) {
+        throw std::runtime_error(fmt::format("{}: {}", folder.string(), error.code().message()));
+    }
+    return folder;
+}
+
+std::filesystem::path temporaryDirectory(const Environment& environment) {
+    if (const auto runtime = absolutePath(environment, "XDG_RUNTIME_DIR"); isOwnPrivateFolder(runtime)) {
+        return runtime;
+    }
+    std::filesystem::path shared = absolutePath(environment, "TMPDIR");
+    if (shared.empty()) shared = "/tmp";
+    const std::filesystem::path own = shared / fmt::format("quillmar-{}", ::getuid());
+    ::mkdir(own.c_str(), 0700);
+    // In a folder that everybody writes to, somebody else may have made it first.
+    if (!isOwnPrivateFolder(own)) {
+        throw std::runtime_error(fmt::format("{} is not a folder of this user alone", own.string()));
+    }
+    return own;
+}
+
+}  // namespace quillmar

@@ -1,0 +1,139 @@
+#include "wallpaper/GeneratedWallpaper.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <optional>
+
+#include "base/Text.h"
+
+namespace quillmar {
+namespace {
+
+/// No window server has a larger side; a frame that claims one must not become a file of terabytes.
+constexpr double maximumSide = 65535;
+
+int pixels(double points, double scale) {
+    const double value = std::round(points * scale);
+    return std::isfinite(value) ? static_cast<int>(std::clamp(value, 1.0, maximumSide)) : 1;
+}
+
+using ByteView = std::span<const std::uint8_t>;
+
+constexpr std::array<std::uint8_t, 8> signature{0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
+constexpr std::size_t chunkHeaderSize = 8;
+constexpr std::size_t checksumSize = 4;
+constexpr std::uint32_t headerSize = 13;
+
+std::uint32_t bigEndian(ByteView bytes) {
+    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 |
+           bytes[3];
+}
+
+std::uint32_t crc32(ByteView bytes) {
+    std::uint32_t crc = ~0u;
+    for (const std::uint8_t byte : bytes) {
+        crc ^= byte;
+        for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1) ^ (0xedb88320u & (0u - (crc & 1u)));
+    }
+    return ~crc;
+}
+
+class PngFile {
+public:
+    explicit PngFile(const std::filesystem::path& file)
+        : descriptor_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+        struct stat status{};
+        if (descriptor_ >= 0 && ::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode)) {
+            size_ = static_cast<std::uint64_t>(status.st_size);
+        }
+    }
+    PngFile(const PngFile&) = delete;
+    PngFile& operator=(const PngFile&) = delete;
+    ~PngFile() {
+        if (descriptor_ >= 0) ::close(descriptor_);
+    }
+
+    std::uint64_t size() const { return size_; }
+    template <std::size_t N>
+    std::optional<std::array<std::uint8_t, N>> read(std::uint64_t offset) const {
+        std::array<std::uint8_t, N> bytes;
+        const ssize_t count = ::pread(descriptor_, bytes.data(), N, static_cast<off_t>(offset));
+        if (count != static_cast<ssize_t>(N)) return std::nullopt;
+        return bytes;
+    }
+
+private:
+    int descriptor_;
+    std::uint64_t size_ = 0;
+};
+
+bool isExpectedHeader(const PngFile& file, CanvasSize size) {
+    constexpr std::size_t chunkSize = chunkHeaderSize + headerSize + checksumSize;
+    const auto start = file.read<signature.size() + chunkSize>(0);
+    if (!start || !std::ranges::equal(ByteView(*start).first(signature.size()), signature)) return false;
+    const ByteView chunk = ByteView(*start).subspan(signature.size());
+    const ByteView typed = chunk.subspan(4, 4 + headerSize);
+    if (bigEndian(chunk) != headerSize || std::memcmp(typed.data(), "IHDR", 4) != 0) return false;
+    if (crc32(typed) != bigEndian(chunk.subspan(chunkHeaderSize + headerSize))) return false;
+    const ByteView header = typed.subspan(4);
+    constexpr std::uint8_t rgb = 2;
+    constexpr std::uint8_t rgba = 6;
+    return bigEndian(header) == static_cast<std::uint32_t>(size.width) &&
+           bigEndian(header.subspan(4)) == static_cast<std::uint32_t>(size.height) && header[8] == 8 &&
+           (header[9] == rgb || header[9] == rgba) && header[10] == 0 && header[11] == 0 && header[12] == 0;
+}
+
+/// Deflate in a zlib stream, as the header of the first two bytes says.
+bool isZlibHeader(ByteView bytes) { return (bytes[0] & 0x0f) == 8 && (bytes[0] * 256 + bytes[1]) % 31 == 0; }
+
+/// The chunks behind the header: image data in one run, no animation, the end exactly at the end of the file.
+bool isWholeSingleFrame(const PngFile& file) {
+    std::uint64_t offset = signature.size() + chunkHeaderSize + headerSize + checksumSize;
+    enum class ImageData { ahead, running, over } data = ImageData::ahead;
+    while (const auto header = file.read<chunkHeaderSize>(offset)) {
+        const std::uint32_t length = bigEndian(*header);
+        const std::string_view type(reinterpret_cast<const char*>(header->data()) + 4, 4);
+        const std::uint64_t next = offset + chunkHeaderSize + length + checksumSize;
+        if (next > file.size() || type == "acTL" || type == "fcTL") return false;
+        if (type == "IEND") return length == 0 && data != ImageData::ahead && next == file.size();
+        if (type == "IDAT") {
+            if (data == ImageData::over) return false;
+            if (data == ImageData::ahead) {
+                const auto stream = file.read<2>(offset + chunkHeaderSize);
+                if (length < 2 || !stream || !isZlibHeader(*stream)) return false;
+            }
+            data = ImageData::running;
+        } else if (data == ImageData::running) {
+            data = ImageData::over;
+        }
+        offset = next;
+    }
+    return false;
+}
+
+}  // namespace
+
+CanvasSize CanvasSize::of(const DisplayInfo& display) {
+    const double scale = display.scaleFactor > 1.0 ? display.scaleFactor : 1.0;
+    return {pixels(display.frame.width, scale), pixels(display.frame.height, scale)};
+}
+
+std::string solidColorFileName(const DisplayInfo& display, CanvasSize size,
+                               const std::string& normalizedColor) {
+    return fmt::format("solid-{}-{}x{}-{}.png", replacingNonAlphanumerics(display.id, '-'), size.width,
+                       size.height, normalizedColor);
+}
+
+bool isValidGeneratedPng(const std::filesystem::path& file, CanvasSize size) {
+    const PngFile png(file);
+    return isExpectedHeader(png, size) && isWholeSingleFrame(png);
+}
+
+}  // namespace quillmar

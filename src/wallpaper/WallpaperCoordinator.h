@@ -1,0 +1,91 @@
+#pragma once
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "async/TaskScope.h"
+#include "async/WallClock.h"
+#include "settings/AppSettingsModel.h"
+#include "wallpaper/WallpaperApplicationGate.h"
+#include "wallpaper/WallpaperBatch.h"
+#include "wallpaper/WallpaperSettingsTransactionService.h"
+
+namespace quillmar {
+
+/// The one door to wallpapers: puts every request in line, merges what can be merged, and answers each with a
+/// result per display. One application runs at a time. Main thread only.
+class WallpaperCoordinator {
+public:
+    WallpaperCoordinator(MainLoop& loop, const DisplayProviding& displayProvider, WallpaperApplying& applier,
+                         WallpaperSettingsTransactionApplying* settingsTransactionApplier,
+                         AppSettingsModel& settingsModel, const WallpaperApplicationGate& gate,
+                         const WallClock& clock);
+
+    /// Applies what the settings say to the given displays, or to all of them.
+    Task<WallpaperApplyBatchResult> enqueue(std::optional<DisplayIDs> displayIDs,
+                                            WallpaperApplyReason reason);
+    /// The settings transaction: saves `settings` and applies them as one step; displays that fail are taken
+    /// back, on screen and in the settings.
+    Task<WallpaperApplyBatchResult> apply(WallpaperSettings settings);
+    /// True from the start of work until the line is empty.
+    bool isApplying() const { return isApplying_; }
+
+private:
+    /// Somebody's place in the line. The waiter and the line share it, so that either may end first.
+    struct Ticket {
+        std::optional<DisplayIDs> requestedDisplayIDs;
+        std::optional<WallpaperApplyBatchResult> result;
+        WaitList answered;
+    };
+    struct PendingCurrentRequest {
+        std::optional<DisplayIDs> displayIDs;  ///< absent: all displays
+        WallpaperApplyReason reason;
+        std::vector<std::shared_ptr<Ticket>> waiters;
+    };
+    struct PendingSettingsRequest {
+        WallpaperSettings settings;
+        std::shared_ptr<Ticket> waiter;
+    };
+    using PendingRequest = std::variant<PendingCurrentRequest, PendingSettingsRequest>;
+
+    static Task<WallpaperApplyBatchResult> answer(std::shared_ptr<Ticket> ticket);
+    static void resolve(Ticket& ticket, WallpaperApplyBatchResult batch);
+    void addToLine(PendingCurrentRequest request);
+    void startDraining();
+    Task<void> drain();
+    Task<WallpaperApplyBatchResult> applyCurrentSettings(std::optional<DisplayIDs> displayIDs,
+                                                         WallpaperApplyReason reason);
+    Task<WallpaperDisplayApplyResult> applyDisplay(DisplayInfo display, WallpaperMode mode,
+                                                   WallpaperApplyReason reason);
+    Task<WallpaperApplyBatchResult> runSettingsTransaction(WallpaperSettings settings);
+    Task<bool> commitWallpaper(WallpaperSettings settings);
+    static WallpaperApplyBatchResult batchOf(const WallpaperSettingsTransactionResult& result,
+                                             GeneralLanguage spoken);
+    void logFailures(const WallpaperSettingsTransactionResult& result) const;
+    WallpaperApplyBatchResult suppressedBatch(const std::optional<DisplayIDs>& displayIDs,
+                                              WallpaperApplyReason reason) const;
+    std::vector<DisplayInfo> displays(const std::optional<DisplayIDs>& displayIDs) const;
+    WallpaperDisplayApplyResult unavailable(const std::string& displayID, WallpaperApplyReason reason) const;
+    void addUnavailable(std::vector<WallpaperDisplayApplyResult>& results,
+                        const std::optional<DisplayIDs>& requested, const std::vector<DisplayInfo>& connected,
+                        WallpaperApplyReason reason) const;
+    WallpaperApplyBatchResult sliceFor(const Ticket& waiter, const WallpaperApplyBatchResult& batch,
+                                       WallpaperApplyReason reason) const;
+    void rememberSelection(const std::string& displayID, const WallpaperApplyOutcome& outcome);
+    GeneralLanguage language() const { return settingsModel_.settings().general.language; }
+
+    const DisplayProviding& displayProvider_;
+    WallpaperApplying& applier_;
+    WallpaperSettingsTransactionApplying* settingsTransactionApplier_;
+    AppSettingsModel& settingsModel_;
+    const WallpaperApplicationGate& gate_;
+    const WallClock& clock_;
+    bool isApplying_ = false;
+    std::deque<PendingRequest> pendingRequests_;
+    TaskScope tasks_;
+};
+
+}  // namespace quillmar

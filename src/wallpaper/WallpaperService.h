@@ -1,0 +1,44 @@
+#pragma once
+#include "async/Executor.h"
+#include "display/DisplayService.h"
+#include "platform/DesktopPicture.h"
+#include "wallpaper/WallpaperApplicationGate.h"
+#include "wallpaper/WallpaperRenderer.h"
+#include "wallpaper/WallpaperRequests.h"
+
+namespace quillmar {
+
+/// Turns a request into what the display shows, and is the one place that sets desktop pictures for
+/// wallpapers. It knows neither queues nor settings. Main thread; renders run on the executor.
+class WallpaperService final : public WallpaperTransactionOperationApplying {
+public:
+    WallpaperService(const DisplayService& displays, DesktopPicturing& desktop,
+                     const WallpaperApplicationGate& gate, const WallpaperRenderer& renderer,
+                     Executor& renderExecutor)
+        : displays_(displays),
+          desktop_(desktop),
+          gate_(gate),
+          renderer_(renderer),
+          renderExecutor_(renderExecutor) {}
+
+    Task<WallpaperApplyOutcome> apply(WallpaperApplyRequest request) override;
+    Task<PreparedWallpaperApplication> prepare(WallpaperApplyRequest request) override;
+    Task<WallpaperApplyOutcome> applyPrepared(PreparedWallpaperApplication application) override;
+    WallpaperDesktopSnapshot captureDesktop(const std::string& displayID) override;
+    void restoreDesktop(const WallpaperDesktopSnapshot& snapshot) override;
+    /// Renders the request's picture into the cache without touching the desktop.
+    Task<PreparedWallpaperImage> prepareImage(WallpaperApplyRequest request);
+
+private:
+    Screen screenOf(const std::string& displayID) const;
+    void setDesktop(const std::filesystem::path& image, const Screen& screen,
+                    const DesktopImageOptions& options);
+
+    const DisplayService& displays_;
+    DesktopPicturing& desktop_;
+    const WallpaperApplicationGate& gate_;
+    const WallpaperRenderer& renderer_;
+    Executor& renderExecutor_;
+};
+
+}  // namespace quillmar

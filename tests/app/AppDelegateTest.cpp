@@ -1,0 +1,276 @@
+#include "app/AppDelegate.h"
+
+#include <fstream>
+
+#include "async/Sleep.h"
+#include "base/Files.h"
+#include "fakes/FakePlatform.h"
+#include "fakes/RecordedLog.h"
+#include "settings/records/SettingsCodec.h"
+
+namespace quillmar {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+namespace fs = std::filesystem;
+
+struct AppDelegateTest : ::testing::Test {
+    FakePlatform machine;
+    RecordedLog log{machine.clock};
+    MainMenu menu;
+    int menusInstalled = 0;
+    std::unique_ptr<AppDelegate> delegate;
+
+    std::unique_ptr<ApplicationInstanceLock> takeLock() {
+        return ApplicationInstanceLock::take(machine.folder.path(), "com.quillmar.Quillmar");
+    }
+    void launch() {
+        delegate =
+            std::make_unique<AppDelegate>(machine.platform(), takeLock(), [this](const MainMenu& installed) {
+                menu = installed;
+                ++menusInstalled;
+            });
+        delegate->applicationWillFinishLaunching();
+        delegate->applicationDidFinishLaunching();
+        machine.loop.settle();
+    }
+    void putSettings(const AppSettings& settings) {
+        fs::create_directories(machine.settingsFile().parent_path());
+        std::ofstream(machine.settingsFile()) << encodeSettings(settings);
+    }
+    AppSettings twoColors() const {
+        AppSettings settings = defaultSettings(machine.bundle);
+        for (const auto& [number, color] : {std::pair{1u, "#112233"}, std::pair{2u, "#445566"}}) {
+            DisplayWallpaperSettings entry;
+            entry.displayID = FakeScreens::displayID(number);
+            entry.mode.value = SolidColorPresentationSettings{color};
+            settings.wallpaper.displays.push_back(entry);
+        }
+        return settings;
+    }
+    void plugInTwo() {
+        machine.screens.plugIn(1, {0, 0, 1920, 1080});
+        machine.screens.plugIn(2, {1920, 0, 1280, 1024});
+    }
+    std::string shown(std::uint32_t screen) const {
+        const auto found = machine.desktop.shown.find(screen);
+        return found == machine.desktop.shown.end() ? "" : found->second.filename().string();
+    }
+    void quitBySystem() {
+        machine.systemEvents.quit(SystemQuitReason::terminated);
+        machine.loop.settle();
+    }
+};
+
+TEST_F(AppDelegateTest, aFirstStartMakesTheSettingsAndTouchesNoDesktop) {
+    plugInTwo();
+    launch();
+    EXPECT_EQ(decodeSettings(readFile(machine.settingsFile(), 1 << 20)), delegate->subsystems()->defaults);
+    EXPECT_EQ(machine.desktop.setCount, 0);
+    EXPECT_THAT(log.lines,
+                ElementsAre("information [lifecycle] Application diagnostics started. version=1.2.3",
+                            "information [lifecycle] Primary application instance acquired.",
+                            "information [lifecycle] Application startup completed."));
+    EXPECT_THAT(machine.usage.messages, ElementsAre("Quillmar@1.2.3", "app_launch", "display_count_2"));
+}
+
+TEST_F(AppDelegateTest, everyDisplayGetsItsColourAtStartAndWhenItComesBack) {
+    plugInTwo();
+    putSettings(twoColors());
+    launch();
+    EXPECT_THAT(shown(1), HasSubstr("1920x1080-112233"));
+    EXPECT_THAT(shown(2), HasSubstr("1280x1024-445566"));
+    EXPECT_EQ(machine.desktop.setCount, 2);
+
+    machine.screens.onChange();
+    machine.loop.advance(1s);
+    EXPECT_EQ(machine.desktop.setCount, 2) << "nothing changed";
+
+    machine.screens.unplug(2);
+    machine.screens.onChange();
+    machine.loop.advance(1s);
+    machine.screens.plugIn(2, {1920, 0, 1280, 720});
+    machine.screens.onChange();
+    machine.loop.advance(1s);
+    EXPECT_THAT(shown(2), HasSubstr("1280x720-445566"));
+}
+
+TEST_F(AppDelegateTest, aDisplayThatCannotBePaintedAtStartIsLoggedAndHoldsNothingUp) {
+    plugInTwo();
+    putSettings(twoColors());
+    machine.desktop.refuses(1, "The display is no longer connected.");
+    launch();
+    EXPECT_THAT(shown(2), HasSubstr("445566"));
+    EXPECT_THAT(log.lines,
+                Contains("error [wallpaper] One or more wallpapers failed to apply during startup. "
+                         "failure_count=1"));
+    EXPECT_THAT(log.lines, Contains(HasSubstr("Application startup completed.")));
+}
+
+TEST_F(AppDelegateTest, aSecondStartForwardsAndEndsWithoutTouchingAnything) {
+    const auto first = takeLock();
+    launch();
+    EXPECT_FALSE(delegate->isPrimary());
+    EXPECT_THAT(log.lines,
+                ElementsAre("information [lifecycle] Application diagnostics started. version=1.2.3",
+                            "information [lifecycle] A running application instance was found; forwarding "
+                            "activation."));
+    EXPECT_EQ(machine.runningInstances.activations, 1);
+    EXPECT_THAT(machine.control.exits, ElementsAre(0));
+    EXPECT_THAT(machine.usage.messages, IsEmpty());
+    EXPECT_EQ(menusInstalled, 0);
+    EXPECT_FALSE(fs::exists(machine.settingsFile()));
+}
+
+TEST_F(AppDelegateTest, theLockIsFreeAgainWhenTheFirstInstanceIsGone) {
+    auto first = takeLock();
+    EXPECT_FALSE(takeLock());
+    first.reset();
+    EXPECT_TRUE(takeLock());
+    EXPECT_FALSE(ApplicationInstanceLock::take(machine.folder.path() / "gone", "x"));
+}
+
+TEST_F(AppDelegateTest, unreadableSettingsLeadToTheAlertAndAStartThatDrivesNothing) {
+    plugInTwo();
+    fs::create_directories(machine.settingsFile().parent_path());
+    std::ofstream(machine.settingsFile()) << "{\"schemaVersion\": 7}";
+    machine.preferredLanguages = {"de_DE", "pt_BR", "en"};
+    launch();
+    ASSERT_EQ(machine.alerts.shown.size(), 1u);
+    const Alert& alert = machine.alerts.shown[0];
+    EXPECT_EQ(alert.style, Alert::Style::critical);
+    EXPECT_THAT(alert.title, Not(HasSubstr("Couldn’t"))) << "in Portuguese";
+    EXPECT_THAT(alert.text,
+                HasSubstr("This settings file uses schema 7, but this build of Quillmar requires schema 1."));
+    EXPECT_EQ(alert.buttons.size(), 2u);
+    EXPECT_THAT(log.lines, Not(Contains(HasSubstr("limited")))) << "the alert is still open";
+
+    machine.alerts.answerNextWith(0);
+    machine.loop.settle();
+    EXPECT_THAT(machine.settingsWindow.opened, ElementsAre("backup"));
+    EXPECT_THAT(log.lines,
+                Contains("warning [lifecycle] Application startup is limited until settings are recovered."));
+    machine.screens.onChange();
+    machine.loop.advance(1h);
+    EXPECT_EQ(machine.desktop.setCount, 0);
+    EXPECT_EQ(readFile(machine.settingsFile(), 100), "{\"schemaVersion\": 7}");
+
+    quitBySystem();
+    EXPECT_THAT(machine.control.exits, ElementsAre(0)) << "nothing was unsaved";
+}
+
+TEST_F(AppDelegateTest, aQuitDuringTheStartStopsItAtItsNextCheck) {
+    plugInTwo();
+    putSettings(twoColors());
+    machine.background.runsAtOnce = false;
+    launch();
+    machine.systemEvents.quit(SystemQuitReason::terminated);
+    machine.background.runsAtOnce = true;
+    machine.background.releaseAll();
+    machine.loop.settle();
+    EXPECT_EQ(machine.desktop.setCount, 0);
+    EXPECT_THAT(log.lines, Not(Contains(HasSubstr("startup completed"))));
+    EXPECT_THAT(machine.control.exits, ElementsAre(0));
+}
+
+TEST_F(AppDelegateTest, aSecondQuitDuringTheShutDownChangesNothing) {
+    launch();
+    machine.background.runsAtOnce = false;
+    delegate->subsystems()->settingsModel.update([](AppSettings& s) { s.general.pauseRotations = true; });
+    EXPECT_EQ(delegate->applicationShouldTerminate(QuitSource::system), TerminateReply::terminateLater);
+    machine.loop.settle();
+    EXPECT_EQ(delegate->applicationShouldTerminate(QuitSource::system), TerminateReply::terminateLater);
+    EXPECT_THAT(machine.control.exits, IsEmpty());
+    machine.background.releaseAll();
+    machine.loop.settle();
+    EXPECT_THAT(machine.control.exits, ElementsAre(0));
+    EXPECT_EQ(machine.flushes, 1);
+    EXPECT_TRUE(decodeSettings(readFile(machine.settingsFile(), 1 << 20)).general.pauseRotations);
+}
+
+TEST_F(AppDelegateTest, withTheSettingsWindowOpenOnlyAnExplicitWishOrTheSystemEndsTheProgram) {
+    launch();
+    machine.settingsWindow.visible = true;
+    EXPECT_EQ(delegate->applicationShouldTerminate(QuitSource::other), TerminateReply::terminateCancel);
+    EXPECT_FALSE(machine.settingsWindow.visible);
+    EXPECT_THAT(log.lines, Contains("information [lifecycle] External quit request closed Settings without "
+                                    "terminating the menu bar app."));
+    machine.settingsWindow.visible = true;
+    delegate->quitController().requestQuit();
+    machine.loop.settle();
+    EXPECT_THAT(machine.control.exits, ElementsAre(0));
+}
+
+TEST_F(AppDelegateTest, settingsThatCannotBeSavedAtQuitLetTheUserStay) {
+    plugInTwo();
+    putSettings(twoColors());
+    launch();
+    const int painted = machine.desktop.setCount;
+    fs::remove_all(machine.settingsFile().parent_path());
+    std::ofstream(machine.settingsFile().parent_path()) << "a file in the way";
+    delegate->subsystems()->settingsModel.update([](AppSettings& s) { s.general.pauseRotations = true; });
+    quitBySystem();
+    ASSERT_EQ(machine.alerts.shown.size(), 1u);
+    EXPECT_EQ(machine.alerts.shown[0].title, "Quillmar Couldn’t Save Settings");
+    EXPECT_THAT(machine.alerts.shown[0].text, HasSubstr("settings.json: Not a directory"));
+    EXPECT_THAT(machine.alerts.shown[0].buttons, ElementsAre("Cancel", "Quit Without Saving"));
+
+    machine.alerts.answerNextWith(0);
+    machine.loop.settle();
+    EXPECT_THAT(machine.control.exits, IsEmpty());
+    EXPECT_THAT(log.lines, Contains("information [lifecycle] Application termination was cancelled."));
+    EXPECT_EQ(machine.desktop.setCount, painted) << "not painted anew";
+    machine.screens.unplug(2);
+    machine.screens.onChange();
+    fs::remove(machine.settingsFile().parent_path());
+    machine.loop.advance(1s);
+    EXPECT_GT(machine.desktop.setCount, painted) << "displays are watched again";
+
+    fs::remove_all(machine.settingsFile().parent_path());
+    std::ofstream(machine.settingsFile().parent_path()) << "a file in the way";
+    delegate->subsystems()->settingsModel.update([](AppSettings& s) { s.general.pauseRotations = false; });
+    quitBySystem();
+    machine.alerts.answerNextWith(1);
+    machine.loop.settle();
+    EXPECT_THAT(machine.control.exits, ElementsAre(0));
+}
+
+TEST_F(AppDelegateTest, theMenuFollowsTheLanguageAndTheReadinessAndNothingElse) {
+    launch();
+    EXPECT_EQ(menusInstalled, 2) << "before and after the load";
+    ASSERT_EQ(menu.size(), 3u);
+    EXPECT_EQ(menu[0].title, "Quillmar");
+    EXPECT_TRUE(menu[0].items[0].isEnabled);
+    EXPECT_FALSE(menu[0].items[1].isEnabled) << "updates are not set up";
+    EXPECT_EQ(menu[0].items.back().key, "q");
+    auto& model = delegate->subsystems()->settingsModel;
+    model.update([](AppSettings& s) { s.general.pauseRotations = true; });
+    EXPECT_EQ(menusInstalled, 2);
+    model.update([](AppSettings& s) { s.general.language = GeneralLanguage::portuguese; });
+    EXPECT_EQ(menusInstalled, 3);
+    EXPECT_NE(menu[1].title, "Edit");
+}
+
+TEST(ApplicationStartupTaskTest, anOldRunThatEndsLateLeavesTheNewOneAlone) {
+    VirtualLoop loop;
+    ApplicationStartupTask task(loop);
+    const auto stubborn = []() -> Task<void> {
+        co_await uncancelled([]() -> Task<void> { co_await sleepFor(5s); }());
+    };
+    const auto next = []() -> Task<void> { co_await sleepFor(10s); };
+    task.start(stubborn());
+    loop.advance(1s);
+    task.start(next());
+    loop.advance(6s);
+    EXPECT_TRUE(task.isRunning());
+    loop.advance(10s);
+    EXPECT_FALSE(task.isRunning());
+}
+
+}  // namespace
+}  // namespace quillmar

@@ -1,0 +1,45 @@
+#pragma once
+#include <zlib.h>
+#include <stdexcept>
+
+#include "platform/PictureRendering.h"
+
+namespace quillmar {
+
+/// Makes the smallest real PNG files of the wanted size that pass for pictures, and counts them.
+class FakePictureRendering final : public PictureRendering {
+public:
+    mutable int rendered = 0;
+    bool fails = false;
+
+    Bytes solidColorPng(int width, int height, RgbColor) const override {
+        if (fails) throw std::runtime_error("out of canvas");
+        ++rendered;
+        Bytes png{0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
+        Bytes header;
+        append(header, static_cast<std::uint32_t>(width));
+        append(header, static_cast<std::uint32_t>(height));
+        header.insert(header.end(), {8, 2, 0, 0, 0});
+        chunk(png, "IHDR", header);
+        chunk(png, "IDAT", {0x78, 0x01, 0x03, 0x00, 0x00, 0x00, 0x00, 0x01});
+        chunk(png, "IEND", {});
+        return png;
+    }
+
+    static void chunk(Bytes& png, std::string_view type, const Bytes& content) {
+        append(png, static_cast<std::uint32_t>(content.size()));
+        Bytes typed(type.begin(), type.end());
+        typed.insert(typed.end(), content.begin(), content.end());
+        png.insert(png.end(), typed.begin(), typed.end());
+        append(png,
+               static_cast<std::uint32_t>(::crc32(0, typed.data(), static_cast<unsigned>(typed.size()))));
+    }
+
+private:
+    static void append(Bytes& bytes, std::uint32_t value) {
+        for (int shift = 24; shift >= 0; shift -= 8)
+            bytes.push_back(static_cast<std::uint8_t>(value >> shift));
+    }
+};
+
+}  // namespace quillmar

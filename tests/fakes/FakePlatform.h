@@ -1,0 +1,127 @@
+#pragma once
+#include <deque>
+#include <optional>
+#include <vector>
+
+#include "app/Platform.h"
+#include "async/WaitList.h"
+#include "fakes/FakeDesktopPicture.h"
+#include "fakes/FakeExecutors.h"
+#include "fakes/FakePictureRendering.h"
+#include "fakes/FakeScreens.h"
+#include "fakes/TemporaryFolder.h"
+#include "fakes/VirtualLoop.h"
+
+namespace quillmar {
+
+class FakeControl final : public ApplicationControl {
+public:
+    std::vector<int> exits;
+    void exit(int status) override { exits.push_back(status); }
+};
+
+class FakeSystemEvents final : public SystemEventsObserving {
+public:
+    std::function<void(SystemQuitReason)> quit;
+    void setQuitHandler(std::function<void(SystemQuitReason)> handler) override { quit = std::move(handler); }
+};
+
+class FakeRunningInstances final : public RunningInstances {
+public:
+    int activations = 0;
+    std::function<void()> onActivate;
+    Task<bool> activateOther() override {
+        ++activations;
+        co_return true;
+    }
+    void publish(std::function<void()> callback) override { onActivate = std::move(callback); }
+};
+
+/// A user who answers alerts with the buttons that the test chooses, and leaves them open when it chooses
+/// none.
+class FakeAlerts final : public AlertPresenting {
+public:
+    std::vector<Alert> shown;
+    void answerNextWith(std::size_t button) {
+        answers_.push_back(button);
+        answered_.resumeAll();
+    }
+    Task<std::size_t> runModal(Alert alert) override {
+        shown.push_back(std::move(alert));
+        while (answers_.empty()) co_await answered_.wait();
+        const std::size_t answer = answers_.front();
+        answers_.pop_front();
+        co_return answer;
+    }
+
+private:
+    std::deque<std::size_t> answers_;
+    WaitList answered_;
+};
+
+class FakeUsageReporting final : public UsageReporting {
+public:
+    std::vector<std::string> messages;
+    void startCrashReporting(const std::string& releaseName) override { messages.push_back(releaseName); }
+    void sendMessage(const std::string& message) override { messages.push_back(message); }
+};
+
+class FakeSettingsWindow final : public SettingsWindowing {
+public:
+    bool visible = false;
+    std::vector<std::string> opened;
+    bool isVisible() const override { return visible; }
+    void performClose() override { visible = false; }
+    void open(const std::string& section) override {
+        visible = true;
+        opened.push_back(section);
+    }
+};
+
+/// A whole machine in memory, but for its files: these are real, in a folder of the test's own.
+struct FakePlatform {
+    VirtualLoop loop;
+    VirtualWallClock clock{loop};
+    HeldExecutor background;
+    TemporaryFolder folder;
+    Environment environment{{"XDG_DATA_HOME", folder.path()}};
+    BundleInfo bundle{{{"QuillmarSemanticVersion", "1.2.3"}, {"CFBundleName", "Quillmar"}}};
+    FakeControl control;
+    FakeSystemEvents systemEvents;
+    FakeRunningInstances runningInstances;
+    FakeUsageReporting usage;
+    FakeAlerts alerts;
+    FakeScreens screens;
+    FakeDesktopPicture desktop;
+    FakePictureRendering rendering;
+    FakeSettingsWindow settingsWindow;
+    std::vector<std::string> preferredLanguages{"en_GB"};
+    int flushes = 0;
+
+    FakePlatform() { background.runsAtOnce = true; }
+    Platform platform() {
+        return {.loop = loop,
+                .clock = clock,
+                .backgroundPool = background,
+                .bundle = bundle,
+                .environment = environment,
+                .preferredLanguages = preferredLanguages,
+                .control = control,
+                .systemEvents = systemEvents,
+                .runningInstances = runningInstances,
+                .usageReporting = usage,
+                .alerts = alerts,
+                .screens = screens,
+                .desktopPicture = desktop,
+                .pictureRendering = rendering,
+                .settingsWindow = &settingsWindow,
+                .flushLog = [this] { return flush(); }};
+    }
+    Task<void> flush() {
+        ++flushes;
+        co_return;
+    }
+    std::filesystem::path settingsFile() const { return folder.path() / "Quillmar/settings.json"; }
+};
+
+}  // namespace quillmar

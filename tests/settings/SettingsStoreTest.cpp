@@ -1,0 +1,170 @@
+#include "settings/SettingsStore.h"
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <fstream>
+
+#include "async/TaskScope.h"
+#include "base/Files.h"
+#include "fakes/FakeExecutors.h"
+#include "fakes/TemporaryFolder.h"
+#include "fakes/VirtualLoop.h"
+#include "settings/records/SettingsCodec.h"
+
+namespace quillmar {
+namespace {
+
+using ::testing::HasSubstr;
+namespace fs = std::filesystem;
+
+struct SettingsStoreTest : ::testing::Test {
+    VirtualLoop loop;
+    InlineExecutor executor;
+    TemporaryFolder folder;
+    fs::path file = folder.path() / "Quillmar/settings.json";
+    AppSettings defaults = defaultSettings(BundleInfo{});
+    SettingsStore store{file, defaults, executor};
+    TaskScope tasks{loop};
+
+    template <class T>
+    std::string run(Task<T> task, T* result) {
+        std::string failure;
+        tasks.spawn([](Task<T> work, T* to, std::string* reason) -> Task<void> {
+            try {
+                *to = co_await std::move(work);
+            } catch (const std::exception& error) {
+                *reason = error.what();
+            }
+        }(std::move(task), result, &failure));
+        loop.settle();
+        return failure;
+    }
+    std::string load(SettingsLoadResult* result) { return run(store.load(), result); }
+    std::string save(const AppSettings& settings) {
+        bool done = false;
+        return run(
+            [](SettingsStore* to, AppSettings document) -> Task<bool> {
+                co_await to->save(std::move(document));
+                co_return true;
+            }(&store, settings),
+            &done);
+    }
+    void put(std::string_view text) {
+        fs::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::binary) << text;
+    }
+    std::string bytes() const { return readFile(file, 1 << 20); }
+    std::vector<std::string> filesBeside() const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(file.parent_path()))
+            names.push_back(entry.path().filename());
+        return names;
+    }
+};
+
+TEST_F(SettingsStoreTest, aFirstRunMakesTheFileAndASecondReadsIt) {
+    SettingsLoadResult result;
+    EXPECT_EQ(load(&result), "");
+    EXPECT_TRUE(result.createdInitialSettingsFile);
+    EXPECT_EQ(result.settings, defaults);
+    struct stat status{};
+    ASSERT_EQ(::stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600u);
+
+    AppSettings changed = defaults;
+    changed.general.pauseRotations = true;
+    EXPECT_EQ(save(changed), "");
+    EXPECT_EQ(load(&result), "");
+    EXPECT_FALSE(result.createdInitialSettingsFile);
+    EXPECT_EQ(result.settings, changed);
+    EXPECT_THAT(filesBeside(), testing::ElementsAre("settings.json"));
+}
+
+TEST_F(SettingsStoreTest, aFileThatCannotBeReadIsLeftAsItIs) {
+    std::string text = encodeSettings(defaults);
+    std::string otherSchema = text;
+    otherSchema.replace(otherSchema.find("\"schemaVersion\": 1"), 18, "\"schemaVersion\": 2");
+    std::string wrongType = text;
+    wrongType.replace(wrongType.find("\"pauseRotations\": false"), 23, "\"pauseRotations\": \"no\"");
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"", "the document is not valid JSON"},
+        {text.substr(0, text.size() / 2), "the document is not valid JSON"},
+        {otherSchema, "This settings file uses schema 2, but this build of Quillmar requires schema 1."},
+        {wrongType, "general.pauseRotations: expected true or false, found a text"},
+    };
+    for (const auto& [content, reason] : rows) {
+        put(content);
+        SettingsLoadResult result;
+        EXPECT_THAT(load(&result), HasSubstr(reason));
+        EXPECT_EQ(bytes(), content);
+    }
+}
+
+TEST_F(SettingsStoreTest, whatIsNoReadableFileIsNamedWithItsReason) {
+    SettingsLoadResult result;
+    fs::create_directories(file);
+    EXPECT_EQ(load(&result), file.string() + ": Is a directory");
+    fs::remove(file);
+    fs::create_symlink("nowhere.json", file);
+    EXPECT_EQ(load(&result), file.string() + ": No such file or directory");
+    fs::remove(file);
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    EXPECT_EQ(load(&result), file.string() + ": Invalid argument");
+}
+
+TEST_F(SettingsStoreTest, aFileThatIsALinkStaysOne) {
+    const fs::path kept = folder.path() / "dotfiles.json";
+    std::ofstream(kept) << encodeSettings(defaults);
+    fs::create_directories(file.parent_path());
+    fs::create_symlink(kept, file);
+    AppSettings changed = defaults;
+    changed.general.pauseRotations = true;
+    EXPECT_EQ(save(changed), "");
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_EQ(decodeSettings(readFile(kept, 1 << 20)), changed);
+}
+
+TEST_F(SettingsStoreTest, aSaveThatRunsOutOfSpaceLeavesTheOldFileAndNoLitter) {
+    EXPECT_EQ(save(defaults), "");
+    const std::string before = bytes();
+    AppSettings changed = defaults;
+    changed.lastLaunchedAppVersion = "9.9.9";
+
+    struct rlimit old{};
+    ::getrlimit(RLIMIT_FSIZE, &old);
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    const struct rlimit small{100, old.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    const std::string failure = save(changed);
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldHandler);
+
+    EXPECT_EQ(failure, file.string() + ": File too large");
+    EXPECT_EQ(bytes(), before);
+    EXPECT_EQ(filesBeside().size(), 1u);
+}
+
+TEST_F(SettingsStoreTest, whatAnInterruptedSaveLeftIsClearedAway) {
+    EXPECT_EQ(save(defaults), "");
+    std::ofstream(file.parent_path() / ".settings.json.Ab12Cd") << "{";
+    SettingsLoadResult result;
+    EXPECT_EQ(load(&result), "");
+    EXPECT_EQ(filesBeside().size(), 1u);
+}
+
+TEST_F(SettingsStoreTest, withoutADataFolderEveryOperationSaysWhy) {
+    const auto unavailable = makeSettingsStore(
+        []() -> fs::path { throw std::runtime_error("neither XDG_DATA_HOME nor HOME names a folder"); },
+        defaults, executor);
+    SettingsLoadResult result;
+    EXPECT_EQ(
+        run(unavailable->load(), &result),
+        "The Application Support settings location is unavailable (neither XDG_DATA_HOME nor HOME names a "
+        "folder).");
+}
+
+}  // namespace
+}  // namespace quillmar

@@ -1,0 +1,88 @@
+#include "wallpaper/GeneratedWallpaper.h"
+
+#include <fstream>
+#include <limits>
+
+#include "fakes/FakePictureRendering.h"
+#include "fakes/TemporaryFolder.h"
+
+namespace quillmar {
+namespace {
+
+DisplayInfo display(double width, double height, double scale) {
+    return {.id = "display:aa-01", .frame = {0, 0, width, height}, .scaleFactor = scale};
+}
+
+TEST(CanvasSizeTest, aCanvasIsTheFrameInPixelsAndNeverEmpty) {
+    EXPECT_EQ(CanvasSize::of(display(1920, 1080, 2)), (CanvasSize{3840, 2160}));
+    EXPECT_EQ(CanvasSize::of(display(1920, 1080, 0.5)), (CanvasSize{1920, 1080}));
+    EXPECT_EQ(CanvasSize::of(display(100.3, 100.5, 1.25)), (CanvasSize{125, 126}));
+    EXPECT_EQ(CanvasSize::of(display(0, -5, 1)), (CanvasSize{1, 1}));
+    const double infinity = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(CanvasSize::of(display(infinity, std::nan(""), 1)), (CanvasSize{1, 1}));
+    EXPECT_EQ(CanvasSize::of(display(1e12, 10, 1)).width, 65535);
+}
+
+TEST(SolidColorFileNameTest, theNameHoldsAllThatThePictureDependsOn) {
+    EXPECT_EQ(solidColorFileName(display(1, 1, 1), {1920, 1080}, "1F6F8B"),
+              "solid-display-aa-01-1920x1080-1F6F8B.png");
+}
+
+struct ValidityTest : ::testing::Test {
+    TemporaryFolder folder;
+    std::filesystem::path file = folder.path() / "a.png";
+    const Bytes good = FakePictureRendering().solidColorPng(30, 20, {});
+
+    bool isValid(const Bytes& bytes) {
+        std::ofstream(file, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        return isValidGeneratedPng(file, {30, 20});
+    }
+    /// The good file with another chunk put before its end.
+    Bytes withChunk(std::string_view type, const Bytes& content = {}) const {
+        Bytes bytes(good.begin(), good.end() - 12);
+        FakePictureRendering::chunk(bytes, type, content);
+        FakePictureRendering::chunk(bytes, "IEND", {});
+        return bytes;
+    }
+};
+
+TEST_F(ValidityTest, aWholeFileOfTheRightSizeIsValidAndNothingElseIs) {
+    ASSERT_TRUE(isValid(good));
+    EXPECT_FALSE(isValidGeneratedPng(file, {31, 20}));
+    EXPECT_FALSE(isValidGeneratedPng(folder.path(), {30, 20}));
+    EXPECT_FALSE(isValidGeneratedPng(folder.path() / "gone.png", {30, 20}));
+    for (std::size_t length = 0; length < good.size(); ++length) {
+        EXPECT_FALSE(isValid(Bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(length))))
+            << length;
+    }
+    Bytes longer = good;
+    longer.push_back(0);
+    EXPECT_FALSE(isValid(longer)) << "bytes behind the end";
+    EXPECT_FALSE(isValid({'<', 'h', 't', 'm', 'l', '>'}));
+}
+
+TEST_F(ValidityTest, damageThatAHeaderCheckWouldMissIsFound) {
+    EXPECT_FALSE(isValid(withChunk("acTL"))) << "an animation";
+    EXPECT_FALSE(isValid(withChunk("fcTL")));
+    EXPECT_TRUE(isValid(withChunk("tEXt", {'a'})));
+    Bytes split = withChunk("tEXt", {'a'});
+    split.resize(split.size() - 12);
+    FakePictureRendering::chunk(split, "IDAT", {1, 2});
+    FakePictureRendering::chunk(split, "IEND", {});
+    EXPECT_FALSE(isValid(split)) << "image data in two runs";
+
+    const auto flipped = [&](std::size_t at) {
+        Bytes bytes = good;
+        bytes[at] ^= 0x40;
+        return bytes;
+    };
+    for (const std::size_t at : {0u, 12u, 19u, 24u, 29u, 41u}) EXPECT_FALSE(isValid(flipped(at))) << at;
+    // A length that points far beyond the file must not send the walk there.
+    Bytes huge = good;
+    huge[33] = huge[34] = huge[35] = huge[36] = 0xff;
+    EXPECT_FALSE(isValid(huge));
+}
+
+}  // namespace
+}  // namespace quillmar

@@ -1,0 +1,277 @@
+#include "wallpaper/WallpaperCoordinator.h"
+
+#include "fakes/FakeSettingsStore.h"
+#include "fakes/FakeWallpaperApplier.h"
+#include "fakes/VirtualLoop.h"
+
+namespace quillmar {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+constexpr auto rotation = WallpaperApplyReason::rotation;
+constexpr auto userInitiated = WallpaperApplyReason::userInitiated;
+constexpr const char* skipped =
+    "The wallpaper request was skipped while the Lock Screen override was active.";
+
+struct TwoDisplays final : DisplayProviding {
+    std::vector<DisplayInfo> present{{.id = "A", .localizedName = "Left"},
+                                     {.id = "B", .localizedName = "Right"}};
+    std::vector<DisplayInfo> displays() const override { return present; }
+};
+
+WallpaperSettings colors(std::vector<std::pair<std::string, std::string>> rows) {
+    WallpaperSettings settings;
+    for (auto& [id, color] : rows) {
+        WallpaperMode mode;
+        if (color != "disabled") mode.value = SolidColorPresentationSettings{color};
+        DisplayWallpaperSettings entry;
+        entry.displayID = id;
+        entry.mode = std::move(mode);
+        settings.displays.push_back(std::move(entry));
+    }
+    return settings;
+}
+
+std::string colorIn(const WallpaperSettings& settings, const std::string& id) {
+    for (const auto& entry : settings.displays) {
+        if (entry.displayID != id) continue;
+        const auto* solid = std::get_if<SolidColorPresentationSettings>(&entry.mode.value);
+        return solid ? solid->hexColor : std::string(enumName(entry.mode.kind()));
+    }
+    return "no entry";
+}
+
+struct WallpaperCoordinatorTest : ::testing::Test {
+    VirtualLoop loop;
+    VirtualWallClock clock{loop};
+    NotificationCenter notifications;
+    FakeSettingsStore store;
+    TwoDisplays displays;
+    FakeWallpaperApplier applier;
+    WallpaperSettingsTransactionService transactions{applier};
+    WallpaperApplicationGate gate;
+    std::optional<AppSettingsModel> model;
+    std::optional<WallpaperCoordinator> coordinator;
+    TaskScope tasks{loop};
+
+    void SetUp() override {
+        store.onDisk.wallpaper = colors({{"A", "#aaaaaa"}, {"B", "#bbbbbb"}});
+        applier.shown = {{"A", "before A"}, {"B", "before B"}};
+        model.emplace(loop, notifications, store, AppSettings{});
+        coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
+        loop.settle();
+    }
+    TaskHandle<WallpaperApplyBatchResult> enqueue(std::optional<DisplayIDs> ids,
+                                                  WallpaperApplyReason reason = userInitiated) {
+        auto handle = tasks.start(coordinator->enqueue(std::move(ids), reason));
+        loop.settle();
+        return handle;
+    }
+    WallpaperApplyBatchResult result(TaskHandle<WallpaperApplyBatchResult> handle) {
+        WallpaperApplyBatchResult batch;
+        tasks.spawn(
+            [](TaskHandle<WallpaperApplyBatchResult> from, WallpaperApplyBatchResult* to) -> Task<void> {
+                *to = co_await from.value();
+            }(handle, &batch));
+        loop.settle();
+        EXPECT_TRUE(handle.isFinished());
+        return batch;
+    }
+    WallpaperApplyBatchResult apply(WallpaperSettings settings) {
+        return result(tasks.start(coordinator->apply(std::move(settings))));
+    }
+    static std::vector<std::string> lines(const WallpaperApplyBatchResult& batch) {
+        std::vector<std::string> texts;
+        for (const auto& display : batch.displays) {
+            texts.push_back(display.displayID + ": " + display.failureMessage.value_or("applied"));
+        }
+        return texts;
+    }
+};
+
+TEST_F(WallpaperCoordinatorTest, theSettingsAreAppliedDisplayByDisplayAndOneThatFailsDoesNotStopTheOthers) {
+    applier.settingFails("A", "#aaaaaa");
+    const auto batch = result(enqueue(std::nullopt));
+    EXPECT_THAT(lines(batch), ElementsAre("A: cannot set", "B: applied"));
+    EXPECT_EQ(batch.displays[0].displayName, "Left");
+    EXPECT_TRUE(batch.hasFailure());
+    EXPECT_FALSE(coordinator->isApplying());
+}
+
+TEST_F(WallpaperCoordinatorTest, aDisplayWithoutARecordIsAppliedAsDisabled) {
+    displays.present.push_back({.id = "C"});
+    EXPECT_THAT(lines(result(enqueue(DisplayIDs{"C"}))), ElementsAre("C: applied"));
+    EXPECT_THAT(applier.calls, ElementsAre("apply C disabled"));
+}
+
+TEST_F(WallpaperCoordinatorTest, aDisplayThatIsNotConnectedIsAnsweredByItsID) {
+    const auto batch = result(enqueue(DisplayIDs{"Z", "A", "Y"}));
+    EXPECT_THAT(lines(batch), ElementsAre("Y: The display with ID Y is no longer connected.",
+                                          "Z: The display with ID Z is no longer connected.", "A: applied"));
+    EXPECT_EQ(batch.displays[0].displayName, "Y");
+}
+
+TEST_F(WallpaperCoordinatorTest, requestsOfOneReasonMergeIntoOnePassAndEachWaiterSeesItsOwn) {
+    applier.hold();
+    const auto running = enqueue(std::nullopt, rotation);
+    const auto first = enqueue(DisplayIDs{"A"}, rotation);
+    const auto second = enqueue(DisplayIDs{"B"}, rotation);
+    const auto other = enqueue(DisplayIDs{"A"}, userInitiated);
+    const auto all = enqueue(std::nullopt, userInitiated);
+    applier.calls.clear();
+    applier.letThrough();
+    EXPECT_THAT(lines(result(first)), ElementsAre("A: applied"));
+    EXPECT_THAT(lines(result(second)), ElementsAre("B: applied"));
+    EXPECT_THAT(lines(result(other)), ElementsAre("A: applied"));
+    EXPECT_THAT(lines(result(all)), ElementsAre("A: applied", "B: applied"));
+    EXPECT_EQ(result(running).displays.size(), 2u);
+    // The rest of the first pass, one pass for the two rotations, one for the two others.
+    EXPECT_THAT(applier.calls, ElementsAre("apply B #bbbbbb", "apply A #aaaaaa", "apply B #bbbbbb",
+                                           "apply A #aaaaaa", "apply B #bbbbbb"));
+}
+
+TEST_F(WallpaperCoordinatorTest, nothingMergesAcrossASettingsTransaction) {
+    applier.hold();
+    enqueue(std::nullopt);
+    const auto before = enqueue(DisplayIDs{"A"});
+    const auto change = tasks.start(coordinator->apply(colors({{"A", "#cccccc"}})));
+    const auto after = enqueue(DisplayIDs{"A"});
+    applier.calls.clear();
+    applier.letThrough();
+    result(after);
+    EXPECT_THAT(applier.calls, ElementsAre("apply B #bbbbbb", "apply A #aaaaaa", "prepare A", "set A #cccccc",
+                                           "prepare B", "set B disabled", "apply A #cccccc"));
+}
+
+TEST_F(WallpaperCoordinatorTest, theLockScreenRefusesWhatComesAndWhatIsNotYetReached) {
+    applier.hold();
+    const auto running = enqueue(std::nullopt);
+    const auto waiting = enqueue(DisplayIDs{"B"});
+    gate.isLockScreenOverrideActive = true;
+    applier.letThrough();
+    EXPECT_THAT(lines(result(running)), ElementsAre("A: applied", std::string("B: ") + skipped));
+    EXPECT_THAT(lines(result(waiting)), ElementsAre(std::string("B: ") + skipped));
+    EXPECT_THAT(lines(apply(colors({{"A", "#cccccc"}}))),
+                ElementsAre(std::string("A: ") + skipped, std::string("B: ") + skipped));
+    EXPECT_TRUE(store.saves.empty());
+}
+
+TEST_F(WallpaperCoordinatorTest, aTransactionSavesFirstAndThenApplies) {
+    const auto batch = apply(colors({{"A", "#cccccc"}, {"B", "#dddddd"}}));
+    EXPECT_THAT(lines(batch), ElementsAre("A: applied", "B: applied"));
+    EXPECT_EQ(applier.shown["A"], "#cccccc");
+    EXPECT_EQ(colorIn(store.onDisk.wallpaper, "B"), "#dddddd");
+    EXPECT_EQ(store.saves.size(), 1u);
+}
+
+TEST_F(WallpaperCoordinatorTest, aTransactionThatCannotBeSavedAppliesNothing) {
+    store.nextSaveFails("No space left on device");
+    const auto batch = apply(colors({{"A", "#cccccc"}}));
+    EXPECT_TRUE(batch.displays.empty());
+    EXPECT_EQ(batch.transactionFailureMessage,
+              "Quillmar could not save the wallpaper settings. Review the settings save error before trying "
+              "again.");
+    EXPECT_TRUE(applier.calls.empty());
+    EXPECT_EQ(colorIn(model->settings().wallpaper, "A"), "#aaaaaa");
+}
+
+TEST_F(WallpaperCoordinatorTest, ofTwoDisplaysTheOneThatFailsIsTakenBackOnScreenAndInTheFile) {
+    applier.settingFails("B", "#dddddd");
+    const auto batch = apply(colors({{"A", "#cccccc"}, {"B", "#dddddd"}}));
+    EXPECT_THAT(lines(batch), ElementsAre("A: applied", "B: cannot set"));
+    EXPECT_EQ(applier.shown["A"], "#cccccc");
+    EXPECT_EQ(applier.shown["B"], "#bbbbbb");
+    EXPECT_EQ(colorIn(store.onDisk.wallpaper, "A"), "#cccccc");
+    EXPECT_EQ(colorIn(store.onDisk.wallpaper, "B"), "#bbbbbb");
+    EXPECT_TRUE(batch.rollbackFailures.empty());
+}
+
+TEST_F(WallpaperCoordinatorTest, aDisplayThatWasNotManagedGetsBackWhatItShowed) {
+    store.onDisk.wallpaper = colors({{"B", "disabled"}});
+    model.emplace(loop, notifications, store, AppSettings{});
+    coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
+    applier.settingFails("A", "#cccccc");
+    applier.settingFails("B", "#dddddd");
+    apply(colors({{"A", "#cccccc"}, {"B", "#dddddd"}}));
+    EXPECT_EQ(applier.shown["A"], "before A");
+    EXPECT_EQ(applier.shown["B"], "before B");
+    EXPECT_EQ(colorIn(store.onDisk.wallpaper, "A"), "no entry");
+    EXPECT_EQ(colorIn(store.onDisk.wallpaper, "B"), "disabled");
+}
+
+TEST_F(WallpaperCoordinatorTest, whatFailsBeforeTheDesktopIsTouchedIsNotRolledBack) {
+    applier.preparingFails("A");
+    apply(colors({{"A", "#cccccc"}, {"B", "#bbbbbb"}}));
+    EXPECT_THAT(applier.calls, ElementsAre("prepare A", "prepare B", "set B #bbbbbb"));
+    EXPECT_EQ(colorIn(store.onDisk.wallpaper, "A"), "#aaaaaa");
+}
+
+TEST_F(WallpaperCoordinatorTest, failuresOfTheWayBackAreReported) {
+    store.onDisk.wallpaper = {};
+    model.emplace(loop, notifications, store, AppSettings{});
+    coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
+    loop.settle();
+    applier.capturingFails("A");
+    applier.settingFails("B", "#dddddd");
+    applier.restoringFails("B");
+    const auto batch = apply(colors({{"A", "#cccccc"}, {"B", "#dddddd"}}));
+    EXPECT_THAT(
+        lines(batch),
+        ElementsAre("A: Quillmar could not capture the current desktop for display ID A.", "B: cannot set"));
+    ASSERT_EQ(batch.rollbackFailures.size(), 1u);
+    EXPECT_EQ(batch.rollbackFailures[0], (WallpaperRollbackFailure{"B", "Right", "cannot restore"}));
+}
+
+TEST_F(WallpaperCoordinatorTest, aFileThatCannotBeTakenBackIsSaid) {
+    applier.settingFails("A", "#cccccc");
+    applier.hold();
+    const auto change = tasks.start(coordinator->apply(colors({{"A", "#cccccc"}})));
+    loop.settle();
+    store.nextSaveFails("No space left on device");
+    applier.letThrough();
+    EXPECT_THAT(result(change).transactionFailureMessage.value_or(""),
+                HasSubstr("Quillmar could not roll back the failed wallpaper change."));
+}
+
+TEST_F(WallpaperCoordinatorTest, theImageOfASlideshowIsRememberedUnlessTheModeChangedMeanwhile) {
+    const Url image = Url::fromFilePath("/pictures/2.jpg");
+    store.onDisk.wallpaper.displays[0].mode.value = SlideshowPresentationSettings{};
+    model.emplace(loop, notifications, store, AppSettings{});
+    coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
+    loop.settle();
+    applier.outcome.selectedSlideshowImageURL = image;
+    const auto remembered = [&] {
+        const auto* slideshow =
+            std::get_if<SlideshowPresentationSettings>(&model->settings().wallpaper.displays[0].mode.value);
+        return slideshow ? slideshow->lastImageURL : std::nullopt;
+    };
+    result(enqueue(DisplayIDs{"A"}, rotation));
+    EXPECT_EQ(remembered(), image);
+
+    applier.outcome.selectedSlideshowImageURL = Url::fromFilePath("/pictures/3.jpg");
+    applier.hold();
+    const auto running = enqueue(DisplayIDs{"A"}, rotation);
+    model->update([](AppSettings& settings) {
+        settings.wallpaper.displays[0].mode.value = SolidColorPresentationSettings{"#eeeeee"};
+    });
+    applier.letThrough();
+    result(running);
+    EXPECT_EQ(colorIn(model->settings().wallpaper, "A"), "#eeeeee");
+}
+
+TEST_F(WallpaperCoordinatorTest, aWaiterThatGoesAwayLeavesTheWorkAndTheOthersAlone) {
+    applier.hold();
+    auto gone = std::make_unique<TaskScope>(loop);
+    gone->start(coordinator->enqueue(std::nullopt, userInitiated));
+    loop.settle();
+    const auto staying = enqueue(std::nullopt);
+    gone.reset();
+    applier.letThrough();
+    EXPECT_EQ(result(staying).displays.size(), 2u);
+    EXPECT_EQ(applier.calls.size(), 4u);
+}
+
+}  // namespace
+}  // namespace quillmar

@@ -1,0 +1,195 @@
+#include "wallpaper/WallpaperService.h"
+
+#include <fstream>
+
+#include "async/TaskScope.h"
+#include "fakes/FakeDesktopPicture.h"
+#include "fakes/FakeExecutors.h"
+#include "fakes/FakePictureRendering.h"
+#include "fakes/FakeScreens.h"
+#include "fakes/TemporaryFolder.h"
+#include "fakes/VirtualLoop.h"
+#include "modes/WallpaperApplicationError.h"
+#include "storage/LastUsedStamp.h"
+#include "wallpaper/GeneratedWallpaper.h"
+
+namespace quillmar {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct WallpaperServiceTest : ::testing::Test {
+    VirtualLoop loop;
+    VirtualWallClock clock{loop};
+    TemporaryFolder folder;
+    fs::path cache = folder.path() / "Cache/GeneratedWallpapers";
+    FakeScreens screens;
+    DisplayService displays{screens};
+    FakeDesktopPicture desktop;
+    FakePictureRendering rendering;
+    WallpaperApplicationGate gate;
+    HeldExecutor executor;
+    WallpaperRenderer renderer{cache, rendering, clock};
+    WallpaperService service{displays, desktop, gate, renderer, executor};
+    TaskScope tasks{loop};
+
+    void SetUp() override {
+        screens.plugIn(1, {0, 0, 1920, 1080});
+        screens.plugIn(2, {1920, 0, 1280, 1024});
+    }
+    WallpaperApplyRequest solid(std::size_t display, std::string color) {
+        return {displays.displays().at(display),
+                WallpaperMode{SolidColorPresentationSettings{std::move(color)}}};
+    }
+    /// Runs the task as far as it goes; "waiting" when that is not its end, else its error's text or "done".
+    template <class T>
+    std::string run(Task<T> task, T* result = nullptr) {
+        auto outcome = std::make_shared<std::string>("waiting");
+        tasks.spawn([](Task<T> work, T* to, std::shared_ptr<std::string> text) -> Task<void> {
+            try {
+                T value = co_await std::move(work);
+                if (to) *to = std::move(value);
+                *text = "done";
+            } catch (const std::exception& error) {
+                *text = error.what();
+            }
+        }(std::move(task), result, outcome));
+        loop.settle();
+        return *outcome;
+    }
+    template <class T>
+    std::string runToEnd(Task<T> task, T* result = nullptr) {
+        executor.runsAtOnce = true;
+        const std::string text = run(std::move(task), result);
+        executor.runsAtOnce = false;
+        return text;
+    }
+    std::string shown(std::uint32_t screen) const {
+        const auto found = desktop.shown.find(screen);
+        return found == desktop.shown.end() ? "" : found->second.filename().string();
+    }
+    std::string gone(std::uint32_t screen) const {
+        return "The display with ID " + FakeScreens::displayID(screen) + " is no longer connected.";
+    }
+};
+
+TEST_F(WallpaperServiceTest, aColourIsRenderedForItsDisplayAloneAndUsedAgain) {
+    EXPECT_EQ(runToEnd(service.apply(solid(0, " #1f6f8b "))), "done");
+    EXPECT_EQ(shown(1), "solid-display-00000000-0000-0000-0000-000000000001-1920x1080-1F6F8B.png");
+    EXPECT_EQ(shown(2), "");
+    EXPECT_EQ(runToEnd(service.apply(solid(0, "1F6F8B"))), "done");
+    EXPECT_EQ(rendering.rendered, 1);
+    EXPECT_EQ(desktop.setCount, 2);
+    EXPECT_TRUE(desktop.options[1].empty());
+}
+
+TEST_F(WallpaperServiceTest, aDamagedOrForeignFileOfTheRightNameIsRenderedAnew) {
+    runToEnd(service.apply(solid(0, "#112233")));
+    const fs::path file = desktop.shown[1];
+    fs::resize_file(file, fs::file_size(file) - 1);
+    runToEnd(service.apply(solid(0, "#112233")));
+    EXPECT_EQ(rendering.rendered, 2);
+    EXPECT_TRUE(isValidGeneratedPng(file, {1920, 1080}));
+}
+
+TEST_F(WallpaperServiceTest, everyUseStampsTheFile) {
+    runToEnd(service.apply(solid(0, "#112233")));
+    const fs::path file = desktop.shown[1];
+    if (!lastUsedStamp(file)) GTEST_SKIP() << "this file system has no extended attributes";
+    loop.advance(std::chrono::hours(5));
+    runToEnd(service.apply(solid(0, "#112233")));
+    EXPECT_EQ(lastUsedStamp(file), clock.now());
+}
+
+TEST_F(WallpaperServiceTest, whatCannotBeShownIsNamed) {
+    EXPECT_EQ(run(service.apply(solid(0, "#12345"))), "#12345 is not a valid six-digit hex color.");
+    EXPECT_EQ(run(service.apply({displays.displays()[0], WallpaperMode{ColorFaderPresentationSettings{}}})),
+              "Add at least two colors to the color fader.");
+    rendering.fails = true;
+    EXPECT_EQ(runToEnd(service.apply(solid(0, "#123456"))),
+              "Quillmar could not render the solid color image.");
+    EXPECT_EQ(desktop.setCount, 0);
+}
+
+TEST_F(WallpaperServiceTest, aCacheThatCannotBeMadeOrWrittenIsNamedWithItsPlaceAndReason) {
+    std::ofstream(folder.path() / "Cache") << "a file in the way";
+    EXPECT_EQ(runToEnd(service.apply(solid(0, "#123456"))),
+              "Quillmar could not create its wallpaper cache at " + cache.string() + ": Not a directory.");
+    fs::remove(folder.path() / "Cache");
+    const std::string name = solidColorFileName(displays.displays()[0], {1920, 1080}, "123456");
+    fs::create_directories(cache / name);
+    EXPECT_EQ(runToEnd(service.apply(solid(0, "#123456"))),
+              "Quillmar could not save the generated wallpaper at " + (cache / name).string() +
+                  ": Is a directory.");
+}
+
+TEST_F(WallpaperServiceTest, aDisplayThatIsUnpluggedWhileItsPictureIsRenderedFailsAlone) {
+    const WallpaperApplyRequest request = solid(0, "#123456");
+    auto outcome = tasks.start(service.apply(request));
+    loop.settle();
+    screens.unplug(1);
+    executor.releaseAll();
+    std::string text;
+    tasks.spawn([](TaskHandle<WallpaperApplyOutcome> from, std::string* to) -> Task<void> {
+        try {
+            co_await from.value();
+        } catch (const std::exception& error) {
+            *to = error.what();
+        }
+    }(outcome, &text));
+    loop.settle();
+    EXPECT_EQ(text, gone(1));
+    EXPECT_EQ(desktop.setCount, 0);
+    EXPECT_EQ(run(service.apply(request)), gone(1)) << "not even rendered";
+    EXPECT_EQ(executor.heldCount(), 0u);
+}
+
+TEST_F(WallpaperServiceTest, aRequestWhoseOwnerDiesDuringTheRenderSetsNothing) {
+    {
+        TaskScope owner(loop);
+        owner.start(service.apply(solid(0, "#123456")));
+        loop.settle();
+    }
+    executor.releaseAll();
+    loop.settle();
+    EXPECT_EQ(desktop.setCount, 0);
+}
+
+TEST_F(WallpaperServiceTest, underTheLockScreenThePictureIsRenderedButNotSet) {
+    gate.isLockScreenOverrideActive = true;
+    EXPECT_EQ(runToEnd(service.apply(solid(0, "#123456"))),
+              "The wallpaper request was skipped while the Lock Screen override was active.");
+    EXPECT_EQ(rendering.rendered, 1);
+    EXPECT_EQ(desktop.setCount, 0);
+}
+
+TEST_F(WallpaperServiceTest, preparingTouchesNothingAndThePreparedIsSetWithoutRendering) {
+    PreparedWallpaperApplication prepared;
+    EXPECT_EQ(runToEnd(service.prepare(solid(1, "#123456")), &prepared), "done");
+    EXPECT_EQ(desktop.setCount, 0);
+    EXPECT_EQ(run(service.applyPrepared(prepared)), "done");
+    EXPECT_EQ(shown(2), "solid-display-00000000-0000-0000-0000-000000000002-1280x1024-123456.png");
+}
+
+TEST_F(WallpaperServiceTest, aDisabledDisplayKeepsWhatItShows) {
+    desktop.shown[1] = "/home/ana/holiday.jpg";
+    EXPECT_EQ(run(service.apply({displays.displays()[0], WallpaperMode{}})), "done");
+    EXPECT_EQ(desktop.shown[1], "/home/ana/holiday.jpg");
+}
+
+TEST_F(WallpaperServiceTest, aCapturedDesktopComesBackWithItsOptions) {
+    EXPECT_THROW(service.captureDesktop(FakeScreens::displayID(1)), WallpaperApplicationError);
+    desktop.shown[1] = "/home/ana/holiday.jpg";
+    desktop.options[1] = {{"style", "zoom"}};
+    const auto snapshot = service.captureDesktop(FakeScreens::displayID(1));
+    runToEnd(service.apply(solid(0, "#123456")));
+    EXPECT_TRUE(desktop.options[1].empty());
+    service.restoreDesktop(snapshot);
+    EXPECT_EQ(desktop.shown[1], "/home/ana/holiday.jpg");
+    EXPECT_EQ(desktop.options[1].at("style"), "zoom");
+    screens.unplug(1);
+    EXPECT_THROW(service.restoreDesktop(snapshot), WallpaperApplicationError);
+}
+
+}  // namespace
+}  // namespace quillmar
