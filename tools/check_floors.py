@@ -1,0 +1,168 @@
+#!/usr/bin/env python3
+"""Holds the floors of the house: what a folder of src/ may include, and what stays out of the logic.
+
+usage: check_floors.py [--self-test]
+
+Prints one line per violation and ends with status 1 when there is one.
+"""
+import pathlib
+import re
+import sys
+import tempfile
+
+# From the ground up. A room sees every floor below its own; rooms of one floor do not see each other.
+FLOORS = [
+    ["base"],
+    ["async"],
+    ["platform"],
+    ["modes"],
+    ["settings/records"],
+    ["diagnostics"],
+    ["display", "storage"],
+    ["settings"],
+    ["wallpaper"],
+    ["app"],
+    ["linux", "ui"],
+]
+# The handles for GObjects are no adapter: the views hold their widgets with them too.
+ALSO_SEEN = {"ui": ("linux/glib/",)}
+LEVEL = {room: level for level, rooms in enumerate(FLOORS) for room in rooms}
+
+DESKTOP_HEADER = re.compile(
+    r"(gtk|gdk|gdk-pixbuf|gio|glib|gobject|X11|xcb|libsoup|vips|webkit2?|cairo|pango|isa-l|dbus|gst|poppler)(/|-|mm)"
+    r"|(glib|glib-unix|glib-object|png|cairo|cairo-xlib|jpeglib|poppler)\.h$"
+)
+GLIB_HEADER = re.compile(r"glib(-object)?\.h$|glib/")
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
+CLOCK = re.compile(r"_clock::now\s*\(|\bsleep_(for|until)\b|\bu?sleep\s*\(|\bg_timeout_add")
+THREAD = re.compile(r"\bstd::j?thread\b|\bpthread_create\b|\bstd::async\b")
+
+
+def room_of(path):
+    """The room of a path relative to src/: the longest listed folder that holds it, None when there is none."""
+    folders = path.split("/")[:-1]
+    while folders:
+        if "/".join(folders) in LEVEL:
+            return "/".join(folders)
+        folders.pop()
+    return None
+
+
+def may_see(room, target):
+    other = room_of(target)
+    if other is None:
+        return False
+    return other == room or LEVEL[other] < LEVEL[room] or target.startswith(ALSO_SEEN.get(room, ()))
+
+
+def include_fault(path, quoted, target):
+    """Why the file at `path` may not include `target`; None when it may."""
+    room = room_of(path)
+    if path == "main.cpp":
+        return None
+    if quoted:
+        if not may_see(room, target):
+            return f'{room}/ may not include "{target}"'
+        if target == "base/JsonRecord.h" and path.endswith(".h"):
+            return 'headers do not include "base/JsonRecord.h": it costs every includer seconds'
+        return None
+    if target == "nlohmann/json.hpp" and path != "base/JsonRecord.h":
+        return '<nlohmann/json.hpp> comes through "base/JsonRecord.h"'
+    if DESKTOP_HEADER.match(target) and room not in ("linux", "ui"):
+        if not (room == "base" and path.endswith(".cpp") and GLIB_HEADER.match(target)):
+            return f"<{target}> belongs to linux/ or ui/"
+    return None
+
+
+def word_fault(path, line):
+    """Why a line of code has no place in the file at `path`; None when it has."""
+    room = room_of(path)
+    code = line.split("//")[0]
+    if CLOCK.search(code) and room != "linux":
+        return "time comes from MainLoop and WallClock"
+    if THREAD.search(code) and not (path.startswith("async/ThreadPool.") or room == "linux"):
+        return "threads belong to the executors"
+    return None
+
+
+def faults_of(path, text):
+    if path != "main.cpp" and room_of(path) is None:
+        yield 1, "is in no listed room: name its folder in FLOORS of tools/check_floors.py"
+        return
+    for number, line in enumerate(text.splitlines(), 1):
+        include = INCLUDE.match(line)
+        fault = include_fault(path, include[1] == '"', include[2]) if include else word_fault(path, line)
+        if fault:
+            yield number, fault
+
+
+def check(source):
+    """All violations below the folder `source`, as texts."""
+    found = []
+    for file in sorted(source.rglob("*")):
+        if file.suffix in (".h", ".cpp"):
+            path = file.relative_to(source).as_posix()
+            for number, fault in faults_of(path, file.read_text(encoding="utf-8")):
+                found.append(f"src/{path}:{number}: {fault}")
+    return found
+
+
+# Each file with its violation, or with None where there is none.
+PLANTED = [
+    ("base/Up.h", '#include "async/Task.h"', "base/ may not include"),
+    ("display/Side.h", '#include "storage/Lease.h"', "display/ may not include"),
+    ("settings/records/Owner.h", '#include "settings/Store.h"', "settings/records/ may not include"),
+    ("app/Adapter.cpp", '#include "linux/gtk/Screens.h"', "app/ may not include"),
+    ("linux/gtk/View.cpp", '#include "ui/Window.h"', "linux/ may not include"),
+    ("ui/Adapter.cpp", '#include "linux/x11/Root.h"', "ui/ may not include"),
+    ("async/Nowhere.h", '#include "Task.h"', "async/ may not include"),
+    ("wallpaper/Pixels.cpp", "#include <cairo/cairo.h>", "belongs to linux/ or ui/"),
+    ("display/Gtk.cpp", "#include <gtk/gtk.h>", "belongs to linux/ or ui/"),
+    ("base/Text.h", "#include <glib.h>", "belongs to linux/ or ui/"),
+    ("base/Files.cpp", "#include <gio/gio.h>", "belongs to linux/ or ui/"),
+    ("modes/Mode.h", '#include "base/JsonRecord.h"', "headers do not include"),
+    ("modes/Mode.cpp", "#include <nlohmann/json.hpp>", "comes through"),
+    ("wallpaper/Due.cpp", "auto due = std::chrono::steady_clock::now();", "time comes from"),
+    ("storage/Sweep.cpp", "std::jthread sweeper;", "threads belong"),
+    ("attic/Box.h", "#pragma once", "is in no listed room"),
+    ("base/Collation.cpp", "#include <glib.h>", None),
+    ("settings/records/General.cpp", '#include "modes/Mode.h"', None),
+    ("wallpaper/Engine.h", '#include "settings/Store.h"  // before ::now()', None),
+    ("wallpaper/live/Host.h", '#include "wallpaper/Engine.h"', None),
+    ("linux/gtk/Screens.cpp", '#include "display/DisplayInfo.h"', None),
+    ("ui/Window.cpp", '#include "linux/glib/Ref.h"', None),
+    ("main.cpp", '#include "linux/gtk/Screens.h"', None),
+]
+
+
+def self_test():
+    """Each planted violation must be found, and nothing else."""
+    failures = []
+    with tempfile.TemporaryDirectory() as folder:
+        source = pathlib.Path(folder)
+        for path, line, _ in PLANTED:
+            (source / path).parent.mkdir(parents=True, exist_ok=True)
+            (source / path).write_text(line + "\n", encoding="utf-8")
+        found = check(source)
+    for path, line, fault in PLANTED:
+        own = [text for text in found if text.startswith(f"src/{path}:")]
+        if [True for text in own if fault and fault in text] != [True] * bool(fault) or len(own) != bool(fault):
+            failures.append(f"check_floors: {path} with {line!r}: expected {fault!r}, found {own}")
+    return failures
+
+
+def main():
+    if sys.argv[1:] == ["--self-test"]:
+        found = self_test()
+    elif not sys.argv[1:]:
+        found = check(pathlib.Path(__file__).resolve().parent.parent / "src")
+    else:
+        print(__doc__, file=sys.stderr)
+        return 2
+    for text in found:
+        print(text)
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,56 @@
+# shellcheck shell=bash
+# The Debian packages that the work on Quillmar needs; docs/dependencies.md says why each is there.
+# Sourced by ./dev.
+
+packages=(
+    # build
+    clang-19 lld-19 libclang-rt-19-dev cmake ninja-build ccache pkg-config git python3
+    libfmt-dev nlohmann-json3-dev libglib2.0-dev libgtk-3-dev libsoup-3.0-dev
+    libx11-dev libx11-xcb-dev libxcb1-dev libxext-dev libxfixes-dev libxi-dev libxrandr-dev libxss-dev
+    libpng-dev libisal-dev zlib1g-dev
+    # tests
+    libgtest-dev libgmock-dev llvm-19
+    # test desktop
+    xserver-xorg-core xserver-xorg-video-dummy openbox x11-xserver-utils x11-utils xdotool imagemagick dbus-daemon
+    dbus-bin fonts-dejavu-core
+    # lint
+    clang-format-19 shellcheck
+    # benchmarks
+    feh hsetroot
+)
+
+# Prints the packages that are not installed, one a line.
+missing_packages() {
+    local package
+    declare -A installed=()
+    while read -r status package; do
+        [[ $status != ii ]] || installed[${package%%:*}]=1
+    # It reports unknown packages as a failure; those are the missing ones.
+    done < <(dpkg-query -W -f '${db:Status-Abbrev} ${Package}\n' "${packages[@]}" 2>/dev/null || true)
+    for package in "${packages[@]}"; do
+        [[ -n ${installed[$package]:-} ]] || echo "$package"
+    done
+}
+
+# Installs what is missing. Where there is no dpkg, says what is needed and goes on.
+ensure_dependencies() {
+    if ! command -v dpkg-query >/dev/null; then
+        echo "dev: not a Debian system: these packages, or their like, must be there: ${packages[*]}" >&2
+        return 0
+    fi
+    local missing=() as_root=()
+    mapfile -t missing < <(missing_packages)
+    ((${#missing[@]} > 0)) || return 0
+    if ((EUID != 0)); then
+        if ! command -v sudo >/dev/null; then
+            echo "dev: please install as root: apt-get install --no-install-recommends ${missing[*]}" >&2
+            return 1
+        fi
+        as_root=(sudo)
+    fi
+    echo "dev: installing ${as_root[*]:+through ${as_root[*]} }${missing[*]}" >&2
+    local get=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=500)
+    # Package lists that could not all be refreshed may still be good enough; the installation tells.
+    "${get[@]}" update || echo "dev: the package lists could not be refreshed" >&2
+    "${get[@]}" install -y --no-install-recommends "${missing[@]}" </dev/null
+}
