@@ -8,6 +8,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -108,6 +109,8 @@ template <NamedEnum E>
 void read(const Value& json, E& value, const Place& place);
 template <class T>
 void read(const Value& json, std::vector<T>& value, const Place& place);
+template <NamedEnum E>
+void read(const Value& json, std::set<E>& value, const Place& place);
 template <NamedEnum K, class V>
 void read(const Value& json, std::map<K, V>& value, const Place& place);
 template <class V>
@@ -121,6 +124,8 @@ template <NamedEnum E>
 Value write(E value, const Place&);
 template <class T>
 Value write(const std::vector<T>& value, const Place& place);
+template <NamedEnum E>
+Value write(const std::set<E>& value, const Place& place);
 template <NamedEnum K, class V>
 Value write(const std::map<K, V>& value, const Place& place);
 template <class V>
@@ -210,6 +215,13 @@ void read(const Value& json, std::vector<T>& value, const Place& place) {
     }
 }
 
+template <NamedEnum E>
+void read(const Value& json, std::set<E>& value, const Place& place) {
+    std::vector<E> elements;
+    read(json, elements, place);
+    value = std::set<E>(elements.begin(), elements.end());
+}
+
 /// A map whose key is an enumeration is a flat array that alternates key and value.
 template <NamedEnum K, class V>
 void read(const Value& json, std::map<K, V>& value, const Place& place) {
@@ -275,6 +287,11 @@ Value write(const std::vector<T>& value, const Place& place) {
     Value array = Value::array();
     for (std::size_t i = 0; i < value.size(); ++i) array.push_back(write(value[i], place[i]));
     return array;
+}
+
+template <NamedEnum E>
+Value write(const std::set<E>& value, const Place& place) {
+    return write(std::vector<E>(value.begin(), value.end()), place);
 }
 
 template <NamedEnum K, class V>

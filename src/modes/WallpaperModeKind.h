@@ -1,0 +1,34 @@
+#pragma once
+#include <array>
+#include <string_view>
+
+namespace quillmar {
+
+enum class WallpaperModeKind {
+    disabled,
+    solidColor,
+    colorFader,
+    image,
+    slideshow,
+    apod,
+    nasaEpic,
+    wallhaven,
+    unsplash,
+    bing,
+    windowsSpotlight,
+    museums,
+    webpage,
+    video,
+    videoPlaylist,
+    pdf,
+    matrix,
+    hexells
+};
+constexpr auto enumNames(WallpaperModeKind) {
+    return std::to_array<std::string_view>({"disabled", "solidColor", "colorFader", "image", "slideshow",
+                                            "apod", "nasaEpic", "wallhaven", "unsplash", "bing",
+                                            "windowsSpotlight", "museums", "webpage", "video",
+                                            "videoPlaylist", "pdf", "matrix", "hexells"});
+}
+
+}  // namespace quillmar

@@ -1,0 +1,143 @@
+#include "settings/backup/BackupSettingsModel.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/LocalDateTime.h"
+
+namespace quillmar {
+
+/// Marks the model as busy while an operation runs, on every path out of it.
+class BackupSettingsModel::Working {
+public:
+    explicit Working(BackupSettingsModel& model) : model_(model) { model_.isWorking_ = true; }
+    Working(const Working&) = delete;
+    Working& operator=(const Working&) = delete;
+    ~Working() { model_.isWorking_ = false; }
+
+private:
+    BackupSettingsModel& model_;
+};
+
+std::string BackupSettingsModel::suggestedFileName() const {
+    const LocalDateTime now = localDateTime(services_.clock.now());
+    return fmt::format("Quillmar-Backup-{:04}{:02}{:02}-{:02}{:02}{:02}", now.year, now.month, now.day,
+                       now.hour, now.minute, now.second);
+}
+
+std::string BackupSettingsModel::importedDescription() const {
+    if (!importedDocument_) return {};
+    return localized(
+        "Created with Quillmar %@ on %@"_key, language(),
+        {importedDocument_->appVersion, shortLocalText(importedDocument_->createdAt, language())});
+}
+
+Task<void> BackupSettingsModel::exportTo(std::filesystem::path file) {
+    const Working working(*this);
+    SettingsBackupDocument document = SettingsBackupDocument::make(
+        services_.settingsModel.settings(), exportSections, services_.appVersion, services_.clock.now());
+    try {
+        co_await services_.backupService.write(std::move(document), file);
+        notify("Backup Exported"_key, localized("Saved %@."_key, language(), {file.filename().string()}),
+               false);
+        services_.sendAnalytics("backup_export");
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        notify("Couldn’t Export Backup"_key, errorText(error, language()), true);
+    }
+}
+
+Task<void> BackupSettingsModel::load(std::filesystem::path file) {
+    const Working working(*this);
+    try {
+        importedDocument_ = co_await services_.backupService.read(file);
+        importedFile_ = std::move(file);
+        importSections = importedDocument_->availableSections();
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        forgetImport();
+        notify("Couldn’t Read Backup"_key, errorText(error, language()), true);
+    }
+}
+
+Task<bool> BackupSettingsModel::confirmPendingAction() {
+    const auto action = std::exchange(pendingAction_, std::nullopt);
+    if (!action || isWorking_) co_return false;
+    const Working working(*this);
+    co_return co_await (*action == BackupDestructiveAction::restore ? restore() : reset());
+}
+
+Task<bool> BackupSettingsModel::restore() {
+    if (!importedDocument_) co_return false;
+    SettingsBackupSections sections;
+    std::ranges::set_intersection(importSections, importedDocument_->availableSections(),
+                                  std::inserter(sections, sections.end()));
+    if (!co_await replaceSettings(
+            importedDocument_->appliedTo(services_.settingsModel.settings(), sections))) {
+        co_return false;
+    }
+    const std::vector<std::string> warnings = co_await runAfterSteps(sections);
+    forgetImport();
+    finish("Settings Restored"_key, "Settings Restored with Warnings"_key,
+           "The selected settings were restored successfully."_key, warnings);
+    services_.sendAnalytics("backup_import");
+    co_return true;
+}
+
+Task<bool> BackupSettingsModel::reset() {
+    if (!co_await replaceSettings(services_.defaults)) co_return false;
+    const std::vector<std::string> warnings = co_await runAfterSteps(allBackupSections());
+    forgetImport();
+    finish("Settings Reset"_key, "Settings Reset with Warnings"_key,
+           "Quillmar settings were reset to their default values."_key, warnings);
+    services_.sendAnalytics("backup_reset");
+    co_return true;
+}
+
+Task<bool> BackupSettingsModel::replaceSettings(AppSettings settings) {
+    const auto hold = co_await services_.settingsModel.transactionGate().acquire();
+    co_return co_await services_.settingsModel.replaceSettings(std::move(settings));
+}
+
+Task<std::vector<std::string>> BackupSettingsModel::runAfterSteps(SettingsBackupSections sections) {
+    std::vector<std::string> warnings;
+    if (sections.contains(SettingsBackupSection::general)) {
+        const bool launchAtLogin = services_.settingsModel.settings().general.launchAtLogin;
+        if (auto failure = co_await services_.following.updateLoginItem(launchAtLogin)) {
+            warnings.push_back(failure->empty()
+                                   ? localized("The login item could not be updated."_key, language())
+                                   : *std::move(failure));
+        }
+    }
+    if (sections.contains(SettingsBackupSection::wallpaper)) {
+        std::ranges::move(co_await services_.following.applyWallpapers(), std::back_inserter(warnings));
+    }
+    if (sections.contains(SettingsBackupSection::lockScreen))
+        services_.following.lockScreenSettingsDidChange();
+    co_return warnings;
+}
+
+void BackupSettingsModel::finish(TextKey title, TextKey titleWithWarnings, TextKey message,
+                                 const std::vector<std::string>& warnings) {
+    if (warnings.empty()) {
+        notify(title, localized(message, language()), false);
+    } else {
+        notify(titleWithWarnings, fmt::format("{}", fmt::join(warnings, "\n")), false);
+    }
+}
+
+void BackupSettingsModel::notify(TextKey title, std::string message, bool isFailure) {
+    notice_ = BackupNotice{Uuid::random(), localized(title, language()), std::move(message), isFailure};
+}
+
+void BackupSettingsModel::forgetImport() {
+    importedDocument_.reset();
+    importedFile_.reset();
+    importSections.clear();
+}
+
+}  // namespace quillmar

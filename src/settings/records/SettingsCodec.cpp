@@ -1,0 +1,33 @@
+#include "settings/records/SettingsCodec.h"
+
+#include "base/JsonRecord.h"
+#include "settings/records/SettingsSchemaError.h"
+
+namespace quillmar {
+
+std::string encodeSettings(const AppSettings& settings) { return json::encode(settings); }
+
+AppSettings decodeSettings(std::string_view text) {
+    const json::Value document = json::parse(text);
+    const json::Place top;
+    std::int64_t version = 0;
+    json::Reader(document, top).required("schemaVersion", version);
+    if (version != AppSettings::requiredSchemaVersion) {
+        throw SettingsSchemaError(version, AppSettings::requiredSchemaVersion);
+    }
+    AppSettings settings;
+    json::read(document, settings, top);
+    return settings;
+}
+
+AppSettings defaultSettings(const BundleInfo& bundle) {
+    AppSettings settings;
+    settings.lastLaunchedAppVersion = bundle.semanticVersion("Unknown");
+    settings.customMenu = defaultCustomMenu(bundle);
+    return settings;
+}
+
+std::string encodeWallpaperMode(const WallpaperMode& mode) { return json::encode(mode); }
+WallpaperMode decodeWallpaperMode(std::string_view text) { return json::decode<WallpaperMode>(text); }
+
+}  // namespace quillmar

@@ -1,0 +1,141 @@
+#include "base/Enum.h"
+#include "modes/LockScreenSettings.h"
+#include "modes/ManagedScreensaverSettings.h"
+#include "modes/ModeOptions.h"
+#include "modes/WallpaperSettings.h"
+
+using namespace testing;
+
+namespace quillmar {
+namespace {
+
+std::optional<double> interval(const WallpaperMode& mode) {
+    const auto seconds = mode.rotationInterval();
+    return seconds ? std::optional(seconds->count()) : std::nullopt;
+}
+
+TEST(ModesTest, everyKindStartsWithAModeOfItsOwn) {
+    for (const auto kind : allCases<WallpaperModeKind>()) {
+        EXPECT_EQ(WallpaperMode::defaultMode(kind).kind(), kind) << enumName(kind);
+    }
+    for (const auto kind : allCases<ManagedScreensaverModeKind>()) {
+        EXPECT_EQ(ManagedScreensaverMode::defaultMode(kind).kind(), kind) << enumName(kind);
+    }
+}
+
+TEST(ModesTest, kindsOfOneNameShareTheirSettings) {
+    for (const auto kind : allCases<LockScreenModeKind>()) {
+        const LockScreenMode mode = LockScreenMode::defaultMode(kind);
+        EXPECT_EQ(enumName(mode.kind()), enumName(kind));
+        EXPECT_EQ(mode.wallpaperMode(),
+                  WallpaperMode::defaultMode(*enumFromName<WallpaperModeKind>(enumName(kind))));
+    }
+    for (const auto kind : allCases<ManagedScreensaverModeKind>()) {
+        const auto wallpaper = ManagedScreensaverMode::defaultMode(kind).wallpaperMode();
+        const auto sameName = enumFromName<WallpaperModeKind>(enumName(kind));
+        EXPECT_EQ(wallpaper ? std::optional(wallpaper->kind()) : std::nullopt, sameName) << enumName(kind);
+        if (sameName) EXPECT_EQ(title(kind), title(*sameName));
+    }
+}
+
+TEST(ModesTest, newColorListsHaveTheStandardColorsAndFreshIdentities) {
+    const auto colorsOf = [](const std::vector<ColorFaderStop>& stops) {
+        std::vector<std::string> colors;
+        for (const ColorFaderStop& stop : stops) colors.push_back(stop.hexColor);
+        return colors;
+    };
+    const auto rainbow =
+        ElementsAre("#FF0000", "#FFA500", "#FFFF00", "#008000", "#00FFFF", "#0000FF", "#8000FF");
+    const auto fader = WallpaperMode::defaultMode(WallpaperModeKind::colorFader);
+    const auto& faderColors = std::get<ColorFaderPresentationSettings>(fader.value).colors;
+    const auto matrix = WallpaperMode::defaultMode(WallpaperModeKind::matrix);
+    const auto& matrixSettings = std::get<MatrixPresentationSettings>(matrix.value);
+    EXPECT_THAT(colorsOf(faderColors), rainbow);
+    EXPECT_THAT(colorsOf(matrixSettings.stripeColors), rainbow);
+    EXPECT_THAT(colorsOf(matrixSettings.paletteColors),
+                ElementsAre("#000000", "#056105", "#85F370", "#ADF99E"));
+    std::set<Uuid> identities;
+    for (const auto* stops : {&faderColors, &matrixSettings.stripeColors, &matrixSettings.paletteColors}) {
+        for (const ColorFaderStop& stop : *stops) identities.insert(stop.id);
+    }
+    EXPECT_EQ(identities.size(), 18u);
+    EXPECT_EQ(WallpaperMode::defaultMode(WallpaperModeKind::colorFader).validationError(), std::nullopt);
+}
+
+TEST(ModesTest, theRotationIntervalFollowsTheMode) {
+    const std::vector<std::pair<WallpaperMode, std::optional<double>>> rows = {
+        {{}, {}},
+        {{SolidColorPresentationSettings{}}, {}},
+        {{MatrixPresentationSettings{}}, {}},
+        {{SlideshowPresentationSettings{.rotationIntervalSeconds = 5}}, 5},
+        {{APODSettings{}}, 1800},
+        {{APODSettings{.switchPeriodically = true, .rotationIntervalSeconds = 5}}, 5},
+        {{NasaEpicSettings{}}, 7200},
+        {{NasaEpicSettings{.presentation = NasaEpicPresentation::rotateThroughDays}}, 30},
+        {{WallhavenSettings{}}, {}},
+        {{WallhavenSettings{.switchAutomatically = true}}, 14400},
+        {{UnsplashSettings{.switchAutomatically = true}}, 3600},
+        {{MuseumsSettings{.switchAutomatically = true}}, 3600},
+        {{BingSettings{}}, 1800},
+        {{WindowsSpotlightSettings{}}, 86399},
+        {{HexellsPresentationSettings{}}, 60},
+        {{HexellsPresentationSettings{.changesAutomatically = false}}, {}},
+    };
+    for (const auto& [mode, seconds] : rows) EXPECT_EQ(interval(mode), seconds) << enumName(mode.kind());
+}
+
+TEST(ModesTest, modesOfPicturesSayHowTheyMeetTheEdges) {
+    const WallpaperMode mode{
+        BingSettings{.layout = ImagePresentationLayout::tile, .backgroundHexColor = "#ABCDEF"}};
+    EXPECT_EQ(mode.imagePresentation(), (ImagePresentation{ImagePresentationLayout::tile, "#ABCDEF"}));
+    EXPECT_EQ(WallpaperMode{MatrixPresentationSettings{}}.imagePresentation(), std::nullopt);
+    EXPECT_EQ(WallpaperMode{}.imagePresentation(), std::nullopt);
+}
+
+TEST(DisplayEntriesTest, theWayBackToAKindForgetsNothing) {
+    const WallpaperMode image{ImagePresentationSettings{.backgroundHexColor = "#010203"}};
+    DisplayWallpaperSettings entry{.displayID = "a", .mode = image};
+    entry.selectMode(WallpaperModeKind::image);
+    EXPECT_THAT(entry.savedModes, IsEmpty());
+
+    entry.selectMode(WallpaperModeKind::disabled);
+    EXPECT_EQ(entry.mode, WallpaperMode{});
+    entry.selectMode(WallpaperModeKind::image);
+    EXPECT_EQ(entry.mode, image);
+    EXPECT_THAT(entry.savedModes, ElementsAre(Pair(WallpaperModeKind::image, image)));
+
+    entry.selectMode(WallpaperModeKind::solidColor);
+    const WallpaperMode solid{SolidColorPresentationSettings{}};
+    EXPECT_EQ(entry.mode, solid);
+    entry.selectMode(WallpaperModeKind::image);
+    EXPECT_EQ(entry.mode, image);
+    EXPECT_THAT(entry.savedModes, UnorderedElementsAre(Pair(WallpaperModeKind::image, image),
+                                                       Pair(WallpaperModeKind::solidColor, solid)));
+}
+
+TEST(DisplayEntriesTest, aChangedModeReplacesTheSavedOneOnlyWhenItIsLeft) {
+    DisplayManagedScreensaverSettings entry{.displayID = "a",
+                                            .mode = {ShadertoyScreensaverSettings{"first"}}};
+    entry.transition.durationSeconds = 3;
+    entry.selectKind(ManagedScreensaverModeKind::disabled);
+    entry.selectKind(ManagedScreensaverModeKind::shadertoy);
+    const ManagedScreensaverMode changed{ShadertoyScreensaverSettings{"second"}};
+    entry.mode = changed;
+    EXPECT_NE(entry.savedModes.at(ManagedScreensaverModeKind::shadertoy), changed);
+    entry.selectKind(ManagedScreensaverModeKind::stopwatch);
+    EXPECT_EQ(entry.savedModes.at(ManagedScreensaverModeKind::shadertoy), changed);
+    EXPECT_EQ(entry.transition.durationSeconds, 3);
+}
+
+TEST(DisplayEntriesTest, onlyDisplaysWithoutAnEntryGetOne) {
+    LockScreenSettings settings{{{"gone", {BingSettings{}}}, {"b", {BingSettings{}}}}};
+    const LockScreenSettings before = settings;
+    const std::vector<std::string> connected = {"c", "b", "a"};
+    settings.ensureEntries(connected);
+    EXPECT_THAT(settings.displays,
+                ElementsAre(before.displays[0], before.displays[1], DisplayLockScreenSettings{"c"},
+                            DisplayLockScreenSettings{"a"}));
+}
+
+}  // namespace
+}  // namespace quillmar

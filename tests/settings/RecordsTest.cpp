@@ -1,0 +1,299 @@
+#include <fstream>
+#include <functional>
+#include <nlohmann/json.hpp>
+
+#include "base/Enum.h"
+#include "base/JsonError.h"
+#include "fakes/TemporaryFolder.h"
+#include "settings/records/SettingsCodec.h"
+#include "settings/records/SettingsSchemaError.h"
+
+using namespace testing;
+
+namespace quillmar {
+namespace {
+
+using Json = nlohmann::json;
+
+const Url someFile = Url::fromFilePath("/home/ana/Imagens/mar ção.png");
+const Bytes someGrant = {0, 1, 254, 255};
+
+/// Sets every optional field of a mode's settings, so that the whole document is written.
+struct FillOptionals {
+    void operator()(auto&) const {}
+    void operator()(ImagePresentationSettings& s) const {
+        s.imageURL = s.cachedImageURL = someFile;
+        s.imageBookmark = someGrant;
+    }
+    void operator()(SlideshowPresentationSettings& s) const {
+        s.folderURL = s.lastImageURL = someFile;
+        s.folderBookmark = someGrant;
+    }
+    void operator()(WallhavenSettings& s) const {
+        s.color = "660000";
+        s.resolution = "1920x1080";
+        s.exactResolutions = {"1280x720"};
+        s.ratios = {"16x9", "21x9"};
+    }
+    void operator()(WindowsSpotlightSettings& s) const {
+        s.lastSelection =
+            WindowsSpotlightSelection{someFile, "Um farol", "pt-PT", parseISO8601("2026-05-04T09:30:00Z")};
+    }
+    void operator()(VideoPlaybackSettings& s) const { s.videoURL = s.cachedVideoURL = someFile; }
+    void operator()(VideoPlaylistPlaybackSettings& s) const {
+        s.folderURL = someFile;
+        s.folderBookmark = someGrant;
+    }
+    void operator()(PDFPresentationSettings& s) const { s.pdfURL = s.cachedPDFURL = someFile; }
+    void operator()(MatrixPresentationSettings& s) const {
+        s.presetVersion = MatrixVersion::operator_;
+        s.cameraDeviceID = s.cameraDeviceName = "Câmara";
+        s.imageURL = s.cachedImageURL = s.videoURL = s.cachedVideoURL = someFile;
+    }
+    void operator()(AlarmClockScreensaverSettings& s) const {
+        s.sound = {ScreensaverAlarmSound::custom, someFile, someGrant};
+    }
+};
+
+/// One display for every kind, each with a saved mode of all the others.
+template <class Entry, class Kind>
+std::vector<Entry> displaysOfEveryKind() {
+    using Mode = decltype(Entry::mode);
+    std::map<Kind, Mode> all;
+    for (const Kind kind : allCases<Kind>()) {
+        Mode mode = Mode::defaultMode(kind);
+        std::visit(FillOptionals{}, mode.value);
+        all.emplace(kind, mode);
+    }
+    std::vector<Entry> displays;
+    for (const auto& [kind, mode] : all) {
+        Entry& entry = displays.emplace_back(Entry{.displayID = "display:" + std::string(enumName(kind))});
+        entry.mode = mode;
+        entry.savedModes = all;
+        entry.savedModes.erase(Kind::disabled);
+    }
+    return displays;
+}
+
+AppSettings fullDocument() {
+    AppSettings settings = defaultSettings(BundleInfo({{"QuillmarSemanticVersion", "1.2.3"}}));
+    settings.general.language = GeneralLanguage::portuguese;
+    settings.wallpaper.displays = displaysOfEveryKind<DisplayWallpaperSettings, WallpaperModeKind>();
+    settings.lockScreen.displays = displaysOfEveryKind<DisplayLockScreenSettings, LockScreenModeKind>();
+    settings.screensaver.displays =
+        displaysOfEveryKind<DisplayManagedScreensaverSettings, ManagedScreensaverModeKind>();
+    settings.screensaver.displays[3].options.keyboardShortcut = {49, 1u << 20, "⌘Espaço"};
+    settings.hotCorners.displays = {
+        {"display:a", {.topRight = {HotCornerAction::openApplication, someFile, someGrant}}}};
+    CustomMenuItem leaf{
+        Uuid::random(), MenuItemType::shortcut, "Editor",    ShortcutTarget::application(someFile),
+        someGrant,      "--new \"a b\"",        "/icon.png", someGrant};
+    CustomMenuItem folder{Uuid::random(), MenuItemType::folder, "Fundo"};
+    folder.children = {leaf, {Uuid::random(), MenuItemType::separator, ""}};
+    leaf.target = ShortcutTarget::file(someFile);
+    settings.customMenu.items.push_back(leaf);
+    settings.customMenu.items[0].children.push_back(folder);
+    return settings;
+}
+
+TEST(RecordsTest, aDocumentOfEverythingSurvivesByteForByte) {
+    const AppSettings settings = fullDocument();
+    const std::string text = encodeSettings(settings);
+    const AppSettings back = decodeSettings(text);
+    EXPECT_TRUE(back == settings);
+    EXPECT_EQ(encodeSettings(back), text);
+    EXPECT_EQ(Json::parse(text).dump(2) + "\n", text);  // sorted at every level
+}
+
+TEST(RecordsTest, everyKeyIsRequiredUnlessItsRecordAllowsAbsence) {
+    // Nothing optional is set in a default document, so each of its keys must be missed.
+    AppSettings settings = defaultSettings(BundleInfo());
+    settings.wallpaper.displays = {{"a", WallpaperMode::defaultMode(WallpaperModeKind::matrix)}};
+    settings.screensaver.displays = {{"a", {CountdownTimerScreensaverSettings{}}}};
+    settings.hotCorners.displays = {{"a", {}}};
+    const Json document = Json::parse(encodeSettings(settings));
+    int removed = 0;
+    const std::function<void(const Json::json_pointer&)> removeEach = [&](const Json::json_pointer& at) {
+        const Json& node = document.at(at);
+        if (!node.is_structured()) return;
+        for (const auto& item : node.items()) {
+            if (node.is_array()) {
+                removeEach(at / static_cast<std::size_t>(std::stoul(item.key())));
+                continue;
+            }
+            // An item's target may be absent; its children may not.
+            if (item.key() == "target") continue;
+            Json broken = document;
+            broken.at(at).erase(item.key());
+            EXPECT_THROW(decodeSettings(broken.dump()), JsonRecordError) << (at / item.key()).to_string();
+            ++removed;
+            removeEach(at / item.key());
+        }
+    };
+    removeEach(Json::json_pointer());
+    EXPECT_GT(removed, 150);
+}
+
+TEST(RecordsTest, aModeIsOneKeyAroundItsSettings) {
+    const auto compact = [](const WallpaperMode& mode) {
+        return Json::parse(encodeWallpaperMode(mode)).dump();
+    };
+    EXPECT_EQ(compact({}), R"({"disabled":{}})");
+    EXPECT_EQ(compact({SolidColorPresentationSettings{}}), R"({"solidColor":{"_0":{"hexColor":"#111111"}}})");
+    EXPECT_EQ(decodeWallpaperMode(R"({"webpage":{"_0":{"urlString":"x","allowsInteraction":true}}})"),
+              (WallpaperMode{WebpagePresentationSettings{"x", true}}));
+    EXPECT_THROW(decodeWallpaperMode(R"({"disabled":{},"video":{}})"), JsonRecordError);
+}
+
+/// The default document with one display of each list, with the text of the failure that a change of it
+/// causes.
+std::string failureAfter(const std::function<void(Json&)>& change) {
+    AppSettings settings = defaultSettings(BundleInfo());
+    settings.wallpaper.displays = {{"a", {ImagePresentationSettings{}}}, {"b", {MuseumsSettings{}}}};
+    settings.screensaver.displays = {{"a", {ShadertoyScreensaverSettings{}}}};
+    Json document = Json::parse(encodeSettings(settings));
+    change(document);
+    try {
+        decodeSettings(document.dump());
+        return "read";
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
+TEST(RecordsTest, aBrokenDocumentIsToldWithItsPlace) {
+    const std::string oneKey = "Invalid number of keys found, expected one.";
+    struct Row {
+        std::string at;
+        Json value;  ///< null stands for a removed key
+        std::string text;
+    };
+    const std::vector<Row> rows = {
+        {"/general/pauseRotations", nullptr, "general.pauseRotations: missing key"},
+        {"/general/language", "german",
+         "general.language: expected one of english, portuguese, found \"german\""},
+        {"/general/statusIconClickBehavior/magicMouse/centerClickAreaSize", 1,
+         "general.statusIconClickBehavior.magicMouse.centerClickAreaSize: expected a text, found the number "
+         "1"},
+        {"/schemaVersion", "1", "schemaVersion: expected a whole number, found a text"},
+        {"/wallpaper/displays/0/persistentDisplayID", nullptr,
+         "wallpaper.displays[0].persistentDisplayID: missing key"},
+        {"/wallpaper/displays/0/mode/image/_0/layout", "zoom",
+         "wallpaper.displays[0].mode.image._0.layout: expected one of center, tile, stretch, fit, fill, "
+         "found \"zoom\""},
+        {"/wallpaper/displays/0/mode/image/_0/imageBookmark", "?",
+         "wallpaper.displays[0].mode.image._0.imageBookmark: expected Base64 text, found \"?\""},
+        {"/wallpaper/displays/0/mode/video", Json::object(), "wallpaper.displays[0].mode: " + oneKey},
+        {"/wallpaper/displays/0/mode",
+         {{"fireworks", Json::object()}},
+         "wallpaper.displays[0].mode: " + oneKey},
+        {"/wallpaper/displays/0/savedModes", Json::object(),
+         "wallpaper.displays[0].savedModes: expected an array, found an object"},
+        {"/wallpaper/displays/0/savedModes",
+         {"image"},
+         "wallpaper.displays[0].savedModes: expected pairs of key and value, found an odd number of "
+         "elements"},
+        {"/wallpaper/displays/1/mode/museums/_0/sources",
+         {"rijksmuseum", "louvre"},
+         "wallpaper.displays[1].mode.museums._0.sources[1]: expected one of artInstituteChicago, "
+         "metropolitanMuseum, "
+         "rijksmuseum, clevelandMuseum, smkDenmark, smithsonian, found \"louvre\""},
+        {"/screensaver/displays/0/options/keyboardShortcut",
+         {{"keyCode", -1}},
+         "screensaver.displays[0].options.keyboardShortcut.keyCode: expected a number in range, found the "
+         "number -1"},
+        {"/screensaver/displays/0/transition", nullptr, "screensaver.displays[0].transition: missing key"},
+        {"/customMenu/items/2/children/0/target",
+         {{"folder", {{"_0", "file:///"}}}, {"file", {{"_0", "file:///"}}}},
+         "customMenu.items[2].children[0].target: " + oneKey},
+        {"/customMenu/items/1/id", "x", "customMenu.items[1].id: expected a UUID, found \"x\""},
+        {"/hotCorners/displays", {{{"displayID", "a"}}}, "hotCorners.displays[0].assignments: missing key"},
+        {"/wallpaper/displays/0/mode/image/_0/imageURL", "",
+         "wallpaper.displays[0].mode.image._0.imageURL: expected a URL, found \"\""},
+    };
+    for (const Row& row : rows) {
+        const auto change = [&](Json& document) {
+            const Json::json_pointer at(row.at);
+            if (row.value.is_null()) {
+                document.at(at.parent_pointer()).erase(at.back());
+            } else {
+                document[at] = row.value;
+            }
+        };
+        EXPECT_EQ(failureAfter(change), row.text);
+    }
+}
+
+TEST(RecordsTest, anotherVersionIsRefusedBeforeAnythingElse) {
+    for (const char* text : {R"({"schemaVersion":2,"general":[]})", R"({"schemaVersion":0})",
+                             R"({"schemaVersion":9000000000})"}) {
+        EXPECT_THROW(decodeSettings(text), SettingsSchemaError) << text;
+    }
+    const SettingsSchemaError error(2, 1);
+    EXPECT_STREQ(error.what(),
+                 "This settings file uses schema 2, but this build of Quillmar requires schema 1.");
+    EXPECT_EQ(error.message(GeneralLanguage::portuguese),
+              "Este ficheiro de definições usa o esquema 2, mas esta versão do Quillmar requer o esquema 1.");
+}
+
+TEST(RecordsTest, keysOfOtherBuildsAreIgnoredAndGoneAfterTheNextSave) {
+    Json document = Json::parse(encodeSettings(fullDocument()));
+    const std::string before = document.dump();
+    document["added"] = 1;
+    document["general"]["added"] = {1, 2};
+    document["wallpaper"]["displays"][3]["mode"]["image"]["_0"]["added"] = nullptr;
+    EXPECT_EQ(Json::parse(encodeSettings(decodeSettings(document.dump()))).dump(), before);
+}
+
+TEST(RecordsTest, aFirstDocumentHasTheStatedDefaults) {
+    const Json document = Json::parse(encodeSettings(defaultSettings(BundleInfo())));
+    EXPECT_EQ(document["lastLaunchedAppVersion"], "Unknown");
+    EXPECT_EQ(
+        document["general"].dump(),
+        R"({"appTheme":"automatic","language":"english","launchAtLogin":true,"pauseRotations":false,)"
+        R"("showChangelogOnUpdate":true,"showColorfulStatusIcon":false,"showRemoteErrorNotifications":false,)"
+        R"("statusIconClickBehavior":{"doubleClick":"toggleAllScreensavers","leftClick":"openCustomMenu",)"
+        R"("magicMouse":{"centerClickAreaSize":"regular","centerClickEnabled":false,)"
+        R"("threeFingerClickOrTapEnabled":false},"middleClick":"disabled"}})");
+    EXPECT_EQ(document["wallpaper"].dump(), R"({"displays":[]})");
+}
+
+TEST(CustomMenuDefaultsTest, onlyInstalledApplicationsAreOffered) {
+    const TemporaryFolder folder;
+    for (const char* entry : {"firefox-esr.desktop", "chromium.desktop", "thunar.desktop"}) {
+        std::ofstream(folder.path() / entry) << "[Desktop Entry]\n";
+    }
+    const BundleInfo bundle({{"QuillmarHomePage", "https://quillmar.com/"}});
+    const auto items = defaultCustomMenu(bundle, folder.path()).items;
+    std::vector<std::string> shown;
+    for (const CustomMenuItem& item : items) {
+        shown.push_back(item.title);
+        for (const CustomMenuItem& child : item.children) shown.push_back(child.target->url().displayPath());
+    }
+    const std::string path = folder.path().string();
+    EXPECT_THAT(shown,
+                ElementsAre("Apps", path + "/thunar.desktop", path + "/firefox-esr.desktop", "", "Places",
+                            path, "", "Web", "https://quillmar.com/", "https://www.google.com/"));
+}
+
+TEST(HotCornerSettingsTest, theActionOfACornerFollowsTheScope) {
+    HotCornerSettings settings;
+    settings.primaryDisplay.topLeft.action = HotCornerAction::openSettings;
+    settings.combinedDesktop.bottomRight.action = HotCornerAction::showDesktop;
+    settings.displays = {{"a", {.bottomLeft = {HotCornerAction::openCustomMenu}}},
+                         {"a", {.bottomLeft = {HotCornerAction::lockWorkstation}}}};
+    const auto action = [&](HotCornerScope scope, const char* id, HotCornerPosition position) {
+        settings.scope = scope;
+        return settings.action(id, position).action;
+    };
+    using enum HotCornerScope;
+    using enum HotCornerPosition;
+    EXPECT_EQ(action(primaryDisplay, "any", topLeft), HotCornerAction::openSettings);
+    EXPECT_EQ(action(combinedDesktop, "any", bottomRight), HotCornerAction::showDesktop);
+    EXPECT_EQ(action(combinedDesktop, "any", topRight), HotCornerAction::disabled);
+    EXPECT_EQ(action(allDisplays, "a", bottomLeft), HotCornerAction::openCustomMenu);
+    EXPECT_EQ(action(allDisplays, "b", bottomLeft), HotCornerAction::disabled);
+}
+
+}  // namespace
+}  // namespace quillmar
