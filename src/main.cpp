@@ -6,11 +6,13 @@
 
 #include "app/AppDelegate.h"
 #include "app/CommandLine.h"
+#include "app/OfflineBackup.h"
 #include "async/ThreadPool.h"
 #include "diagnostics/DiagnosticLog.h"
 #include "diagnostics/DiagnosticPipeline.h"
 #include "diagnostics/HTTPErrorReporter.h"
 #include "diagnostics/OperatingSystemVersion.h"
+#include "linux/dbus/DBusControl.h"
 #include "linux/dbus/DBusRunningInstances.h"
 #include "linux/glib/GlibMainLoop.h"
 #include "linux/glib/JournalSystemLog.h"
@@ -91,7 +93,7 @@ public:
         delegate.applicationWillFinishLaunching();
         delegate.applicationDidFinishLaunching();
         loop_.run();
-        return control_.status();
+        return process_.status();
     }
 
 private:
@@ -102,9 +104,10 @@ private:
                 .bundle = bundle_,
                 .environment = environment_,
                 .preferredLanguages = preferredLanguages(),
-                .control = control_,
+                .process = process_,
                 .systemEvents = signals_,
                 .runningInstances = instances_,
+                .control = controlChannel_,
                 .usageReporting = usageReporting_,
                 .alerts = alerts_,
                 .screens = screens_,
@@ -131,14 +134,15 @@ private:
     HTTPErrorReporter reporter_{
         loop_, clock_, logFiles_, reportSession_, scrubber_, supportFolder_ / "ErrorQueue", reportEndpoint()};
     DiagnosticPipeline pipeline_{loop_, clock_, logFiles_, reporter_, supportFolder_ / "Logs"};
-    JournalSystemLog systemLog_;
+    JournalSystemLog systemLog_{bundle_.identifier().value_or("Quillmar")};
     DiagnosticLog log_{scrubber_,
                        clock_,
                        systemLog_,
                        pipeline_,
                        {bundle_.semanticVersion("unknown"), operatingSystemVersionText()}};
     LogInstallation logInstallation_{log_};
-    LoopControl control_{loop_};
+    LoopControl process_{loop_};
+    DBusControl controlChannel_{loop_};
     UnixSignals signals_;
     DBusRunningInstances instances_;
     NoUsageReporting usageReporting_;
@@ -158,6 +162,55 @@ int listDisplays(bool asJson) {
     return 0;
 }
 
+/// Runs the loop until the task has its value.
+template <class T>
+T runToEnd(GlibMainLoop& loop, Task<T> task) {
+    std::optional<T> value;
+    std::exception_ptr failure;
+    TaskScope scope(loop);
+    scope.spawn(
+        [](GlibMainLoop* until, Task<T> work, std::optional<T>* to, std::exception_ptr* error) -> Task<void> {
+            try {
+                to->emplace(co_await std::move(work));
+            } catch (...) {
+                *error = std::current_exception();
+            }
+            until->quit();
+        }(&loop, std::move(task), &value, &failure));
+    loop.run();
+    if (failure) std::rethrow_exception(failure);
+    return *std::move(value);
+}
+
+ControlReply runWithoutProgram(GlibMainLoop& loop, const BundleInfo& bundle, const Environment& environment,
+                               ControlCall call) {
+    if (call.arguments.front() != "backup") return {.status = 1, .errors = "Quillmar is not running.\n"};
+    const auto lock = takeInstanceLock(bundle, environment);
+    if (!lock) return {.status = 1, .errors = "Quillmar is running but cannot be reached.\n"};
+    const SystemWallClock clock;
+    ThreadPool pool(1);
+    OfflineBackup backup(loop, clock, pool, bundle, environment);
+    return runToEnd(loop, backup.run(std::move(call)));
+}
+
+int askRunningProgram(const BundleInfo& bundle, const Environment& environment,
+                      std::vector<std::string> arguments) {
+    ControlCall call{std::move(arguments), fs::current_path()};
+    std::optional<ControlReply> reply;
+    {
+        GlibMainLoop loop;
+        DBusControl channel(loop);
+        reply = runToEnd(loop, channel.call(call));
+    }
+    if (!reply) {
+        GlibMainLoop loop;
+        reply = runWithoutProgram(loop, bundle, environment, std::move(call));
+    }
+    std::cout << reply->output;
+    std::cerr << reply->errors;
+    return reply->status;
+}
+
 int runCommand(const CommandLine& line) {
     const Environment environment = processEnvironment();
     const BundleInfo bundle = loadBundleInfo(environment);
@@ -173,6 +226,8 @@ int runCommand(const CommandLine& line) {
             const GtkSession session;
             return listDisplays(line.asJson);
         }
+        case CommandLine::Command::askRunningProgram:
+            return askRunningProgram(bundle, environment, line.arguments);
         case CommandLine::Command::run: break;
     }
     const GtkSession session;

@@ -48,6 +48,8 @@ Task<void> AppDelegate::forwardActivation() {
 void AppDelegate::applicationDidFinishLaunching() {
     if (!isPrimary()) return;
     platform_.screens.setChangeHandler([this] { applicationDidChangeScreenParameters(); });
+    control_.emplace(platform_, *subsystems_, [this] { quitController_.requestQuit(); });
+    platform_.control.serve([this](ControlCall call) { return control_->handle(std::move(call)); });
     platform_.runningInstances.publish(
         [] { logInfo("Another start asked this instance to come to the front.", "lifecycle"); });
     startupTask_.start(startUp());
@@ -137,7 +139,7 @@ void AppDelegate::reportTopologyFailure(const TopologyApplyResult& result) const
 }
 
 void AppDelegate::terminate(QuitSource source) {
-    if (applicationShouldTerminate(source) == TerminateReply::terminateNow) platform_.control.exit(0);
+    if (applicationShouldTerminate(source) == TerminateReply::terminateNow) platform_.process.exit(0);
 }
 
 bool AppDelegate::isSettingsWindowVisible() const {
@@ -175,7 +177,7 @@ Task<void> AppDelegate::shutDown() {
     }
     logInfo("Application is terminating.", "lifecycle");
     co_await platform_.flushLog();
-    platform_.control.exit(0);
+    platform_.process.exit(0);
 }
 
 Task<bool> AppDelegate::keepsRunningAfterFailedSave() {

@@ -6,6 +6,7 @@
 #include "app/ApplicationMenuController.h"
 #include "app/ApplicationQuitController.h"
 #include "app/ApplicationStartupTask.h"
+#include "app/ControlService.h"
 #include "app/Platform.h"
 #include "app/Subsystems.h"
 #include "display/DisplayConfigurationChangeCoordinator.h"
@@ -60,6 +61,7 @@ private:
     ApplicationQuitController quitController_;
     bool isPreparingToTerminate_ = false;
     std::unique_ptr<Subsystems> subsystems_;
+    std::optional<ControlService> control_;
     std::optional<DisplayConfigurationChangeCoordinator> displayCoordinator_;
     ApplicationStartupTask startupTask_;
     TaskScope tasks_;

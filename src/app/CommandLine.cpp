@@ -20,6 +20,10 @@ CommandLine CommandLine::parse(std::span<const std::string_view> arguments) {
         line.command = Command::showHelp;
     } else if (first == "displays") {
         line.command = Command::listDisplays;
+    } else if (first == "backup" || first == "quit") {
+        line.command = Command::askRunningProgram;
+        line.arguments.assign(arguments.begin(), arguments.end());
+        return line;
     } else {
         return refuse(fmt::format("There is no command \"{}\".", first));
     }
@@ -39,9 +43,18 @@ void printHelp(std::ostream& out) {
            "A second start brings the running one to the front.\n"
            "\n"
            "Commands:\n"
-           "  displays [--json]  list the connected displays: ID, name, place, scale\n"
-           "  --version          print the version\n"
-           "  --help             print this help\n"
+           "  displays [--json]       list the connected displays: ID, name, place, scale\n"
+           "  backup export FILE      write the settings to a backup file\n"
+           "  backup inspect FILE     say what a backup file holds\n"
+           "  backup restore FILE     replace the settings by those of a backup file\n"
+           "  backup reset            replace the settings by the defaults\n"
+           "  quit                    end the running program\n"
+           "  --version               print the version\n"
+           "  --help                  print this help\n"
+           "\n"
+           "export and restore take --sections with a list of general, wallpaper, lockScreen,\n"
+           "screensaver, hotCorners, customMenu; without it they take all. A restore or reset\n"
+           "reaches the running program, or the settings file where none runs.\n"
            "\n"
            "Settings lie in $XDG_DATA_HOME/Quillmar/settings.json, by default\n"
            "~/.local/share/Quillmar/settings.json.\n";

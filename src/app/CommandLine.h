@@ -11,10 +11,11 @@ namespace quillmar {
 
 /// What the user typed behind the program's name.
 struct CommandLine {
-    enum class Command { run, showVersion, showHelp, listDisplays, refuse };
+    enum class Command { run, showVersion, showHelp, listDisplays, askRunningProgram, refuse };
     Command command = Command::run;
     bool asJson = false;
-    std::string complaint;  ///< with `refuse`: one sentence on what was wrong
+    std::vector<std::string> arguments;  ///< with `askRunningProgram`: the whole line
+    std::string complaint;               ///< with `refuse`: one sentence on what was wrong
 
     static CommandLine parse(std::span<const std::string_view> arguments);
 };

@@ -8,6 +8,7 @@
 #include "base/BundleInfo.h"
 #include "platform/AlertPresenting.h"
 #include "platform/ApplicationControl.h"
+#include "platform/ControlChannel.h"
 #include "platform/DesktopPicture.h"
 #include "platform/PictureRendering.h"
 #include "platform/RunningInstances.h"
@@ -27,9 +28,10 @@ struct Platform {
     const BundleInfo& bundle;
     const Environment& environment;
     std::vector<std::string> preferredLanguages;  ///< locale names, the most wanted first
-    ApplicationControl& control;
+    ApplicationControl& process;
     SystemEventsObserving& systemEvents;
     RunningInstances& runningInstances;
+    ControlServing& control;
     UsageReporting& usageReporting;
     AlertPresenting& alerts;
     ScreensProviding& screens;

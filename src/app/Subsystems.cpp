@@ -4,6 +4,7 @@
 #include "settings/records/SettingsCodec.h"
 
 namespace quillmar {
+
 Subsystems::Subsystems(const Platform& platform)
     : defaults(defaultSettings(platform.bundle)),
       settingsExecutor(platform.backgroundPool),
@@ -19,6 +20,7 @@ Subsystems::Subsystems(const Platform& platform)
                        platform.backgroundPool),
       wallpaperTransactions(wallpaperService),
       wallpaperCoordinator(platform.loop, displays, wallpaperService, &wallpaperTransactions, settingsModel,
-                           wallpaperGate, platform.clock) {}
+                           wallpaperGate, platform.clock),
+      backupExecutor(platform.backgroundPool) {}
 
 }  // namespace quillmar

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "app/Platform.h"
+#include "app/RestoreFollowing.h"
 #include "async/NotificationCenter.h"
 #include "async/ThreadPool.h"
 #include "display/DisplayService.h"
@@ -28,6 +29,9 @@ public:
     WallpaperService wallpaperService;
     WallpaperSettingsTransactionService wallpaperTransactions;
     WallpaperCoordinator wallpaperCoordinator;
+    SerialExecutor backupExecutor;
+    SettingsBackupService backupService{backupExecutor};
+    RestoreFollowing restoreFollowing{wallpaperCoordinator};
 };
 
 }  // namespace quillmar

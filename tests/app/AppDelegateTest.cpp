@@ -121,7 +121,7 @@ TEST_F(AppDelegateTest, aSecondStartForwardsAndEndsWithoutTouchingAnything) {
                             "information [lifecycle] A running application instance was found; forwarding "
                             "activation."));
     EXPECT_EQ(machine.runningInstances.activations, 1);
-    EXPECT_THAT(machine.control.exits, ElementsAre(0));
+    EXPECT_THAT(machine.process.exits, ElementsAre(0));
     EXPECT_THAT(machine.usage.messages, IsEmpty());
     EXPECT_EQ(menusInstalled, 0);
     EXPECT_FALSE(fs::exists(machine.settingsFile()));
@@ -161,7 +161,7 @@ TEST_F(AppDelegateTest, unreadableSettingsLeadToTheAlertAndAStartThatDrivesNothi
     EXPECT_EQ(readFile(machine.settingsFile(), 100), "{\"schemaVersion\": 7}");
 
     quitBySystem();
-    EXPECT_THAT(machine.control.exits, ElementsAre(0)) << "nothing was unsaved";
+    EXPECT_THAT(machine.process.exits, ElementsAre(0)) << "nothing was unsaved";
 }
 
 TEST_F(AppDelegateTest, aQuitDuringTheStartStopsItAtItsNextCheck) {
@@ -175,7 +175,7 @@ TEST_F(AppDelegateTest, aQuitDuringTheStartStopsItAtItsNextCheck) {
     machine.loop.settle();
     EXPECT_EQ(machine.desktop.setCount, 0);
     EXPECT_THAT(log.lines, Not(Contains(HasSubstr("startup completed"))));
-    EXPECT_THAT(machine.control.exits, ElementsAre(0));
+    EXPECT_THAT(machine.process.exits, ElementsAre(0));
 }
 
 TEST_F(AppDelegateTest, aSecondQuitDuringTheShutDownChangesNothing) {
@@ -185,10 +185,10 @@ TEST_F(AppDelegateTest, aSecondQuitDuringTheShutDownChangesNothing) {
     EXPECT_EQ(delegate->applicationShouldTerminate(QuitSource::system), TerminateReply::terminateLater);
     machine.loop.settle();
     EXPECT_EQ(delegate->applicationShouldTerminate(QuitSource::system), TerminateReply::terminateLater);
-    EXPECT_THAT(machine.control.exits, IsEmpty());
+    EXPECT_THAT(machine.process.exits, IsEmpty());
     machine.background.releaseAll();
     machine.loop.settle();
-    EXPECT_THAT(machine.control.exits, ElementsAre(0));
+    EXPECT_THAT(machine.process.exits, ElementsAre(0));
     EXPECT_EQ(machine.flushes, 1);
     EXPECT_TRUE(decodeSettings(readFile(machine.settingsFile(), 1 << 20)).general.pauseRotations);
 }
@@ -203,7 +203,7 @@ TEST_F(AppDelegateTest, withTheSettingsWindowOpenOnlyAnExplicitWishOrTheSystemEn
     machine.settingsWindow.visible = true;
     delegate->quitController().requestQuit();
     machine.loop.settle();
-    EXPECT_THAT(machine.control.exits, ElementsAre(0));
+    EXPECT_THAT(machine.process.exits, ElementsAre(0));
 }
 
 TEST_F(AppDelegateTest, settingsThatCannotBeSavedAtQuitLetTheUserStay) {
@@ -222,7 +222,7 @@ TEST_F(AppDelegateTest, settingsThatCannotBeSavedAtQuitLetTheUserStay) {
 
     machine.alerts.answerNextWith(0);
     machine.loop.settle();
-    EXPECT_THAT(machine.control.exits, IsEmpty());
+    EXPECT_THAT(machine.process.exits, IsEmpty());
     EXPECT_THAT(log.lines, Contains("information [lifecycle] Application termination was cancelled."));
     EXPECT_EQ(machine.desktop.setCount, painted) << "not painted anew";
     machine.screens.unplug(2);
@@ -237,7 +237,7 @@ TEST_F(AppDelegateTest, settingsThatCannotBeSavedAtQuitLetTheUserStay) {
     quitBySystem();
     machine.alerts.answerNextWith(1);
     machine.loop.settle();
-    EXPECT_THAT(machine.control.exits, ElementsAre(0));
+    EXPECT_THAT(machine.process.exits, ElementsAre(0));
 }
 
 TEST_F(AppDelegateTest, theMenuFollowsTheLanguageAndTheReadinessAndNothingElse) {

@@ -14,10 +14,16 @@
 
 namespace quillmar {
 
-class FakeControl final : public ApplicationControl {
+class FakeProcess final : public ApplicationControl {
 public:
     std::vector<int> exits;
     void exit(int status) override { exits.push_back(status); }
+};
+
+class FakeControlChannel final : public ControlServing {
+public:
+    std::function<Task<ControlReply>(ControlCall)> handler;
+    void serve(std::function<Task<ControlReply>(ControlCall)> h) override { handler = std::move(h); }
 };
 
 class FakeSystemEvents final : public SystemEventsObserving {
@@ -86,7 +92,8 @@ struct FakePlatform {
     TemporaryFolder folder;
     Environment environment{{"XDG_DATA_HOME", folder.path()}};
     BundleInfo bundle{{{"QuillmarSemanticVersion", "1.2.3"}, {"CFBundleName", "Quillmar"}}};
-    FakeControl control;
+    FakeProcess process;
+    FakeControlChannel control;
     FakeSystemEvents systemEvents;
     FakeRunningInstances runningInstances;
     FakeUsageReporting usage;
@@ -106,9 +113,10 @@ struct FakePlatform {
                 .bundle = bundle,
                 .environment = environment,
                 .preferredLanguages = preferredLanguages,
-                .control = control,
+                .process = process,
                 .systemEvents = systemEvents,
                 .runningInstances = runningInstances,
+                .control = control,
                 .usageReporting = usage,
                 .alerts = alerts,
                 .screens = screens,
