@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <system_error>
 
+#include "base/AtomicFile.h"
+
 namespace quillmar {
 namespace {
 
@@ -24,35 +26,10 @@ public:
         if (value_ >= 0) ::close(value_);
     }
     int get() const { return value_; }
-    /// Network file systems report a failed write only here.
-    void close() {
-        const int value = std::exchange(value_, -1);
-        if (::close(value) != 0 && errno != EINTR) throwErrno();
-    }
 
 private:
     int value_;
 };
-
-void writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0) {
-            if (errno == EINTR) continue;
-            throwErrno();
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-}
-
-/// Makes the rename itself durable. Some file systems refuse to sync a folder, and then there is nothing to
-/// do.
-void syncFolder(const std::filesystem::path& folder) {
-    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) return;
-    ::fsync(descriptor);
-    ::close(descriptor);
-}
 
 }  // namespace
 
@@ -86,20 +63,9 @@ std::string readFile(const std::filesystem::path& file, std::size_t maximumBytes
 
 void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes, mode_t mode,
                          Durability durability) {
-    const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
-    std::string temporary = (folder / ("." + file.filename().string() + ".XXXXXX")).string();
-    Descriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));
-    try {
-        writeAll(descriptor.get(), bytes);
-        if (::fchmod(descriptor.get(), mode) != 0) throwErrno();
-        if (durability == Durability::durable && ::fsync(descriptor.get()) != 0) throwErrno();
-        descriptor.close();
-        if (::rename(temporary.c_str(), file.c_str()) != 0) throwErrno();
-    } catch (...) {
-        ::unlink(temporary.c_str());
-        throw;
-    }
-    if (durability == Durability::durable) syncFolder(folder);
+    AtomicFile whole(file, mode, durability);
+    whole.append(asBytes(bytes));
+    whole.commit();
 }
 
 void createDirectories(const std::filesystem::path& folder, mode_t mode) {

@@ -2,6 +2,7 @@
 #include <zlib.h>
 #include <stdexcept>
 
+#include "base/Files.h"
 #include "platform/PictureRendering.h"
 
 namespace quillmar {
@@ -11,7 +12,16 @@ class FakePictureRendering final : public PictureRendering {
 public:
     mutable int rendered = 0;
     bool fails = false;
+    PictureSize sourceSize{400, 300};            ///< of every picture that exists
+    mutable PictureComposition lastComposition;  ///< of the last picture that was drawn
 
+    void renderImage(const std::filesystem::path& source, const PictureComposer& composer,
+                     const std::filesystem::path& target) const override {
+        if (!std::filesystem::exists(source)) throw PictureDecodingError("no such picture");
+        lastComposition = composer(sourceSize);
+        const Bytes png = solidColorPng(lastComposition.canvas.width, lastComposition.canvas.height, {});
+        writeFileAtomically(target, {reinterpret_cast<const char*>(png.data()), png.size()});
+    }
     Bytes solidColorPng(int width, int height, RgbColor) const override {
         if (fails) throw std::runtime_error("out of canvas");
         ++rendered;

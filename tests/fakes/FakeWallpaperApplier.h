@@ -52,7 +52,7 @@ public:
             throw WallpaperApplicationError(WallpaperApplicationError::Case::desktopSnapshotUnavailable,
                                             displayID);
         }
-        return {displayID, shown[displayID], {}};
+        return {displayID, shown[displayID], {}, CacheFileLease(cacheFiles_, shown[displayID])};
     }
     void restoreDesktop(const WallpaperDesktopSnapshot& snapshot) override {
         calls.push_back("restore " + snapshot.displayID);
@@ -71,6 +71,7 @@ private:
         if (unset_.contains(request.display.id + " " + wanted)) throw std::runtime_error("cannot set");
     }
 
+    CacheFileProtection cacheFiles_;
     std::set<std::string> unprepared_;
     std::set<std::string> unset_;
     std::set<std::string> uncaptured_;

@@ -18,7 +18,8 @@ constexpr const char* interfaceXml = R"(<node><interface name="org.freedesktop.A
 <method name="Open"><arg type="as" name="uris" direction="in"/>
 <arg type="a{sv}" name="platform-data" direction="in"/></method>
 <method name="ActivateAction"><arg type="s" name="action-name" direction="in"/>
-<arg type="av" name="parameter" direction="in"/><arg type="a{sv}" name="platform-data" direction="in"/></method>
+<arg type="av" name="parameter" direction="in"/>
+<arg type="a{sv}" name="platform-data" direction="in"/></method>
 </interface></node>)";
 constexpr Duration answerTime = std::chrono::seconds(2);
 

@@ -1,0 +1,67 @@
+#include "diagnostics/ErrorReport.h"
+
+#include "base/JsonRecord.h"
+
+namespace quillmar {
+namespace {
+
+constexpr std::size_t maximumTailCharacters = 65536;
+
+/// As the server's event format spells the levels.
+std::string_view serverLevel(DiagnosticLevel level) {
+    switch (level) {
+        case DiagnosticLevel::debug: return "Debug";
+        case DiagnosticLevel::information: return "Information";
+        case DiagnosticLevel::warning: return "Warning";
+        case DiagnosticLevel::error: return "Error";
+    }
+    return "Error";
+}
+
+std::string_view lastCharacters(std::string_view text, std::size_t count) {
+    std::size_t at = text.size();
+    while (at > 0 && count > 0) {
+        --at;
+        const bool isContinuation = (static_cast<unsigned char>(text[at]) & 0xC0u) == 0x80u;
+        if (!isContinuation) --count;
+    }
+    return text.substr(at);
+}
+
+}  // namespace
+
+std::string errorReportPayload(const DiagnosticEntry& entry, const std::optional<std::string>& tail,
+                               const Scrubber& scrubber) {
+    LogMetadata properties = entry.metadata;
+    properties["AppVersion"] = entry.appVersion;
+    properties["Platform"] = "Linux";
+    properties["OperatingSystemVersion"] = entry.operatingSystemVersion;
+    properties["Category"] = entry.category;
+    if (tail) properties["LogTail"] = scrubber.text(lastCharacters(*tail, maximumTailCharacters));
+
+    const json::Place place;
+    json::Value event = json::Value::object();
+    event["Timestamp"] = iso8601WithFraction(entry.timestamp);
+    event["Level"] = serverLevel(entry.level);
+    event["MessageTemplate"] = json::write(entry.message, place);
+    event["RenderedMessage"] = json::write(entry.message, place);
+    // The server wants the key in any case, so the absent text is a null.
+    event["Exception"] =
+        entry.errorDescription ? json::write(*entry.errorDescription, place) : json::Value(nullptr);
+    event["Properties"] = json::write(properties, place);
+    return json::compactText(json::Value::array({std::move(event)}));
+}
+
+std::string errorReportFingerprint(const DiagnosticEntry& entry) {
+    constexpr char separator = '\x1f';
+    std::string text(enumName(entry.level));
+    text += separator + entry.category + separator + entry.message + separator;
+    text += entry.errorDescription.value_or("") + separator;
+    bool isFirst = true;
+    for (const auto& [key, value] : entry.metadata) {
+        text += (std::exchange(isFirst, false) ? "" : "&") + key + "=" + value;
+    }
+    return text;
+}
+
+}  // namespace quillmar

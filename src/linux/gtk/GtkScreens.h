@@ -1,0 +1,25 @@
+#pragma once
+#include <memory>
+
+#include "platform/Screens.h"
+
+namespace quillmar {
+
+/// The screens as GDK and RandR have them. Needs a `GtkSession`.
+class GtkScreens final : public ScreensProviding {
+public:
+    GtkScreens();
+    GtkScreens(const GtkScreens&) = delete;
+    GtkScreens& operator=(const GtkScreens&) = delete;
+    ~GtkScreens() override;
+
+    std::vector<Screen> screens() const override;
+    std::uint32_t primaryScreenNumber() const override;
+    void setChangeHandler(std::function<void()> handler) override;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace quillmar

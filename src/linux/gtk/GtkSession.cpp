@@ -1,0 +1,46 @@
+#include "linux/gtk/GtkSession.h"
+
+#include <X11/Xlib.h>
+#include <gtk/gtk.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+#include "diagnostics/Log.h"
+
+namespace quillmar {
+
+namespace {
+
+/// Ends the process at once: leaving in good order would talk to the display server again.
+int connectionLost(Display*) {
+    constexpr const char* message = "The connection to the display server was lost.";
+    logError(message, "lifecycle");
+    std::fprintf(stderr, "quillmar: %s\n", message);
+    std::fflush(stderr);
+    std::_Exit(EXIT_FAILURE);
+}
+
+}  // namespace
+
+GtkSession::GtkSession() {
+    std::setlocale(LC_ALL, "");
+    // Numbers in files have a point, whatever the user's language.
+    std::setlocale(LC_NUMERIC, "C");
+    gtk_disable_setlocale();
+    g_set_prgname("quillmar");
+    g_set_application_name("Quillmar");
+    // Under Wayland this is its X server: placing windows on a monitor's desktop needs one.
+    gdk_set_allowed_backends("x11");
+    // Choosing visuals for OpenGL would load the whole driver, 30 MB that an idle agent never uses.
+    g_setenv("GDK_GL", "disable", FALSE);
+    if (!gtk_init_check(nullptr, nullptr)) {
+        throw std::runtime_error(
+            "No display server could be reached. Quillmar needs a running X server or XWayland.");
+    }
+    XSetIOErrorHandler(&connectionLost);
+}
+
+}  // namespace quillmar

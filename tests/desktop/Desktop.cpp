@@ -1,0 +1,183 @@
+#include "desktop/Desktop.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/XRes.h>
+#include <X11/extensions/Xrandr.h>
+#include <glib.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+
+#include "base/Files.h"
+#include "base/Uuid.h"
+#include "linux/gtk/GtkSession.h"
+#include "linux/picture/LinuxPictureRendering.h"
+#include "linux/x11/X11Connection.h"
+#include "linux/x11/X11Outputs.h"
+
+namespace quillmar {
+
+int runProgram(const std::string& command) {
+    const int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+void openGtkSession() { static const GtkSession session; }
+
+bool turnUntil(const std::function<bool()>& condition) {
+    // The condition may be of the world outside, which wakes nobody up here.
+    int ticksLeft = 1000;
+    const auto tick = +[](gpointer left) -> gboolean {
+        --*static_cast<int*>(left);
+        return G_SOURCE_CONTINUE;
+    };
+    const guint timer = g_timeout_add(10, tick, &ticksLeft);
+    bool holds = condition();
+    while (!holds && ticksLeft > 0) {
+        g_main_context_iteration(nullptr, TRUE);
+        holds = condition();
+    }
+    g_source_remove(timer);
+    return holds;
+}
+
+OtherProcess::OtherProcess(std::vector<std::string> role) {
+    role.insert(role.begin(), "/proc/self/exe");
+    std::vector<char*> arguments;
+    for (std::string& argument : role) arguments.push_back(argument.data());
+    arguments.push_back(nullptr);
+    int ends[2];
+    if (pipe(ends) != 0) throw std::runtime_error("no pipe");
+    process_ = fork();
+    if (process_ == 0) {
+        dup2(ends[1], STDOUT_FILENO);
+        dup2(ends[1], STDERR_FILENO);
+        close(ends[0]);
+        close(ends[1]);
+        execv(arguments[0], arguments.data());
+        _exit(127);
+    }
+    close(ends[1]);
+    output_ = ends[0];
+}
+
+OtherProcess::~OtherProcess() {
+    if (process_ > 0) {
+        kill(process_, SIGKILL);
+        wait();
+    }
+    close(output_);
+}
+
+std::string OtherProcess::line() {
+    std::string line;
+    for (char c = 0; read(output_, &c, 1) == 1 && c != '\n';) line += c;
+    return line;
+}
+
+int OtherProcess::wait() {
+    int status = 0;
+    waitpid(std::exchange(process_, 0), &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+struct Desktop::Connection {
+    X11Connection x{""};
+    Display* display = x.get();
+    Window root = DefaultRootWindow(display);
+};
+
+Desktop::Desktop()
+    : connection_(std::make_unique<Connection>()),
+      folder_(std::filesystem::temp_directory_path() / ("quillmar-desktop-" + Uuid::random().string())) {
+    std::filesystem::create_directories(folder_);
+    reset();
+}
+
+Desktop::~Desktop() {
+    reset();
+    std::filesystem::remove_all(folder_);
+}
+
+void Desktop::reset() {
+    setEdid("DUMMY0", {});
+    setEdid("DUMMY1", {});
+    arrange(
+        "--output DUMMY0 --mode 1920x1080 --pos 0x0 --primary --output DUMMY1 --mode 1280x1024 --pos 1920x0 "
+        "--output DUMMY2 --off --output DUMMY3 --off");
+}
+
+void Desktop::arrange(const std::string& arguments) {
+    ASSERT_EQ(runProgram("xrandr " + arguments + " && xrandr -q >/dev/null"), 0);
+}
+
+void Desktop::setEdid(const std::string& connector, const Bytes& edid) {
+    const Atom property = XInternAtom(connection_->display, "EDID", False);
+    const RROutput output = screen(connector).number;
+    X11ErrorTrap isAbsent(connection_->display);
+    if (edid.empty()) {
+        XRRDeleteOutputProperty(connection_->display, output, property);
+    } else {
+        XRRChangeOutputProperty(connection_->display, output, property, XA_INTEGER, 8, PropModeReplace,
+                                edid.data(), static_cast<int>(edid.size()));
+    }
+}
+
+Screen Desktop::screen(const std::string& connector) const {
+    Screen screen;
+    for (const ConnectedOutput& output : connectedOutputs(connection_->display)) {
+        if (output.connector == connector) screen.number = output.number;
+    }
+    screen.connector = connector;
+    return screen;
+}
+
+RgbColor Desktop::pixel(int x, int y) const { return pixels(x, y, 1, 1).front(); }
+
+std::vector<RgbColor> Desktop::pixels(int x, int y, int width, int height) const {
+    std::vector<RgbColor> colors;
+    XImage* image = XGetImage(connection_->display, connection_->root, x, y, static_cast<unsigned>(width),
+                              static_cast<unsigned>(height), AllPlanes, ZPixmap);
+    for (int row = 0; row < height; ++row) {
+        for (int column = 0; column < width; ++column) {
+            const unsigned long pixel = XGetPixel(image, column, row);
+            colors.push_back({static_cast<std::uint8_t>(pixel >> 16), static_cast<std::uint8_t>(pixel >> 8),
+                              static_cast<std::uint8_t>(pixel)});
+        }
+    }
+    XDestroyImage(image);
+    return colors;
+}
+
+std::pair<unsigned long, int> Desktop::memory() const {
+    XResClient* clients = nullptr;
+    int count = 0;
+    XResQueryClients(connection_->display, &count, &clients);
+    unsigned long total = 0;
+    for (int i = 0; i < count; ++i) {
+        unsigned long bytes = 0;
+        XResQueryClientPixmapBytes(connection_->display, clients[i].resource_base, &bytes);
+        total += bytes;
+    }
+    XFree(clients);
+    return {total, count};
+}
+
+void Desktop::endClientOf(unsigned long window) const {
+    XKillClient(connection_->display, window);
+    XSync(connection_->display, False);
+}
+
+std::filesystem::path Desktop::solidPicture(int width, int height, RgbColor color) const {
+    const Bytes png = LinuxPictureRendering().solidColorPng(width, height, color);
+    const auto file = folder_ / (Uuid::random().string() + ".png");
+    writeFileAtomically(file, {reinterpret_cast<const char*>(png.data()), png.size()});
+    return file;
+}
+
+}  // namespace quillmar
