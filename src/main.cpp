@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <iostream>
+#include <random>
 #include <vector>
 
 #include "app/AppDelegate.h"
@@ -63,6 +64,11 @@ std::unique_ptr<ApplicationInstanceLock> takeInstanceLock(const BundleInfo& bund
     }
 }
 
+std::size_t randomIndex(std::size_t count) {
+    thread_local std::mt19937_64 engine{std::random_device{}()};
+    return std::uniform_int_distribution<std::size_t>(0, count - 1)(engine);
+}
+
 class LoopControl final : public ApplicationControl {
 public:
     explicit LoopControl(GlibMainLoop& loop) : loop_(loop) {}
@@ -103,6 +109,7 @@ private:
                 .backgroundPool = pool_,
                 .bundle = bundle_,
                 .environment = environment_,
+                .randomIndex = randomIndex,
                 .preferredLanguages = preferredLanguages(),
                 .process = process_,
                 .systemEvents = signals_,

@@ -1,6 +1,8 @@
 #include "app/AppDelegate.h"
 
 #include "diagnostics/Log.h"
+#include "settings/ReferencedFiles.h"
+#include "storage/DesktopImageFiles.h"
 
 namespace quillmar {
 namespace {
@@ -21,6 +23,7 @@ AppDelegate::AppDelegate(const Platform& platform, std::unique_ptr<ApplicationIn
       instanceLock_(std::move(instanceLock)),
       applicationMenuController_(platform.bundle.displayName(), std::move(installMenu)),
       quitController_([this] { terminate(QuitSource::other); }),
+      cacheMaintenanceScheduler_(platform.loop, [this] { return sweepCachePeriodically(); }),
       startupTask_(platform.loop),
       tasks_(platform.loop) {}
 
@@ -65,6 +68,8 @@ Task<void> AppDelegate::startUp() {
     platform_.usageReporting.sendMessage("app_launch");
     platform_.usageReporting.sendMessage("display_count_" +
                                          std::to_string(subsystems_->displays.displays().size()));
+    co_await sweepCacheAtStart();
+    cacheMaintenanceScheduler_.start();
     co_await checkCancellation();
 
     if (!model.canPersist()) {
@@ -76,6 +81,30 @@ Task<void> AppDelegate::startUp() {
     // Only now: the first application itself must not look like a change of the arrangement.
     displayCoordinator().start();
     logInfo("Application startup completed.", "lifecycle");
+}
+
+Task<void> AppDelegate::sweepCacheAtStart() {
+    const CacheSweepResult swept = co_await subsystems_->cacheMaintenance.sweep(
+        filesOfSettings(), desktopImageFiles(platform_.screens, platform_.desktopPicture),
+        platform_.clock.now());
+    co_await checkCancellation();
+    if (swept.removedItems == 0) co_return;
+    logInfo("Startup cache maintenance completed.", "cache",
+            {{"removed_items", std::to_string(swept.removedItems)},
+             {"reclaimed_bytes", std::to_string(swept.reclaimedBytes)}});
+}
+
+Task<void> AppDelegate::sweepCachePeriodically() {
+    co_await subsystems_->cacheMaintenance.periodicSweep(
+        filesOfSettings(), desktopImageFiles(platform_.screens, platform_.desktopPicture),
+        platform_.clock.now());
+}
+
+/// Nothing when the settings could not be read: what they refer to is then unknown.
+std::optional<FilePaths> AppDelegate::filesOfSettings() const {
+    const AppSettingsModel& model = subsystems_->settingsModel;
+    if (!model.canPersist()) return std::nullopt;
+    return referencedFiles(model.settings());
 }
 
 Task<void> AppDelegate::applyWallpapersAtStart() {
@@ -162,6 +191,7 @@ TerminateReply AppDelegate::applicationShouldTerminate(QuitSource source) {
 }
 
 Task<void> AppDelegate::shutDown() {
+    cacheMaintenanceScheduler_.stop();
     displayCoordinator().stop();
 
     AppSettingsModel& model = subsystems_->settingsModel;
@@ -198,6 +228,7 @@ Task<bool> AppDelegate::keepsRunningAfterFailedSave() {
 }
 
 void AppDelegate::resumeAfterCancelledTermination() {
+    cacheMaintenanceScheduler_.start();
     displayCoordinator().start();
     logInfo("Application termination was cancelled.", "lifecycle");
 }

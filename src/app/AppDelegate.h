@@ -10,6 +10,7 @@
 #include "app/Platform.h"
 #include "app/Subsystems.h"
 #include "display/DisplayConfigurationChangeCoordinator.h"
+#include "storage/CacheMaintenanceScheduler.h"
 
 namespace quillmar {
 
@@ -46,6 +47,9 @@ private:
     Task<void> forwardActivation();
     Task<void> startUp();
     Task<void> showSettingsRecoveryAlert();
+    Task<void> sweepCacheAtStart();
+    Task<void> sweepCachePeriodically();
+    std::optional<FilePaths> filesOfSettings() const;
     Task<void> applyWallpapersAtStart();
     Task<TopologyApplyResult> applyWallpapers();
     Task<void> shutDown();
@@ -61,6 +65,7 @@ private:
     ApplicationQuitController quitController_;
     bool isPreparingToTerminate_ = false;
     std::unique_ptr<Subsystems> subsystems_;
+    CacheMaintenanceScheduler cacheMaintenanceScheduler_;
     std::optional<ControlService> control_;
     std::optional<DisplayConfigurationChangeCoordinator> displayCoordinator_;
     ApplicationStartupTask startupTask_;

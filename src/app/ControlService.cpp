@@ -2,6 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <system_error>
+
+#include "storage/StoredFileGrant.h"
+
 namespace quillmar {
 
 ControlService::ControlService(const Platform& platform, Subsystems& subsystems, std::function<void()> quit)
@@ -13,12 +17,31 @@ ControlService::ControlService(const Platform& platform, Subsystems& subsystems,
                .appVersion = platform.bundle.semanticVersion("Unknown"),
                .sendAnalytics = [&usage = platform.usageReporting](
                                     const std::string& message) { usage.sendMessage(message); }}),
+      wallpaper_({.settingsModel = subsystems.settingsModel,
+                  .coordinator = subsystems.wallpaperCoordinator,
+                  .displays = subsystems.displays,
+                  .desktopPicture = platform.desktopPicture,
+                  .grantFor = [files = &platform.backgroundPool](
+                                  Url url) { return grantFor(files, std::move(url)); }}),
       quit_(std::move(quit)),
       loop_(platform.loop) {}
+
+Task<std::optional<Bytes>> ControlService::grantFor(Executor* files, Url url) {
+    co_return co_await files->run([url = std::move(url)]() -> std::optional<Bytes> {
+        const auto path = url.filePath();
+        if (!path) return std::nullopt;
+        try {
+            return makeStoredFileGrant(*path);
+        } catch (const std::system_error&) {
+            return std::nullopt;  // what is not there is said when it is read
+        }
+    });
+}
 
 Task<ControlReply> ControlService::handle(ControlCall call) {
     const std::string command = call.arguments.empty() ? "" : call.arguments.front();
     if (command == "backup") co_return co_await backup_.run(std::move(call));
+    if (command == "wallpaper") co_return co_await wallpaper_.run(std::move(call));
     if (command == "quit" && call.arguments.size() == 1) {
         // Later, so that the answer is on its way before the program is.
         quitting_ = Scheduled(loop_, quit_);

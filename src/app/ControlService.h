@@ -1,6 +1,7 @@
 #pragma once
 #include "app/BackupCommand.h"
 #include "app/Subsystems.h"
+#include "app/WallpaperCommand.h"
 
 namespace quillmar {
 
@@ -12,7 +13,10 @@ public:
     Task<ControlReply> handle(ControlCall call);
 
 private:
+    static Task<std::optional<Bytes>> grantFor(Executor* files, Url url);
+
     BackupCommand backup_;
+    WallpaperCommand wallpaper_;
     std::function<void()> quit_;
     MainLoop& loop_;
     Scheduled quitting_;

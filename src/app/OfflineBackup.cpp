@@ -11,7 +11,7 @@ OfflineBackup::OfflineBackup(MainLoop& loop, const WallClock& clock, Executor& p
       defaults_(defaultSettings(bundle)),
       store_(makeSettingsStore([&] { return createdApplicationSupportDirectory(environment); }, defaults_,
                                executor_)),
-      model_(loop, notifications_, *store_, defaults_),
+      model_(loop, notifications_, *store_, defaults_, cacheFiles_),
       command_({.settingsModel = model_,
                 .backupService = service_,
                 .following = following_,

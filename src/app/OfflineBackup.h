@@ -22,6 +22,7 @@ private:
     SerialExecutor executor_;
     NotificationCenter notifications_;
     AppSettings defaults_;
+    CacheFileProtection cacheFiles_;
     std::unique_ptr<SettingsStoring> store_;
     AppSettingsModel model_;
     SettingsBackupService service_{executor_};

@@ -27,7 +27,8 @@ struct Platform {
     Executor& backgroundPool;
     const BundleInfo& bundle;
     const Environment& environment;
-    std::vector<std::string> preferredLanguages;  ///< locale names, the most wanted first
+    std::function<std::size_t(std::size_t)> randomIndex;  ///< below its argument, each as likely; any thread
+    std::vector<std::string> preferredLanguages;          ///< locale names, the most wanted first
     ApplicationControl& process;
     SystemEventsObserving& systemEvents;
     RunningInstances& runningInstances;

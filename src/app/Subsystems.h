@@ -7,6 +7,7 @@
 #include "async/ThreadPool.h"
 #include "display/DisplayService.h"
 #include "settings/AppSettingsModel.h"
+#include "storage/CacheMaintenanceService.h"
 #include "wallpaper/WallpaperCoordinator.h"
 #include "wallpaper/WallpaperService.h"
 
@@ -20,6 +21,9 @@ public:
 
     const AppSettings defaults;  ///< of a first run
     NotificationCenter notifications;
+    CacheFileProtection cacheFiles;
+    SerialExecutor cacheExecutor;
+    CacheMaintenanceService cacheMaintenance;
     SerialExecutor settingsExecutor;
     std::unique_ptr<SettingsStoring> settingsStore;
     AppSettingsModel settingsModel;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "async/Sleep.h"
+#include "settings/ReferencedFiles.h"
 
 namespace quillmar {
 namespace {
@@ -12,8 +13,12 @@ constexpr std::chrono::milliseconds saveDelay{250};
 }  // namespace
 
 AppSettingsModel::AppSettingsModel(MainLoop& loop, NotificationCenter& notifications, SettingsStoring& store,
-                                   AppSettings defaults)
-    : notifications_(notifications), store_(store), settings_(std::move(defaults)), tasks_(loop) {
+                                   AppSettings defaults, const CacheFileProtection& cacheFiles)
+    : notifications_(notifications),
+      store_(store),
+      cacheFiles_(cacheFiles),
+      settings_(std::move(defaults)),
+      tasks_(loop) {
     loadTask_ = tasks_.start(load(settingsRevision_));
 }
 
@@ -22,7 +27,7 @@ Task<void> AppSettingsModel::load(std::int64_t baseRevision) {
         SettingsLoadResult result = co_await store_.load();
         createdInitialSettingsFile_ = result.createdInitialSettingsFile;
         const auto updates = std::exchange(pendingInitialUpdates_, {});
-        settings_ = std::move(result.settings);
+        setSettings(std::move(result.settings));
         persistedRevision_ = baseRevision;
         // Their revisions were counted when they were made, which leaves the document ahead of the file.
         for (const SettingsUpdate& update : updates) apply(update);
@@ -75,6 +80,8 @@ Task<bool> AppSettingsModel::run(Transaction transaction) {
     co_await cancelDebouncedSave();
 
     const AppSettings previousSettings = settings_;
+    // Until the outcome is known the files of both documents are needed.
+    const CacheLeases previousLeases = cacheLeases_;
     const std::int64_t previousRevision = settingsRevision_;
     isExplicitTransactionInFlight_ = true;
     deferredTransactionUpdates_.clear();
@@ -99,7 +106,7 @@ Task<bool> AppSettingsModel::run(Transaction transaction) {
         post();
         co_return true;
     }
-    settings_ = previousSettings;
+    setSettings(previousSettings);
     settingsRevision_ = previousRevision;
     for (const SettingsUpdate& update : deferred) {
         apply(update);
@@ -193,7 +200,18 @@ void AppSettingsModel::noteSaved(std::int64_t revision) {
 void AppSettingsModel::apply(const SettingsUpdate& mutation) {
     AppSettings changed = settings_;
     mutation(changed);
-    settings_ = std::move(changed);
+    setSettings(std::move(changed));
+}
+
+void AppSettingsModel::setSettings(AppSettings settings) {
+    settings_ = std::move(settings);
+    CacheLeases leases;
+    for (const std::filesystem::path& file : referencedFiles(settings_)) {
+        const auto kept = cacheLeases_.find(file);
+        leases.emplace(file, kept != cacheLeases_.end() ? kept->second : CacheFileLease(cacheFiles_, file));
+    }
+    // The old leases end only now, so that no file that both documents need is ever free.
+    cacheLeases_ = std::move(leases);
 }
 
 void AppSettingsModel::post() { notifications_.post(appSettingsDidChange, settings_); }

@@ -1,6 +1,8 @@
 #pragma once
 #include <cstdint>
+#include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,6 +11,7 @@
 #include "async/TaskScope.h"
 #include "settings/SettingsStoring.h"
 #include "settings/SettingsTransactionGate.h"
+#include "storage/CacheFileLease.h"
 
 namespace quillmar {
 
@@ -29,9 +32,10 @@ struct SettingsSaveAttempt {
 /// thread only.
 class AppSettingsModel {
 public:
-    /// Starts the load. `settings()` is `defaults` until it ends.
+    /// Starts the load. `settings()` is `defaults` until it ends. Every file that the wallpapers, Lock
+    /// Screens and screensavers of the present document name is leased.
     AppSettingsModel(MainLoop& loop, NotificationCenter& notifications, SettingsStoring& store,
-                     AppSettings defaults);
+                     AppSettings defaults, const CacheFileProtection& cacheFiles);
 
     const AppSettings& settings() const { return settings_; }
     bool isLoaded() const { return isLoaded_; }
@@ -60,6 +64,7 @@ public:
     SettingsTransactionGate& transactionGate() { return transactionGate_; }
 
 private:
+    using CacheLeases = std::map<std::filesystem::path, CacheFileLease>;
     struct Transaction {
         SettingsUpdate mutation;
         bool replacesDocument = false;
@@ -77,12 +82,15 @@ private:
     void record(const SettingsSaveAttempt& attempt);
     void noteSaved(std::int64_t revision);
     void apply(const SettingsUpdate& mutation);
+    void setSettings(AppSettings settings);
     void post();
     std::string refusalText() const;
 
     NotificationCenter& notifications_;
     SettingsStoring& store_;
+    const CacheFileProtection& cacheFiles_;
     AppSettings settings_;
+    CacheLeases cacheLeases_;
     bool isLoaded_ = false;
     bool canPersist_ = true;
     std::optional<std::string> loadError_;

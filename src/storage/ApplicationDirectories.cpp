@@ -53,6 +53,16 @@ std::filesystem::path createdApplicationSupportDirectory(const Environment& envi
     return folder;
 }
 
+std::optional<std::filesystem::path> createdCacheDirectory(const Environment& environment) {
+    try {
+        const std::filesystem::path folder = createdApplicationSupportDirectory(environment) / "Cache";
+        createDirectories(folder, 0700);
+        return folder;
+    } catch (const std::runtime_error&) {  // whoever needs the cache says what fails
+        return std::nullopt;
+    }
+}
+
 std::filesystem::path temporaryDirectory(const Environment& environment) {
     if (const auto runtime = absolutePath(environment, "XDG_RUNTIME_DIR"); isOwnPrivateFolder(runtime)) {
         return runtime;

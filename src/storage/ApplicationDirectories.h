@@ -1,6 +1,7 @@
 #pragma once
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 
 namespace quillmar {
@@ -17,6 +18,10 @@ std::filesystem::path applicationSupportDirectoryOrNowhere(const Environment& en
 /// The first, created with its parents when it is missing. Throws also when that fails, with the place and
 /// reason.
 std::filesystem::path createdApplicationSupportDirectory(const Environment& environment);
+
+/// The folder "Cache" in the first, created when it is missing: all that the program generates or copies.
+/// Nothing when it cannot be made.
+std::optional<std::filesystem::path> createdCacheDirectory(const Environment& environment);
 
 /// A folder of this user alone for files that end with the session: `$XDG_RUNTIME_DIR`, else a folder of the
 /// user's own, made when missing, in `$TMPDIR` or "/tmp". Throws `std::runtime_error` when there is none.

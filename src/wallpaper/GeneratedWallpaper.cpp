@@ -11,6 +11,8 @@
 #include <cstring>
 #include <optional>
 
+#include "base/Enum.h"
+#include "base/Hash.h"
 #include "base/Text.h"
 
 namespace quillmar {
@@ -129,6 +131,28 @@ std::string solidColorFileName(const DisplayInfo& display, CanvasSize size,
                                const std::string& normalizedColor) {
     return fmt::format("solid-{}-{}x{}-{}.png", replacingNonAlphanumerics(display.id, '-'), size.width,
                        size.height, normalizedColor);
+}
+
+std::string imageFingerprint(const std::filesystem::path& source, const std::string& caption) {
+    struct stat status{};
+    std::string time;
+    std::string size;
+    if (::stat(source.c_str(), &status) == 0) {
+        time = shortestDecimal(static_cast<double>(status.st_mtim.tv_sec) +
+                               static_cast<double>(status.st_mtim.tv_nsec) / 1e9);
+        size = std::to_string(status.st_size);
+    }
+    const std::string path = source.lexically_normal().string();
+    return hexadecimal(fnv1a64(path + "|" + time + "|" + size + "|" + caption));
+}
+
+std::string imageFileName(const DisplayInfo& display, CanvasSize size, ImagePresentationLayout layout,
+                          const std::string& normalizedBackground, const std::string& fingerprint) {
+    // A text that is no colour is in the name as it stands, and must not lead to another folder.
+    std::string background = normalizedBackground;
+    std::ranges::replace_if(background, [](char c) { return c == '/' || c == 0; }, '-');
+    return fmt::format("image-v2-{}-{}x{}-{}-{}-{}.png", replacingNonAlphanumerics(display.id, '-'),
+                       size.width, size.height, enumName(layout), background, fingerprint);
 }
 
 bool isValidGeneratedPng(const std::filesystem::path& file, CanvasSize size) {

@@ -6,6 +6,7 @@
 #include "base/HexColor.h"
 #include "modes/WallpaperApplicationError.h"
 #include "storage/LastUsedStamp.h"
+#include "wallpaper/CanvasLayout.h"
 #include "wallpaper/GeneratedWallpaper.h"
 
 namespace quillmar {
@@ -43,6 +44,40 @@ std::filesystem::path WallpaperRenderer::solidColor(const std::string& hexColor,
     }
     stampLastUsed(file, clock_.now());
     return file;
+}
+
+std::filesystem::path WallpaperRenderer::image(const std::filesystem::path& source,
+                                               ImagePresentationLayout layout,
+                                               const std::string& backgroundHexColor,
+                                               const std::string& caption, const DisplayInfo& display) const {
+    createCacheDirectory(cacheDirectory_);
+    const Canvas canvas = Canvas::of(display);
+    const CanvasSize size{canvas.size.width, canvas.size.height};
+    const std::string background = normalizedHexColor(backgroundHexColor);
+    std::filesystem::path file =
+        cacheDirectory_ / imageFileName(display, size, layout, background, imageFingerprint(source, caption));
+    if (!isValidGeneratedPng(file, size)) {
+        const RgbColor color = parseHexColor(background).value_or(RgbColor{});
+        const auto composer = [&](PictureSize picture) {
+            return compositionOf(layout, canvas, color, caption, picture);
+        };
+        render(source, composer, file);
+    }
+    stampLastUsed(file, clock_.now());
+    return file;
+}
+
+void WallpaperRenderer::render(const std::filesystem::path& source, const PictureComposer& composer,
+                               const std::filesystem::path& file) const {
+    try {
+        rendering_.renderImage(source, composer, file);
+    } catch (const PictureDecodingError&) {  // the messages of the cases say all that helps the user
+        throw Error(Error::Case::unreadableImage, source.string());
+    } catch (const std::system_error& error) {
+        throw Error(Error::Case::cacheWriteFailed, file.string(), error.code().message());
+    } catch (const std::exception&) {
+        throw Error(Error::Case::imageRenderingFailed);
+    }
 }
 
 void WallpaperRenderer::write(const std::filesystem::path& file, const Bytes& png) const {

@@ -10,6 +10,7 @@
 #include "modes/RemoteImagePresentation.h"
 #include "modes/WallpaperMode.h"
 #include "platform/DesktopPicture.h"
+#include "storage/CacheFileLease.h"
 
 namespace quillmar {
 
@@ -29,12 +30,15 @@ struct WallpaperApplyRequest {
 /// What an application chose by itself and the settings should remember. Empty for a mode that chooses
 /// nothing.
 struct WallpaperApplyOutcome {
+    std::optional<CacheFileLease> selectionLease;  ///< on the picture of `windowsSpotlightSelection`
     std::optional<Url> selectedSlideshowImageURL;
     std::optional<WindowsSpotlightSelection> windowsSpotlightSelection;
 };
 
 /// A picture rendered for one display, ready to be set.
 struct PreparedWallpaperImage {
+    std::optional<CacheFileLease> selectionLease;  ///< on the picture of `windowsSpotlightSelection`
+    CacheFileLease cacheLease;                     ///< on `image`
     std::filesystem::path image;
     std::optional<Url> selectedSlideshowImageURL;
     std::optional<WindowsSpotlightSelection> windowsSpotlightSelection;
@@ -52,6 +56,7 @@ struct WallpaperDesktopSnapshot {
     std::string displayID;
     std::filesystem::path image;
     DesktopImageOptions options;
+    CacheFileLease cacheLease;  ///< on `image`
 };
 
 /// Makes displays show modes. Main thread. Every operation throws `WallpaperApplicationError` or the error of

@@ -11,29 +11,13 @@ void throwIfInvalid(const WallpaperMode& mode) {
     if (const auto error = mode.validationError()) throw Error(*error);
 }
 
-/// Whether a mode becomes one picture that is set as the desktop's.
-bool isStatic(WallpaperModeKind kind) {
-    switch (kind) {
-        case WallpaperModeKind::solidColor:
-        case WallpaperModeKind::image:
-        case WallpaperModeKind::slideshow:
-        case WallpaperModeKind::apod:
-        case WallpaperModeKind::nasaEpic:
-        case WallpaperModeKind::wallhaven:
-        case WallpaperModeKind::unsplash:
-        case WallpaperModeKind::bing:
-        case WallpaperModeKind::windowsSpotlight:
-        case WallpaperModeKind::museums: return true;
-        default: return false;
-    }
-}
-
 }  // namespace
 
 Task<WallpaperApplyOutcome> WallpaperService::apply(WallpaperApplyRequest request) {
+    const CacheFileLease cacheLease = leaseOfCache();
     screenOf(request.display.id);
     throwIfInvalid(request.mode);
-    if (isStatic(request.mode.kind())) {
+    if (isStaticKind(request.mode.kind())) {
         PreparedWallpaperImage image = co_await prepareImage(request);
         co_return co_await applyPrepared({std::move(request), std::move(image)});
     }
@@ -42,24 +26,28 @@ Task<WallpaperApplyOutcome> WallpaperService::apply(WallpaperApplyRequest reques
 }
 
 Task<PreparedWallpaperApplication> WallpaperService::prepare(WallpaperApplyRequest request) {
+    const CacheFileLease cacheLease = leaseOfCache();
     screenOf(request.display.id);
     throwIfInvalid(request.mode);
-    if (!isStatic(request.mode.kind()))
+    if (!isStaticKind(request.mode.kind()))
         co_return PreparedWallpaperApplication{std::move(request), std::nullopt};
     PreparedWallpaperImage image = co_await prepareImage(request);
     co_return PreparedWallpaperApplication{std::move(request), std::move(image)};
 }
 
 Task<PreparedWallpaperImage> WallpaperService::prepareImage(WallpaperApplyRequest request) {
+    // The folder's, until the file's own: a sweep must not come between a render and its use.
+    const CacheFileLease cacheLease = leaseOfCache();
     throwIfInvalid(request.mode);
-    const auto* solid = std::get_if<SolidColorPresentationSettings>(&request.mode.value);
-    if (!solid) throw Error(Error::Case::unsupportedMode);
-    PreparedWallpaperImage prepared;
-    prepared.image = co_await renderExecutor_.run(
-        [renderer = renderer_, color = solid->hexColor, display = request.display] {
-            return renderer.solidColor(color, display);
+    StaticPicture picture = co_await renderExecutor_.run(
+        [mode = request.mode, display = request.display, renderer = renderer_, random = randomIndex_] {
+            return renderStaticPicture(mode, display, renderer, random);
         });
-    co_return prepared;
+    CacheFileLease imageLease(cacheFiles_, picture.image);
+    co_return PreparedWallpaperImage{
+        .cacheLease = std::move(imageLease),
+        .image = std::move(picture.image),
+        .selectedSlideshowImageURL = std::move(picture.selectedSlideshowImageURL)};
 }
 
 Task<WallpaperApplyOutcome> WallpaperService::applyPrepared(PreparedWallpaperApplication application) {
@@ -67,14 +55,15 @@ Task<WallpaperApplyOutcome> WallpaperService::applyPrepared(PreparedWallpaperApp
     const PreparedWallpaperImage& prepared = *application.image;
     // Looked up only now: the display may have gone while its picture was rendered.
     setDesktop(prepared.image, screenOf(application.request.display.id), {});
-    co_return WallpaperApplyOutcome{prepared.selectedSlideshowImageURL, prepared.windowsSpotlightSelection};
+    co_return WallpaperApplyOutcome{leaseOf(prepared.windowsSpotlightSelection),
+                                    prepared.selectedSlideshowImageURL, prepared.windowsSpotlightSelection};
 }
 
 WallpaperDesktopSnapshot WallpaperService::captureDesktop(const std::string& displayID) {
     const Screen screen = screenOf(displayID);
-    const auto image = desktop_.desktopImage(screen);
+    const auto image = desktop_.captureDesktopImage(screen);
     if (!image) throw Error(Error::Case::desktopSnapshotUnavailable, displayID);
-    return {displayID, *image, desktop_.desktopImageOptions(screen)};
+    return {displayID, *image, desktop_.desktopImageOptions(screen), CacheFileLease(cacheFiles_, *image)};
 }
 
 void WallpaperService::restoreDesktop(const WallpaperDesktopSnapshot& snapshot) {
@@ -90,7 +79,20 @@ Screen WallpaperService::screenOf(const std::string& displayID) const {
 void WallpaperService::setDesktop(const std::filesystem::path& image, const Screen& screen,
                                   const DesktopImageOptions& options) {
     if (gate_.isLockScreenOverrideActive) throw Error(Error::Case::suppressedWhileLocked);
+    CacheFileLease lease(cacheFiles_, image);
     desktop_.setDesktopImage(image, screen, options);
+    for (const ConnectedDisplay& display : displays_.connectedDisplays()) {
+        if (display.screen != screen) continue;
+        desktopLeases_.insert_or_assign(display.info.id, std::move(lease));
+        return;
+    }
+}
+
+std::optional<CacheFileLease> WallpaperService::leaseOf(
+    const std::optional<WindowsSpotlightSelection>& selection) const {
+    const auto file = selection ? selection->imageURL.filePath() : std::nullopt;
+    if (!file) return std::nullopt;
+    return CacheFileLease(cacheFiles_, *file);
 }
 
 }  // namespace quillmar

@@ -1,9 +1,11 @@
 #pragma once
+#include <map>
+
 #include "async/Executor.h"
 #include "display/DisplayService.h"
 #include "platform/DesktopPicture.h"
+#include "wallpaper/StaticPicture.h"
 #include "wallpaper/WallpaperApplicationGate.h"
-#include "wallpaper/WallpaperRenderer.h"
 #include "wallpaper/WallpaperRequests.h"
 
 namespace quillmar {
@@ -14,12 +16,14 @@ class WallpaperService final : public WallpaperTransactionOperationApplying {
 public:
     WallpaperService(const DisplayService& displays, DesktopPicturing& desktop,
                      const WallpaperApplicationGate& gate, const WallpaperRenderer& renderer,
-                     Executor& renderExecutor)
+                     Executor& renderExecutor, const CacheFileProtection& cacheFiles, RandomIndex randomIndex)
         : displays_(displays),
           desktop_(desktop),
           gate_(gate),
           renderer_(renderer),
-          renderExecutor_(renderExecutor) {}
+          renderExecutor_(renderExecutor),
+          cacheFiles_(cacheFiles),
+          randomIndex_(std::move(randomIndex)) {}
 
     Task<WallpaperApplyOutcome> apply(WallpaperApplyRequest request) override;
     Task<PreparedWallpaperApplication> prepare(WallpaperApplyRequest request) override;
@@ -31,6 +35,8 @@ public:
 
 private:
     Screen screenOf(const std::string& displayID) const;
+    CacheFileLease leaseOfCache() const { return {cacheFiles_, renderer_.cacheDirectory(), true}; }
+    std::optional<CacheFileLease> leaseOf(const std::optional<WindowsSpotlightSelection>& selection) const;
     void setDesktop(const std::filesystem::path& image, const Screen& screen,
                     const DesktopImageOptions& options);
 
@@ -39,6 +45,9 @@ private:
     const WallpaperApplicationGate& gate_;
     const WallpaperRenderer& renderer_;
     Executor& renderExecutor_;
+    const CacheFileProtection& cacheFiles_;
+    RandomIndex randomIndex_;
+    std::map<std::string, CacheFileLease> desktopLeases_;  ///< by display: on the file that it shows
 };
 
 }  // namespace quillmar

@@ -57,6 +57,14 @@ struct AppDelegateTest : ::testing::Test {
         machine.screens.plugIn(1, {0, 0, 1920, 1080});
         machine.screens.plugIn(2, {1920, 0, 1280, 1024});
     }
+    /// A file in the cache that nobody has used for a year.
+    fs::path putOldFile(const fs::path& name) {
+        const fs::path file = machine.settingsFile().parent_path() / "Cache" / name;
+        fs::create_directories(file.parent_path());
+        std::ofstream(file) << "12345";
+        fs::last_write_time(file, std::chrono::file_clock::from_sys(machine.clock.now() - 8766h));
+        return file;
+    }
     std::string shown(std::uint32_t screen) const {
         const auto found = machine.desktop.shown.find(screen);
         return found == machine.desktop.shown.end() ? "" : found->second.filename().string();
@@ -140,6 +148,8 @@ TEST_F(AppDelegateTest, unreadableSettingsLeadToTheAlertAndAStartThatDrivesNothi
     fs::create_directories(machine.settingsFile().parent_path());
     std::ofstream(machine.settingsFile()) << "{\"schemaVersion\": 7}";
     machine.preferredLanguages = {"de_DE", "pt_BR", "en"};
+    const fs::path imported = putOldFile("Videos/imported.mp4");
+    const fs::path download = putOldFile("Images/remote-old.jpg");
     launch();
     ASSERT_EQ(machine.alerts.shown.size(), 1u);
     const Alert& alert = machine.alerts.shown[0];
@@ -155,6 +165,8 @@ TEST_F(AppDelegateTest, unreadableSettingsLeadToTheAlertAndAStartThatDrivesNothi
     EXPECT_THAT(machine.settingsWindow.opened, ElementsAre("backup"));
     EXPECT_THAT(log.lines,
                 Contains("warning [lifecycle] Application startup is limited until settings are recovered."));
+    EXPECT_FALSE(fs::exists(download));
+    EXPECT_TRUE(fs::exists(imported)) << "nobody knows whether it is referred to";
     machine.screens.onChange();
     machine.loop.advance(1h);
     EXPECT_EQ(machine.desktop.setCount, 0);
@@ -162,6 +174,39 @@ TEST_F(AppDelegateTest, unreadableSettingsLeadToTheAlertAndAStartThatDrivesNothi
 
     quitBySystem();
     EXPECT_THAT(machine.process.exits, ElementsAre(0)) << "nothing was unsaved";
+}
+
+TEST_F(AppDelegateTest, theStartSweepsTheCacheButNothingThatIsReferredToOrShown) {
+    AppSettings settings = twoColors();
+    const fs::path used = putOldFile("Images/used.png");
+    settings.wallpaper.displays[0].savedModes[WallpaperModeKind::image].value =
+        ImagePresentationSettings{.cachedImageURL = Url::fromFilePath(used)};
+    putSettings(settings);
+    machine.screens.plugIn(3);
+    machine.desktop.shown[3] = putOldFile("GeneratedWallpapers/shown.png");
+    const fs::path generated = putOldFile("GeneratedWallpapers/old.png");
+    const fs::path forgotten = putOldFile("Videos/forgotten.mp4");
+    launch();
+    EXPECT_TRUE(fs::exists(used));
+    EXPECT_TRUE(fs::exists(machine.desktop.shown[3]));
+    EXPECT_FALSE(fs::exists(generated));
+    EXPECT_FALSE(fs::exists(forgotten));
+    EXPECT_THAT(log.lines, Contains("information [cache] Startup cache maintenance completed. "
+                                    "reclaimed_bytes=10 removed_items=2"));
+
+    putOldFile("Videos/forgotten.mp4");
+    putOldFile("GeneratedWallpapers/old.png");
+    machine.loop.advance(30min - 1s);
+    EXPECT_TRUE(fs::exists(generated));
+    machine.loop.advance(1s);
+    EXPECT_FALSE(fs::exists(generated));
+    EXPECT_TRUE(fs::exists(forgotten)) << "an import may be under way";
+    EXPECT_TRUE(fs::exists(machine.desktop.shown[3]));
+
+    quitBySystem();
+    putOldFile("GeneratedWallpapers/old.png");
+    machine.loop.advance(1h);
+    EXPECT_TRUE(fs::exists(generated)) << "no sweep follows a quit";
 }
 
 TEST_F(AppDelegateTest, aQuitDuringTheStartStopsItAtItsNextCheck) {
@@ -230,6 +275,9 @@ TEST_F(AppDelegateTest, settingsThatCannotBeSavedAtQuitLetTheUserStay) {
     fs::remove(machine.settingsFile().parent_path());
     machine.loop.advance(1s);
     EXPECT_GT(machine.desktop.setCount, painted) << "displays are watched again";
+    const fs::path old = putOldFile("Images/remote-old.jpg");
+    machine.loop.advance(30min);
+    EXPECT_FALSE(fs::exists(old)) << "the cache is swept again";
 
     fs::remove_all(machine.settingsFile().parent_path());
     std::ofstream(machine.settingsFile().parent_path()) << "a file in the way";

@@ -41,6 +41,7 @@ struct BackupTest : ::testing::Test {
     InlineExecutor executor;
     NotificationCenter notifications;
     FakeSettingsStore store;
+    CacheFileProtection cacheFiles;
     std::optional<AppSettingsModel> model;
     SettingsBackupService service{executor};
     FakeFollowing following;
@@ -59,7 +60,7 @@ struct BackupTest : ::testing::Test {
         begin();
     }
     void begin() {
-        model.emplace(loop, notifications, store, defaults);
+        model.emplace(loop, notifications, store, defaults, cacheFiles);
         backup.emplace(BackupSettingsModel::Services{
             *model, service, following, clock, defaults, "1.2.3",
             [this](const std::string& message) { analytics.push_back(message); }});

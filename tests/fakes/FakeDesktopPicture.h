@@ -31,6 +31,9 @@ public:
         if (found == shown.end()) return std::nullopt;
         return found->second;
     }
+    std::optional<std::filesystem::path> captureDesktopImage(const Screen& screen) override {
+        return desktopImage(screen);
+    }
     DesktopImageOptions desktopImageOptions(const Screen& screen) override { return options[screen.number]; }
 
 private:

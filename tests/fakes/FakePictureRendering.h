@@ -1,6 +1,7 @@
 #pragma once
 #include <zlib.h>
 #include <stdexcept>
+#include <system_error>
 
 #include "base/Files.h"
 #include "platform/PictureRendering.h"
@@ -12,14 +13,18 @@ class FakePictureRendering final : public PictureRendering {
 public:
     mutable int rendered = 0;
     bool fails = false;
+    std::optional<std::errc> writeError;         ///< of the next pictures' files
     PictureSize sourceSize{400, 300};            ///< of every picture that exists
     mutable PictureComposition lastComposition;  ///< of the last picture that was drawn
+    mutable std::filesystem::path lastSource;    ///< of the last picture that was drawn
 
     void renderImage(const std::filesystem::path& source, const PictureComposer& composer,
                      const std::filesystem::path& target) const override {
         if (!std::filesystem::exists(source)) throw PictureDecodingError("no such picture");
+        lastSource = source;
         lastComposition = composer(sourceSize);
         const Bytes png = solidColorPng(lastComposition.canvas.width, lastComposition.canvas.height, {});
+        if (writeError) throw std::system_error(std::make_error_code(*writeError));
         writeFileAtomically(target, {reinterpret_cast<const char*>(png.data()), png.size()});
     }
     Bytes solidColorPng(int width, int height, RgbColor) const override {

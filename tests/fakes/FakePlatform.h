@@ -112,6 +112,7 @@ struct FakePlatform {
                 .backgroundPool = background,
                 .bundle = bundle,
                 .environment = environment,
+                .randomIndex = [](std::size_t) { return std::size_t{0}; },
                 .preferredLanguages = preferredLanguages,
                 .process = process,
                 .systemEvents = systemEvents,

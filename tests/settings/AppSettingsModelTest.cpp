@@ -1,7 +1,10 @@
 #include "settings/AppSettingsModel.h"
 
+#include <fstream>
+
 #include "async/Sleep.h"
 #include "fakes/FakeSettingsStore.h"
+#include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 
 namespace quillmar {
@@ -31,10 +34,11 @@ struct AppSettingsModelTest : ::testing::Test {
     std::vector<std::string> posted;
     NotificationCenter::Observation observation = notifications.observe<AppSettings>(
         appSettingsDidChange, [this](const AppSettings& s) { posted.push_back(marks(s)); });
+    CacheFileProtection cacheFiles;
     std::optional<AppSettingsModel> model;
     TaskScope tasks{loop};
 
-    void begin() { model.emplace(loop, notifications, store, AppSettings{}); }
+    void begin() { model.emplace(loop, notifications, store, AppSettings{}, cacheFiles); }
     void beginLoaded() {
         begin();
         loop.settle();
@@ -252,6 +256,55 @@ TEST_F(AppSettingsModelTest, replacingTheDocumentIsTheWayOutOfAFailedLoad) {
     model->update(colourful);
     loop.advance(1s);
     EXPECT_EQ(marks(store.onDisk), "pc");
+}
+
+struct AppSettingsModelLeaseTest : AppSettingsModelTest {
+    TemporaryFolder folder;
+    std::filesystem::path root = resolvedPath(folder.path());
+
+    /// The document shows this picture and no other.
+    SettingsUpdate shows(const std::string& name) {
+        return [file = Url::fromFilePath(root / name)](AppSettings& settings) {
+            DisplayWallpaperSettings entry;
+            entry.mode.value = ImagePresentationSettings{.cachedImageURL = file};
+            settings.wallpaper.displays = {entry};
+        };
+    }
+    bool canBeSwept(const std::string& name) {
+        std::ofstream(root / name) << "x";
+        return cacheFiles.removeIfFree(root / name);
+    }
+};
+
+TEST_F(AppSettingsModelLeaseTest, theFilesOfThePresentDocumentCannotBeSwept) {
+    shows("loaded")(store.onDisk);
+    begin();
+    model->update(shows("early"));
+    EXPECT_FALSE(canBeSwept("early"));
+    loop.settle();
+    EXPECT_FALSE(canBeSwept("early")) << "made again on what was loaded";
+    EXPECT_TRUE(canBeSwept("loaded"));
+    model->update(shows("late"));
+    EXPECT_FALSE(canBeSwept("late"));
+    EXPECT_TRUE(canBeSwept("early"));
+}
+
+TEST_F(AppSettingsModelLeaseTest,
+       duringATransactionTheFilesOfBothDocumentsAreKeptAndThenThoseOfTheOneThatStays) {
+    shows("old")(store.onDisk);
+    beginLoaded();
+    for (const bool fails : {true, false}) {
+        if (fails) store.nextSaveFails("disk full");
+        store.hold();
+        const auto commit = commits(shows("new"));
+        loop.settle();
+        EXPECT_FALSE(canBeSwept("old"));
+        EXPECT_FALSE(canBeSwept("new"));
+        store.letThrough();
+        EXPECT_THAT(outcome(commit), Optional(!fails));
+        EXPECT_EQ(canBeSwept("old"), !fails);
+        EXPECT_EQ(canBeSwept("new"), fails);
+    }
 }
 
 TEST_F(AppSettingsModelTest, flushingWritesWhatIsUnsavedAndNothingElse) {

@@ -1,8 +1,12 @@
 #include "wallpaper/GeneratedWallpaper.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <fstream>
 #include <limits>
 
+#include "base/Hash.h"
 #include "fakes/FakePictureRendering.h"
 #include "fakes/TemporaryFolder.h"
 
@@ -26,6 +30,40 @@ TEST(CanvasSizeTest, aCanvasIsTheFrameInPixelsAndNeverEmpty) {
 TEST(SolidColorFileNameTest, theNameHoldsAllThatThePictureDependsOn) {
     EXPECT_EQ(solidColorFileName(display(1, 1, 1), {1920, 1080}, "1F6F8B"),
               "solid-display-aa-01-1920x1080-1F6F8B.png");
+}
+
+TEST(ImageFileNameTest, theNameHoldsAllThatThePictureDependsOn) {
+    const auto name = [](ImagePresentationLayout layout, const char* background) {
+        return imageFileName(display(1, 1, 1), {1920, 1080}, layout, background, "c0ffee");
+    };
+    EXPECT_EQ(name(ImagePresentationLayout::fill, "1F6F8B"),
+              "image-v2-display-aa-01-1920x1080-fill-1F6F8B-c0ffee.png");
+    EXPECT_EQ(name(ImagePresentationLayout::center, "NO COLOUR"),
+              "image-v2-display-aa-01-1920x1080-center-NO COLOUR-c0ffee.png");
+    EXPECT_EQ(name(ImagePresentationLayout::tile, "../X"),
+              "image-v2-display-aa-01-1920x1080-tile-..-X-c0ffee.png");
+}
+
+TEST(ImageFingerprintTest, itFollowsPathTimeSizeAndCaption) {
+    TemporaryFolder folder;
+    const auto file = folder.path() / "a.jpg";
+    std::ofstream(file) << "12345";
+    const auto changedAt = [&](time_t seconds, long nanoseconds) {
+        const timespec times[] = {{seconds, nanoseconds}, {seconds, nanoseconds}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+    };
+    const auto expected = [&](const std::string& timeSizeAndCaption) {
+        return hexadecimal(fnv1a64(file.string() + timeSizeAndCaption));
+    };
+    changedAt(1'700'000'000, 0);
+    EXPECT_EQ(imageFingerprint(file, ""), expected("|1700000000.0|5|"));
+    EXPECT_EQ(imageFingerprint(folder.path() / "." / "b" / ".." / "a.jpg", "Río"),
+              expected("|1700000000.0|5|Río"));
+    changedAt(1'700'000'000, 250'000'000);
+    EXPECT_EQ(imageFingerprint(file, ""), expected("|1700000000.25|5|"));
+    std::filesystem::remove(file);
+    EXPECT_EQ(imageFingerprint(file, "c"), expected("|||c"));
+    EXPECT_EQ(fnv1a64("foobar"), 0x85944171f73967e8u);
 }
 
 struct ValidityTest : ::testing::Test {

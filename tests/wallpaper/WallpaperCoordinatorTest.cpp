@@ -52,6 +52,7 @@ struct WallpaperCoordinatorTest : ::testing::Test {
     FakeWallpaperApplier applier;
     WallpaperSettingsTransactionService transactions{applier};
     WallpaperApplicationGate gate;
+    CacheFileProtection cacheFiles;
     std::optional<AppSettingsModel> model;
     std::optional<WallpaperCoordinator> coordinator;
     TaskScope tasks{loop};
@@ -59,7 +60,7 @@ struct WallpaperCoordinatorTest : ::testing::Test {
     void SetUp() override {
         store.onDisk.wallpaper = colors({{"A", "#aaaaaa"}, {"B", "#bbbbbb"}});
         applier.shown = {{"A", "before A"}, {"B", "before B"}};
-        model.emplace(loop, notifications, store, AppSettings{});
+        model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
         coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
         loop.settle();
     }
@@ -190,7 +191,7 @@ TEST_F(WallpaperCoordinatorTest, ofTwoDisplaysTheOneThatFailsIsTakenBackOnScreen
 
 TEST_F(WallpaperCoordinatorTest, aDisplayThatWasNotManagedGetsBackWhatItShowed) {
     store.onDisk.wallpaper = colors({{"B", "disabled"}});
-    model.emplace(loop, notifications, store, AppSettings{});
+    model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
     coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
     applier.settingFails("A", "#cccccc");
     applier.settingFails("B", "#dddddd");
@@ -210,7 +211,7 @@ TEST_F(WallpaperCoordinatorTest, whatFailsBeforeTheDesktopIsTouchedIsNotRolledBa
 
 TEST_F(WallpaperCoordinatorTest, failuresOfTheWayBackAreReported) {
     store.onDisk.wallpaper = {};
-    model.emplace(loop, notifications, store, AppSettings{});
+    model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
     coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
     loop.settle();
     applier.capturingFails("A");
@@ -238,7 +239,7 @@ TEST_F(WallpaperCoordinatorTest, aFileThatCannotBeTakenBackIsSaid) {
 TEST_F(WallpaperCoordinatorTest, theImageOfASlideshowIsRememberedUnlessTheModeChangedMeanwhile) {
     const Url image = Url::fromFilePath("/pictures/2.jpg");
     store.onDisk.wallpaper.displays[0].mode.value = SlideshowPresentationSettings{};
-    model.emplace(loop, notifications, store, AppSettings{});
+    model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
     coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
     loop.settle();
     applier.outcome.selectedSlideshowImageURL = image;

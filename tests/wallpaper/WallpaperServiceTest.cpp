@@ -30,7 +30,9 @@ struct WallpaperServiceTest : ::testing::Test {
     WallpaperApplicationGate gate;
     HeldExecutor executor;
     WallpaperRenderer renderer{cache, rendering, clock};
-    WallpaperService service{displays, desktop, gate, renderer, executor};
+    CacheFileProtection cacheFiles;
+    WallpaperService service{
+        displays, desktop, gate, renderer, executor, cacheFiles, [](std::size_t) { return std::size_t{0}; }};
     TaskScope tasks{loop};
 
     void SetUp() override {
@@ -189,6 +191,63 @@ TEST_F(WallpaperServiceTest, aCapturedDesktopComesBackWithItsOptions) {
     EXPECT_EQ(desktop.options[1].at("style"), "zoom");
     screens.unplug(1);
     EXPECT_THROW(service.restoreDesktop(snapshot), WallpaperApplicationError);
+}
+
+TEST_F(WallpaperServiceTest, nothingInTheCacheCanBeSweptWhileAPictureIsPrepared) {
+    const fs::path other = cache / "other.png";
+    const auto canSweepOther = [&] {
+        fs::create_directories(cache);
+        std::ofstream(other) << "x";
+        return cacheFiles.removeIfFree(resolvedPath(other));
+    };
+    for (const bool fails : {false, true}) {
+        rendering.fails = fails;
+        const std::string color = fails ? "#222222" : "#111111";
+        PreparedWallpaperApplication prepared;
+        EXPECT_EQ(run(service.prepare(solid(0, color)), &prepared), "waiting");
+        EXPECT_FALSE(canSweepOther());
+        executor.releaseAll();
+        loop.settle();
+        EXPECT_TRUE(canSweepOther()) << "whether it fails or not";
+        ASSERT_EQ(prepared.image.has_value(), !fails);
+        if (fails) continue;
+        const fs::path picture = resolvedPath(prepared.image->image);
+        EXPECT_FALSE(cacheFiles.removeIfFree(picture)) << "its own lease took over";
+        prepared.image.reset();
+        EXPECT_TRUE(cacheFiles.removeIfFree(picture));
+    }
+}
+
+TEST_F(WallpaperServiceTest, theFileThatADisplayShowsIsKeptUntilAnotherIsSetOnThatDisplay) {
+    runToEnd(service.apply(solid(0, "#111111")));
+    const fs::path first = resolvedPath(desktop.shown[1]);
+    runToEnd(service.apply(solid(1, "#222222")));
+    EXPECT_FALSE(cacheFiles.removeIfFree(first)) << "the other display's is another matter";
+    desktop.refuses(1, "no");
+    runToEnd(service.apply(solid(0, "#333333")));
+    EXPECT_FALSE(cacheFiles.removeIfFree(first)) << "it is still shown";
+    desktop.accepts(1);
+    std::optional<WallpaperDesktopSnapshot> snapshot = service.captureDesktop(FakeScreens::displayID(1));
+    runToEnd(service.apply(solid(0, "#333333")));
+    EXPECT_FALSE(cacheFiles.removeIfFree(first)) << "the way back needs it";
+    snapshot.reset();
+    EXPECT_TRUE(cacheFiles.removeIfFree(first));
+}
+
+TEST_F(WallpaperServiceTest, aChosenSourcePictureIsKeptForAsLongAsTheOutcome) {
+    PreparedWallpaperApplication prepared;
+    runToEnd(service.prepare(solid(0, "#111111")), &prepared);
+    WallpaperApplyOutcome outcome;
+    run(service.applyPrepared(prepared), &outcome);
+    EXPECT_FALSE(outcome.selectionLease);
+    const fs::path source = resolvedPath(folder.path()) / "remote-1.jpg";
+    std::ofstream(source) << "x";
+    prepared.image->windowsSpotlightSelection =
+        WindowsSpotlightSelection{.imageURL = Url::fromFilePath(source)};
+    run(service.applyPrepared(prepared), &outcome);
+    EXPECT_FALSE(cacheFiles.removeIfFree(source));
+    outcome = {};
+    EXPECT_TRUE(cacheFiles.removeIfFree(source));
 }
 
 }  // namespace

@@ -1,0 +1,124 @@
+#include "app/WallpaperCommand.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "app/WallpaperModeArguments.h"
+#include "app/WallpaperStatus.h"
+#include "base/Text.h"
+
+namespace quillmar {
+namespace {
+
+constexpr std::string_view usage =
+    "Usage: quillmar wallpaper [--json]\n"
+    "       quillmar wallpaper set DISPLAY|all KIND...\n"
+    "       quillmar wallpaper next [DISPLAY|all]\n"
+    "DISPLAY is an ID, a name or \"main\". KIND is one of\n"
+    "  colour #RRGGBB\n"
+    "  image FILE [--layout LAYOUT] [--background #RRGGBB]\n"
+    "  slideshow FOLDER [--interval SECONDS] [--shuffle] [--subfolders] [--layout LAYOUT] [--background "
+    "#RRGGBB]\n"
+    "  mode JSON\n"
+    "  disabled\n"
+    "LAYOUT is center, tile, stretch, fit or fill.\n";
+
+/// A line for each display that was asked for, and for each other one that failed.
+ControlReply replyOf(const WallpaperApplyBatchResult& batch, const DisplayIDs& asked) {
+    ControlReply reply;
+    for (const WallpaperDisplayApplyResult& display : batch.displays) {
+        if (display.isFailed()) {
+            reply.errors += fmt::format("{}: {}\n", display.displayName, *display.failureMessage);
+        } else if (asked.contains(display.displayID)) {
+            reply.output += fmt::format("{}: applied\n", display.displayName);
+        }
+    }
+    for (const WallpaperRollbackFailure& failure : batch.rollbackFailures) {
+        reply.errors +=
+            fmt::format("{}: could not be taken back: {}\n", failure.displayName, failure.message);
+    }
+    if (batch.transactionFailureMessage) reply.errors += *batch.transactionFailureMessage + "\n";
+    reply.status = batch.hasFailure() ? 1 : 0;
+    return reply;
+}
+
+DisplayIDs idsOf(const std::vector<DisplayInfo>& displays) {
+    DisplayIDs ids;
+    for (const DisplayInfo& display : displays) ids.insert(display.id);
+    return ids;
+}
+
+}  // namespace
+
+Task<ControlReply> WallpaperCommand::run(ControlCall call) {
+    co_await services_.settingsModel.loaded();
+    std::vector<std::string> words(std::next(call.arguments.begin()), call.arguments.end());
+    try {
+        if (words.empty() || words.front().starts_with("--")) co_return list(words);
+        if (words.front() == "set")
+            co_return co_await set(std::move(words), std::move(call.workingDirectory));
+        if (words.front() == "next") co_return co_await showNext(std::move(words));
+        throw UsageError(fmt::format("\"wallpaper\" has no command \"{}\".", words.front()));
+    } catch (const UsageError& error) {
+        co_return ControlReply{.status = 2, .errors = std::string(error.what()) + "\n" + std::string(usage)};
+    }
+}
+
+std::vector<DisplayInfo> WallpaperCommand::matching(const std::string& name) const {
+    std::vector<DisplayInfo> displays = services_.displays.displays();
+    if (name == "all") return displays;
+    std::erase_if(displays, [&](const DisplayInfo& display) {
+        return display.id != name && lowercased(display.localizedName) != lowercased(name) &&
+               !(name == "main" && display.isMain);
+    });
+    if (displays.empty()) throw std::runtime_error(fmt::format("No display \"{}\" is connected.", name));
+    if (displays.size() > 1) {
+        throw std::runtime_error(fmt::format("Several displays are called \"{}\"; use an ID.", name));
+    }
+    return displays;
+}
+
+Task<ControlReply> WallpaperCommand::set(std::vector<std::string> words, std::string workingDirectory) {
+    if (words.size() < 2) throw UsageError("The display was not named.");
+    WallpaperMode mode = parseWallpaperMode(std::span(words).subspan(2), workingDirectory);
+    const DisplayIDs ids = idsOf(matching(words[1]));
+    if (auto* image = std::get_if<ImagePresentationSettings>(&mode.value); image && image->imageURL) {
+        image->imageBookmark = co_await services_.grantFor(*image->imageURL);
+    }
+    if (auto* slideshow = std::get_if<SlideshowPresentationSettings>(&mode.value);
+        slideshow && slideshow->folderURL) {
+        slideshow->folderBookmark = co_await services_.grantFor(*slideshow->folderURL);
+    }
+    WallpaperSettings settings = services_.settingsModel.settings().wallpaper;
+    settings.ensureEntries(std::vector<std::string>(ids.begin(), ids.end()));
+    for (const std::string& id : ids) {
+        DisplayWallpaperSettings* entry = findEntry(settings.displays, id);
+        entry->selectMode(mode.kind());
+        entry->mode = mode;
+    }
+    co_return replyOf(co_await services_.coordinator.apply(std::move(settings)), ids);
+}
+
+Task<ControlReply> WallpaperCommand::showNext(std::vector<std::string> words) {
+    if (words.size() > 2) throw UsageError(fmt::format("\"wallpaper next\" does not take \"{}\".", words[2]));
+    const DisplayIDs ids = idsOf(matching(words.size() == 2 ? words[1] : "all"));
+    co_return replyOf(co_await services_.coordinator.enqueue(ids, WallpaperApplyReason::rotation), ids);
+}
+
+ControlReply WallpaperCommand::list(const std::vector<std::string>& words) const {
+    const bool asJson = words.size() == 1 && words.front() == "--json";
+    if (!asJson && !words.empty()) throw UsageError(fmt::format("There is no option \"{}\".", words.back()));
+    std::vector<WallpaperStatus> displays;
+    for (const ConnectedDisplay& connected : services_.displays.connectedDisplays()) {
+        const auto* entry =
+            findEntry(services_.settingsModel.settings().wallpaper.displays, connected.info.id);
+        WallpaperStatus status{connected.info, entry ? entry->mode : WallpaperMode{}, {}};
+        if (const auto file = services_.desktopPicture.desktopImage(connected.screen))
+            status.shows = file->string();
+        displays.push_back(std::move(status));
+    }
+    return {.output = asJson ? statusAsJson(std::move(displays)) : statusAsText(displays)};
+}
+
+}  // namespace quillmar

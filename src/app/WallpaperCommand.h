@@ -1,0 +1,40 @@
+#pragma once
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "display/DisplayService.h"
+#include "platform/ControlChannel.h"
+#include "platform/DesktopPicture.h"
+#include "settings/AppSettingsModel.h"
+#include "wallpaper/WallpaperCoordinator.h"
+
+namespace quillmar {
+
+/// `quillmar wallpaper ...` and `quillmar status` as the running program carries them out: what each display
+/// is set to and shows, another mode for a display, the next picture. Main thread.
+class WallpaperCommand {
+public:
+    struct Services {
+        AppSettingsModel& settingsModel;
+        WallpaperCoordinator& coordinator;
+        const DisplayService& displays;
+        DesktopPicturing& desktopPicture;
+        /// The stored grant that finds a chosen file or folder again; empty when none can be made.
+        std::function<Task<std::optional<Bytes>>(Url)> grantFor;
+    };
+    explicit WallpaperCommand(Services services) : services_(std::move(services)) {}
+
+    /// `call.arguments` begins with "wallpaper" or "status".
+    Task<ControlReply> run(ControlCall call);
+
+private:
+    Task<ControlReply> set(std::vector<std::string> words, std::string workingDirectory);
+    Task<ControlReply> showNext(std::vector<std::string> words);
+    ControlReply list(const std::vector<std::string>& words) const;
+    std::vector<DisplayInfo> matching(const std::string& name) const;
+
+    Services services_;
+};
+
+}  // namespace quillmar

@@ -1,0 +1,45 @@
+#pragma once
+#include <optional>
+
+#include "async/Executor.h"
+#include "storage/CacheSweep.h"
+
+namespace quillmar {
+
+/// Keeps the cache in bounds, away from the main thread. A failure to remove something is silent: it stays
+/// for the next sweep.
+class CacheMaintenanceService {
+public:
+    struct Policy {
+        std::chrono::seconds remoteImageMaximumAge{2592000};
+        std::int64_t remoteImageMaximumBytes = 536870912;
+        std::chrono::seconds generatedWallpaperMaximumAge{1209600};
+        std::int64_t generatedWallpaperMaximumBytes = 536870912;
+        std::chrono::seconds faviconMaximumAge{5184000};
+        std::int64_t faviconMaximumBytes = 33554432;
+        std::chrono::seconds stalePlaybackWorkspaceAge{86400};
+        std::chrono::seconds staleMediaImportStagingAge{86400};
+    };
+
+    /// `executor` is a serial one of this service alone, so that no two sweeps overlap. Without a `cacheRoot`
+    /// every sweep reports nothing removed. The protection outlives the executor.
+    CacheMaintenanceService(Executor& executor, CacheFileProtection& protection,
+                            std::optional<std::filesystem::path> cacheRoot, Policy policy);
+
+    /// The full sweep, for the start, when no import is under way. `referencedFiles` are those that the
+    /// settings name; nothing when the settings could not be read, and then no imported file is touched,
+    /// since all of them would look forgotten. `protectedFiles` are in use elsewhere. Main thread.
+    Task<CacheSweepResult> sweep(std::optional<FilePaths> referencedFiles, FilePaths protectedFiles,
+                                 WallTime now) const;
+    /// The part that is safe at any time: downloaded images and generated wallpapers. Main thread.
+    Task<CacheSweepResult> periodicSweep(std::optional<FilePaths> referencedFiles, FilePaths protectedFiles,
+                                         WallTime now) const;
+
+private:
+    Executor& executor_;
+    CacheFileProtection& protection_;
+    std::optional<std::filesystem::path> cacheRoot_;
+    Policy policy_;
+};
+
+}  // namespace quillmar

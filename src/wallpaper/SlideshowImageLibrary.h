@@ -1,0 +1,45 @@
+#pragma once
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "base/Localization.h"
+#include "base/Url.h"
+
+namespace quillmar {
+
+/// Why a folder has no next picture.
+class SlideshowImageLibraryError final : public AppLocalizableError {
+public:
+    enum class Case { unreadableFolder, noImages };
+
+    SlideshowImageLibraryError(Case errorCase, Url folder) : case_(errorCase), folder_(std::move(folder)) {}
+    Case errorCase() const { return case_; }
+    std::string message(GeneralLanguage language) const override;
+
+private:
+    Case case_;
+    Url folder_;
+};
+
+/// How a slideshow goes through its folder.
+struct SlideshowSelection {
+    bool includeSubfolders = false;
+    bool shuffle = false;
+    std::optional<Url> lastImageURL;  ///< what was shown last
+};
+
+/// A number from 0 to below its argument, each as likely as the others. Any thread.
+using RandomIndex = std::function<std::size_t(std::size_t)>;
+
+/// The pictures of a folder that can be shown, in no order: regular files that are not hidden, with the name
+/// of an image. Links to folders are not followed, so that circles end. Throws `SlideshowImageLibraryError`
+/// for what is no readable folder. Reads the file system.
+std::vector<Url> slideshowImages(const Url& folder, bool includeSubfolders);
+
+/// The picture to show next: in the order in which people read file names the one after the last, or any
+/// other one when shuffled. Throws `SlideshowImageLibraryError`. Reads the file system.
+Url nextSlideshowImage(const Url& folder, const SlideshowSelection& selection,
+                       const RandomIndex& randomIndex);
+
+}  // namespace quillmar

@@ -1,0 +1,146 @@
+#include "app/WallpaperCommand.h"
+
+#include "app/WallpaperModeArguments.h"
+#include "app/WallpaperStatus.h"
+#include "fakes/FakeDesktopPicture.h"
+#include "fakes/FakeScreens.h"
+#include "fakes/FakeSettingsStore.h"
+#include "fakes/FakeWallpaperApplier.h"
+#include "fakes/VirtualLoop.h"
+
+namespace quillmar {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+using Words = std::vector<std::string>;
+
+struct WallpaperCommandTest : ::testing::Test {
+    VirtualLoop loop;
+    VirtualWallClock clock{loop};
+    NotificationCenter notifications;
+    FakeSettingsStore store;
+    CacheFileProtection cacheFiles;
+    AppSettingsModel model{loop, notifications, store, AppSettings{}, cacheFiles};
+    FakeScreens screens;
+    DisplayService displays{screens};
+    FakeDesktopPicture desktop;
+    FakeWallpaperApplier applier;
+    WallpaperSettingsTransactionService transactions{applier};
+    WallpaperApplicationGate gate;
+    WallpaperCoordinator coordinator{loop, displays, applier, &transactions, model, gate, clock};
+    WallpaperCommand command{{.settingsModel = model,
+                              .coordinator = coordinator,
+                              .displays = displays,
+                              .desktopPicture = desktop,
+                              .grantFor = [](Url) -> Task<std::optional<Bytes>> { co_return Bytes{1, 2}; }}};
+    TaskScope tasks{loop};
+
+    void SetUp() override {
+        screens.plugIn(1, {0, 0, 1920, 1080});
+        screens.plugIn(2, {1920, 0, 1280, 1024});
+        for (const std::uint32_t number : {1u, 2u}) applier.shown[FakeScreens::displayID(number)] = "before";
+    }
+    ControlReply run(Words arguments) {
+        ControlReply reply{.status = -1};
+        tasks.spawn([](WallpaperCommand* on, ControlCall call, ControlReply* to) -> Task<void> {
+            try {
+                *to = co_await on->run(std::move(call));
+            } catch (const std::exception& error) {
+                *to = {.status = 1, .errors = error.what()};
+            }
+        }(&command, {std::move(arguments), "/home/ana"}, &reply));
+        loop.settle();
+        return reply;
+    }
+    const WallpaperMode& modeOf(std::uint32_t number) const {
+        return findEntry(model.settings().wallpaper.displays, FakeScreens::displayID(number))->mode;
+    }
+};
+
+TEST_F(WallpaperCommandTest, aModeIsSetSavedAndAnsweredForTheDisplayThatWasNamed) {
+    const ControlReply reply =
+        run({"wallpaper", "set", "screen 2", "image", "../holiday.jpg", "--layout", "fill"});
+    EXPECT_EQ(reply.status, 0) << reply.errors;
+    EXPECT_EQ(reply.output, "Screen 2: applied\n");
+    const auto& image = std::get<ImagePresentationSettings>(modeOf(2).value);
+    EXPECT_EQ(image.imageURL, Url::fromFilePath("/home/holiday.jpg"));
+    EXPECT_EQ(image.imageBookmark, (Bytes{1, 2}));
+    EXPECT_EQ(image.layout, ImagePresentationLayout::fill);
+    EXPECT_EQ(store.onDisk.wallpaper, model.settings().wallpaper);
+
+    EXPECT_EQ(run({"wallpaper", "set", "all", "color", "#112233"}).output,
+              "Screen 1: applied\nScreen 2: applied\n");
+    EXPECT_TRUE(findEntry(model.settings().wallpaper.displays, FakeScreens::displayID(2))
+                    ->savedModes.contains(WallpaperModeKind::image))
+        << "what was set up before is kept";
+    EXPECT_EQ(run({"wallpaper", "set", "main", "disabled"}).status, 0);
+    EXPECT_EQ(modeOf(1).kind(), WallpaperModeKind::disabled);
+}
+
+TEST_F(WallpaperCommandTest, aDisplayThatFailsIsNamedAndTheStatusSaysSo) {
+    applier.settingFails(FakeScreens::displayID(2), "#112233");
+    const ControlReply reply = run({"wallpaper", "set", "all", "colour", "#112233"});
+    EXPECT_EQ(reply.status, 1);
+    EXPECT_EQ(reply.output, "Screen 1: applied\n");
+    EXPECT_EQ(reply.errors, "Screen 2: cannot set\n");
+    EXPECT_EQ(applier.shown[FakeScreens::displayID(2)], "before");
+}
+
+TEST_F(WallpaperCommandTest, aWrongDisplayIsASentenceAndChangesNothing) {
+    EXPECT_EQ(run({"wallpaper", "set", "Beamer", "colour", "#112233"}).errors,
+              "No display \"Beamer\" is connected.");
+    screens.add({.number = 3, .uuid = Uuid::random(), .localizedName = "Screen 1"});
+    EXPECT_EQ(run({"wallpaper", "next", "Screen 1"}).errors,
+              "Several displays are called \"Screen 1\"; use an ID.");
+    EXPECT_TRUE(store.saves.empty());
+}
+
+TEST_F(WallpaperCommandTest, theListHoldsWhatEachDisplayIsSetToAndShowsButNoKeys) {
+    run({"wallpaper", "set", "main", "colour", "#112233"});
+    model.update([](AppSettings& settings) {
+        DisplayWallpaperSettings entry{.displayID = FakeScreens::displayID(2)};
+        entry.mode.value = UnsplashSettings{.accessKey = "tell-nobody"};
+        settings.wallpaper.displays.push_back(entry);
+    });
+    desktop.shown[1] = "/cache/a.png";
+    EXPECT_EQ(run({"wallpaper"}).output, "* Screen 1 (" + FakeScreens::displayID(1) +
+                                             "): solidColor #112233\n    shows /cache/a.png\n  Screen 2 (" +
+                                             FakeScreens::displayID(2) + "): unsplash\n");
+    const std::string json = run({"wallpaper", "--json"}).output;
+    EXPECT_THAT(json, HasSubstr("\"accessKey\": \"[redacted]\""));
+    EXPECT_THAT(json, Not(HasSubstr("tell-nobody")));
+}
+
+TEST(WallpaperModeArgumentsTest, whatIsNotUnderstoodIsSaid) {
+    const auto complaint = [](Words words) -> std::string {
+        try {
+            parseWallpaperMode(words, "/");
+            return "understood";
+        } catch (const UsageError& error) {
+            return error.what();
+        }
+    };
+    const std::vector<std::pair<Words, std::string>> rows = {
+        {{}, "What the display should show was not said."},
+        {{"picture"}, "There is no kind of wallpaper \"picture\"."},
+        {{"colour"}, "\"colour\" needs a colour such as #1F6F8B."},
+        {{"colour", "red", "green"}, "\"colour\" does not take \"green\"."},
+        {{"image"}, "\"image\" needs a file."},
+        {{"image", "a", "--layout"}, "\"image\" needs a layout behind --layout."},
+        {{"image", "a", "--layout", "zoom"},
+         "There is no layout \"zoom\": choose center, tile, stretch, fit or fill."},
+        {{"slideshow", "a", "--interval", "1h"}, "\"1h\" is not a number of seconds."},
+        {{"slideshow", "a", "--random"}, "\"slideshow\" does not take \"--random\"."},
+        {{"mode", "{\"solidColor\":{\"_0\":{}}}"},
+         "The mode cannot be read: solidColor._0.hexColor: missing key"},
+        {{"disabled", "now"}, "\"disabled\" does not take \"now\"."},
+        {{"mode", "{\"disabled\":{}}"}, "understood"},
+        {{"slideshow", "a", "--interval", "60", "--shuffle", "--subfolders", "--background", "#000000"},
+         "understood"},
+    };
+    for (const auto& [words, text] : rows) EXPECT_EQ(complaint(words), text);
+}
+
+}  // namespace
+}  // namespace quillmar
