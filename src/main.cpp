@@ -15,6 +15,8 @@
 #include "diagnostics/OperatingSystemVersion.h"
 #include "linux/dbus/DBusControl.h"
 #include "linux/dbus/DBusRunningInstances.h"
+#include "linux/dbus/DBusSessionEnd.h"
+#include "linux/desktop/LinuxDesktopPicture.h"
 #include "linux/glib/GlibMainLoop.h"
 #include "linux/glib/JournalSystemLog.h"
 #include "linux/glib/PreferredLanguages.h"
@@ -24,7 +26,6 @@
 #include "linux/gtk/GtkSession.h"
 #include "linux/picture/LinuxPictureRendering.h"
 #include "linux/soup/SoupHTTPSession.h"
-#include "linux/x11/X11DesktopPicture.h"
 #include "ui/GtkAlerts.h"
 
 namespace quillmar {
@@ -69,6 +70,20 @@ std::size_t randomIndex(std::size_t count) {
     return std::uniform_int_distribution<std::size_t>(0, count - 1)(engine);
 }
 
+/// The process's signals and the session's end are the same wish.
+class AllSystemEvents final : public SystemEventsObserving {
+public:
+    explicit AllSystemEvents(MainLoop& loop) : sessionEnd_(loop) {}
+    void setQuitHandler(std::function<void(SystemQuitReason)> handler) override {
+        signals_.setQuitHandler(handler);
+        sessionEnd_.setQuitHandler(std::move(handler));
+    }
+
+private:
+    UnixSignals signals_;
+    DBusSessionEnd sessionEnd_;
+};
+
 class LoopControl final : public ApplicationControl {
 public:
     explicit LoopControl(GlibMainLoop& loop) : loop_(loop) {}
@@ -112,7 +127,7 @@ private:
                 .randomIndex = randomIndex,
                 .preferredLanguages = preferredLanguages(),
                 .process = process_,
-                .systemEvents = signals_,
+                .systemEvents = systemEvents_,
                 .runningInstances = instances_,
                 .control = controlChannel_,
                 .usageReporting = usageReporting_,
@@ -150,12 +165,14 @@ private:
     LogInstallation logInstallation_{log_};
     LoopControl process_{loop_};
     DBusControl controlChannel_{loop_};
-    UnixSignals signals_;
+    AllSystemEvents systemEvents_{loop_};
     DBusRunningInstances instances_;
     NoUsageReporting usageReporting_;
     GtkAlerts alerts_;
     GtkScreens screens_;
-    X11DesktopPicture desktopPicture_{supportFolder_ / "Cache/GeneratedWallpapers"};
+    LinuxDesktopPicture desktopPicture_{
+        environment_,
+        {.captures = supportFolder_ / "Cache/GeneratedWallpapers", .composed = supportFolder_ / "Desktop"}};
 };
 
 int listDisplays(bool asJson) {

@@ -127,20 +127,8 @@ private:
     TaskContext context_;
 };
 
-/// `co_await isCancelled()`: whether the running task was cancelled.
-class isCancelled {
-public:
-    bool await_ready() const noexcept { return false; }
-    template <class Promise>
-    bool await_suspend(std::coroutine_handle<Promise> frame) {
-        cancelled_ = frame.promise().context.stop.stop_requested();
-        return false;
-    }
-    bool await_resume() const { return cancelled_; }
-
-private:
-    bool cancelled_ = false;
-};
+/// Whether the running task was cancelled.
+inline Task<bool> isCancelled() { co_return (co_await currentContext()).stop.stop_requested(); }
 
 /// Runs `task` to its end even when the awaiting task is cancelled: for steps that must not be left half
 /// done.

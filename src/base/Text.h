@@ -18,7 +18,8 @@ std::string repairedUtf8(std::string_view text);
 bool isAlphanumeric(std::string_view text);
 /// Each Unicode scalar that is no letter, mark or number becomes `replacement`.
 std::string replacingNonAlphanumerics(std::string_view text, char replacement);
-/// Order of file names as a person reads them: by language, digits by their value. Negative, zero or positive.
+/// Order of file names as a person reads them: by language, digits by their value. Negative, zero or
+/// positive.
 int localizedStandardCompare(std::string_view left, std::string_view right);
 /// Number as its shortest decimal text that reads back the same, always with a fraction: "3.0", "0.25".
 std::string shortestDecimal(double value);

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "async/WallClock.h"
+#include "base/Enum.h"
 #include "diagnostics/DiagnosticLog.h"
 
 namespace quillmar {
