@@ -1,5 +1,9 @@
 # One folder, one library: its sources are found, its dependencies are named.
 include_guard()
+# Where programs find their modules: beside themselves (tests and benchmarks stand a folder below) and, once
+# installed, in the library folder.
+set(CMAKE_BUILD_RPATH "$ORIGIN;$ORIGIN/..")
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib/quillmar")
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 find_package(fmt REQUIRED)

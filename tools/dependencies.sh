@@ -7,16 +7,17 @@ packages=(
     clang-19 lld-19 libclang-rt-19-dev cmake ninja-build ccache pkg-config git python3
     libfmt-dev nlohmann-json3-dev libglib2.0-dev libgtk-3-dev libsoup-3.0-dev
     libx11-dev libx11-xcb-dev libxcb1-dev libxext-dev libxfixes-dev libxi-dev libxrandr-dev libxss-dev
-    libpng-dev libisal-dev zlib1g-dev
+    libpng-dev libisal-dev zlib1g-dev libjpeg62-turbo-dev liblcms2-dev libpango1.0-dev libvips-dev
     # tests
     libgtest-dev libgmock-dev llvm-19
     # test desktop
     xserver-xorg-core xserver-xorg-video-dummy openbox x11-xserver-utils x11-utils xdotool imagemagick dbus-daemon
     dbus-bin fonts-dejavu-core
+    xfdesktop4 xfconf gsettings-desktop-schemas cinnamon-desktop-data mate-desktop-common duktape-dev
     # lint
     clang-format-19 shellcheck
     # benchmarks
-    feh hsetroot
+    feh hsetroot libvips-tools
 )
 
 # Prints the packages that are not installed, one a line.

@@ -151,10 +151,12 @@ place_monitors() {
     xrandr -q >/dev/null
 }
 
-# The bus is started here and not by dbus-run-session, so that every process has an id that we know.
+# The bus is started here and not by dbus-run-session, so that every process has an id that we know. The services that
+# it starts keep their settings in folders of its own.
 start_bus() {
     mkfifo "$home/bus"
-    "${companion[@]}" dbus-daemon --session --nofork --nopidfile --print-address=3 3>"$home/bus" </dev/null \
+    XDG_CONFIG_HOME=$home/config XDG_CACHE_HOME=$home/cache \
+        "${companion[@]}" dbus-daemon --session --nofork --nopidfile --print-address=3 3>"$home/bus" </dev/null \
         >"$home/bus.out" 2>&1 &
     bus=$!
     local address=""

@@ -13,8 +13,7 @@ BundleInfo BundleInfo::load(const std::filesystem::path& file) {
     const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
     if (!stream) throw std::runtime_error(file.string() + ": the file could not be read");
     try {
-        std::map<std::string, std::string> keys;
-        json::read(json::parse(text), keys, json::Place());
+        const auto keys = json::decode<std::map<std::string, std::string>>(text);
         return BundleInfo({keys.begin(), keys.end()});
     } catch (const JsonRecordError& error) {
         throw std::runtime_error(file.string() + ": " + error.what());

@@ -2,11 +2,10 @@
 // Records on JSON. A record says its keys once, in
 //     static void describe(auto& self, auto& io) { io.required("key", self.field).optional("other",
 //     self.other); }
-// and this file reads and writes it. Include it only in the .cpp files that read or write documents: it pulls
-// the whole JSON library in.
+// and this file reads and writes it. Include it only in the .cpp files that read or write documents: reading
+// and writing are templates.
 #include <concepts>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
 #include <span>
@@ -19,13 +18,13 @@
 #include "base/Bytes.h"
 #include "base/Enum.h"
 #include "base/JsonError.h"
+#include "base/JsonOutput.h"
+#include "base/JsonValue.h"
 #include "base/Url.h"
 #include "base/Uuid.h"
 #include "base/WallTime.h"
 
 namespace quillmar::json {
-
-using Value = nlohmann::json;
 
 /// A place in a document, chained on the stack; only a failure turns it into text.
 class Place {
@@ -59,13 +58,6 @@ concept TaggedUnion = requires(T& union_) {
     T::caseNames();
 };
 
-/// Parses a text of at most 64 MiB and 256 levels. Throws `JsonRecordError` for what is not JSON in UTF-8.
-Value parse(std::string_view text);
-/// Keys sorted, two blanks a level, one line feed at the end.
-std::string prettyText(const Value& value);
-/// Keys sorted, on one line, without a line feed.
-std::string compactText(const Value& value);
-
 void read(const Value& json, bool& value, const Place& place);
 void read(const Value& json, int& value, const Place& place);
 void read(const Value& json, std::int64_t& value, const Place& place);
@@ -78,31 +70,32 @@ void read(const Value& json, Url& value, const Place& place);
 void read(const Value& json, Bytes& value, const Place& place);
 void read(const Value& json, WallTime& value, const Place& place);
 
-Value write(bool value, const Place&);
-Value write(int value, const Place&);
-Value write(std::int64_t value, const Place&);
-Value write(std::uint32_t value, const Place&);
-Value write(std::uint64_t value, const Place&);
+void write(Output& output, bool value, const Place&);
+void write(Output& output, int value, const Place&);
+void write(Output& output, std::int64_t value, const Place&);
+void write(Output& output, std::uint32_t value, const Place&);
+void write(Output& output, std::uint64_t value, const Place&);
 /// Fails for what is not finite: JSON has no such number.
-Value write(double value, const Place& place);
+void write(Output& output, double value, const Place& place);
 /// Fails for what is not UTF-8.
-Value write(const std::string& value, const Place& place);
-Value write(const Uuid& value, const Place&);
-Value write(const Url& value, const Place&);
-Value write(const Bytes& value, const Place&);
-Value write(const WallTime& value, const Place&);
+void write(Output& output, std::string_view value, const Place& place);
+void write(Output& output, const std::string& value, const Place& place);
+void write(Output& output, const Uuid& value, const Place&);
+void write(Output& output, const Url& value, const Place&);
+void write(Output& output, const Bytes& value, const Place&);
+void write(Output& output, const WallTime& value, const Place&);
 
 namespace detail {
-const Value& expectObject(const Value& json, const Place& place);
-const Value& expectArray(const Value& json, const Place& place);
+std::span<const Member> members(const Value& json, const Place& place);
+std::span<const Value> elements(const Value& json, const Place& place);
 /// Index of the name within `names`; fails with the list of the names.
 std::size_t indexOfName(const Value& json, std::span<const std::string_view> names, const Place& place);
 /// The one known key of a tagged union and its position within `names`.
 std::pair<std::size_t, const Value*> onlyCase(const Value& json, std::span<const std::string_view> names,
                                               const Place& place);
 const Value& payload(const Value& json, const Place& place);
-/// The key's value; null and absent are the same to a caller that allows absence.
-const Value* find(const Value& object, std::string_view key);
+/// The key's value, nothing when it is absent.
+const Value* find(std::span<const Member> object, std::string_view key);
 }  // namespace detail
 
 template <NamedEnum E>
@@ -121,19 +114,21 @@ template <Record T>
 void read(const Value& json, T& value, const Place& place);
 
 template <NamedEnum E>
-Value write(E value, const Place&);
+void write(Output& output, E value, const Place&);
 template <class T>
-Value write(const std::vector<T>& value, const Place& place);
+void write(Output& output, const std::vector<T>& value, const Place& place);
 template <NamedEnum E>
-Value write(const std::set<E>& value, const Place& place);
+void write(Output& output, const std::set<E>& value, const Place& place);
 template <NamedEnum K, class V>
-Value write(const std::map<K, V>& value, const Place& place);
+void write(Output& output, const std::map<K, V>& value, const Place& place);
 template <class V>
-Value write(const std::map<std::string, V>& value, const Place& place);
+void write(Output& output, const std::map<std::string, V>& value, const Place& place);
+template <class T>
+void write(Output& output, const std::optional<T>& value, const Place& place);
 template <TaggedUnion T>
-Value write(const T& value, const Place& place);
+void write(Output& output, const T& value, const Place& place);
 template <Record T>
-Value write(const T& value, const Place& place);
+void write(Output& output, const T& value, const Place& place);
 
 /// A value of a type that may have no default constructor, to be filled by `read`.
 template <class T>
@@ -149,7 +144,7 @@ T blank() {
 class Reader {
 public:
     Reader(const Value& object, const Place& place)
-        : object_(detail::expectObject(object, place)), place_(place) {}
+        : object_(detail::members(object, place)), place_(place) {}
 
     template <class T>
     Reader& required(std::string_view key, T& value) {
@@ -163,7 +158,7 @@ public:
     Reader& optional(std::string_view key, std::optional<T>& value) {
         value.reset();
         const Value* found = detail::find(object_, key);
-        if (found && !found->is_null()) {
+        if (found && !found->isNull()) {
             T present = blank<T>();
             read(*found, present, place_[key]);
             value = std::move(present);
@@ -172,29 +167,36 @@ public:
     }
 
 private:
-    const Value& object_;
+    std::span<const Member> object_;
     const Place& place_;
 };
 
-/// Writes the keys that a record's `describe` names; an absent optional leaves no key behind.
+/// Collects the keys that a record's `describe` names, to be written in their order; an absent optional
+/// leaves no key behind. The fields outlive the writer.
 class Writer {
 public:
-    explicit Writer(const Place& place) : place_(place) {}
+    explicit Writer(Output& output) : output_(output), first_(output.pendingFields().size()) {}
 
     template <class T>
     Writer& required(std::string_view key, const T& value) {
-        object_.emplace(key, write(value, place_[key]));
+        output_.pendingFields().push_back(
+            {key, &value, [](Output& output, const void* field, const Place& place) {
+                 write(output, *static_cast<const T*>(field), place);
+             }});
         return *this;
     }
+    template <class T>
+    Writer& required(std::string_view key, const T&& value) = delete;
     template <class T>
     Writer& optional(std::string_view key, const std::optional<T>& value) {
         return value ? required(key, *value) : *this;
     }
-    Value take() { return std::move(object_); }
+    /// Writes what was collected as one object.
+    void finish(const Place& place);
 
 private:
-    const Place& place_;
-    Value object_ = Value::object();
+    Output& output_;
+    std::size_t first_;
 };
 
 template <NamedEnum E>
@@ -205,12 +207,12 @@ void read(const Value& json, E& value, const Place& place) {
 
 template <class T>
 void read(const Value& json, std::vector<T>& value, const Place& place) {
-    detail::expectArray(json, place);
+    const std::span<const Value> elements = detail::elements(json, place);
     value.clear();
-    value.reserve(json.size());
-    for (std::size_t i = 0; i < json.size(); ++i) {
+    value.reserve(elements.size());
+    for (std::size_t i = 0; i < elements.size(); ++i) {
         T element = blank<T>();
-        read(json[i], element, place[i]);
+        read(elements[i], element, place[i]);
         value.push_back(std::move(element));
     }
 }
@@ -225,26 +227,25 @@ void read(const Value& json, std::set<E>& value, const Place& place) {
 /// A map whose key is an enumeration is a flat array that alternates key and value.
 template <NamedEnum K, class V>
 void read(const Value& json, std::map<K, V>& value, const Place& place) {
-    detail::expectArray(json, place);
-    if (json.size() % 2 != 0) place.fail("expected pairs of key and value, found an odd number of elements");
+    const std::span<const Value> parts = detail::elements(json, place);
+    if (parts.size() % 2 != 0) place.fail("expected pairs of key and value, found an odd number of elements");
     value.clear();
-    for (std::size_t i = 0; i < json.size(); i += 2) {
+    for (std::size_t i = 0; i < parts.size(); i += 2) {
         K key{};
-        read(json[i], key, place[i]);
+        read(parts[i], key, place[i]);
         V element = blank<V>();
-        read(json[i + 1], element, place[i + 1]);
+        read(parts[i + 1], element, place[i + 1]);
         value.insert_or_assign(key, std::move(element));
     }
 }
 
 template <class V>
 void read(const Value& json, std::map<std::string, V>& value, const Place& place) {
-    detail::expectObject(json, place);
     value.clear();
-    for (const auto& item : json.items()) {
+    for (const Member& member : detail::members(json, place)) {
         V element = blank<V>();
-        read(item.value(), element, place[item.key()]);
-        value.insert_or_assign(item.key(), std::move(element));
+        read(member.value, element, place[member.key]);
+        value.insert_or_assign(std::string(member.key), std::move(element));
     }
 }
 
@@ -262,7 +263,7 @@ void read(const Value& json, T& value, const Place& place) {
             const Place payloadPlace = casePlace["_0"];
             read(detail::payload(*content, casePlace), payload, payloadPlace);
         } else {
-            detail::expectObject(*content, casePlace);
+            detail::members(*content, casePlace);
         }
         value.value = Cases(std::in_place_index<I>, std::move(payload));
     };
@@ -278,78 +279,108 @@ void read(const Value& json, T& value, const Place& place) {
 }
 
 template <NamedEnum E>
-Value write(E value, const Place&) {
-    return Value(std::string(enumName(value)));
+void write(Output& output, E value, const Place& place) {
+    write(output, enumName(value), place);
 }
 
 template <class T>
-Value write(const std::vector<T>& value, const Place& place) {
-    Value array = Value::array();
-    for (std::size_t i = 0; i < value.size(); ++i) array.push_back(write(value[i], place[i]));
-    return array;
+void write(Output& output, const std::vector<T>& value, const Place& place) {
+    output.beginArray();
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        output.element();
+        write(output, value[i], place[i]);
+    }
+    output.endArray();
 }
 
 template <NamedEnum E>
-Value write(const std::set<E>& value, const Place& place) {
-    return write(std::vector<E>(value.begin(), value.end()), place);
+void write(Output& output, const std::set<E>& value, const Place& place) {
+    write(output, std::vector<E>(value.begin(), value.end()), place);
 }
 
 template <NamedEnum K, class V>
-Value write(const std::map<K, V>& value, const Place& place) {
-    Value array = Value::array();
+void write(Output& output, const std::map<K, V>& value, const Place& place) {
+    output.beginArray();
+    std::size_t index = 0;
     for (const auto& [key, element] : value) {
-        array.push_back(write(key, place));
-        array.push_back(write(element, place[array.size()]));
+        output.element();
+        write(output, key, place[index++]);
+        output.element();
+        write(output, element, place[index++]);
     }
-    return array;
+    output.endArray();
 }
 
 template <class V>
-Value write(const std::map<std::string, V>& value, const Place& place) {
-    Value object = Value::object();
+void write(Output& output, const std::map<std::string, V>& value, const Place& place) {
+    output.beginObject();
     for (const auto& [key, element] : value) {
-        object.emplace(write(key, place).template get<std::string>(), write(element, place[key]));
+        if (!output.anyKey(key)) place.fail("the text is not UTF-8");
+        write(output, element, place[key]);
     }
-    return object;
+    output.endObject();
+}
+
+/// An optional that its record requires: the key is there in any case, an absent value is a null.
+template <class T>
+void write(Output& output, const std::optional<T>& value, const Place& place) {
+    if (value) {
+        write(output, *value, place);
+    } else {
+        output.null();
+    }
 }
 
 template <TaggedUnion T>
-Value write(const T& value, const Place& place) {
-    const std::string name(T::caseNames()[value.value.index()]);
+void write(Output& output, const T& value, const Place& place) {
+    static constexpr auto names = T::caseNames();
+    const std::string_view name = names[value.value.index()];
     const Place casePlace = place[name];
-    const Place payloadPlace = casePlace["_0"];
-    Value content = Value::object();
+    output.beginObject();
+    output.key(name);
+    output.beginObject();
     std::visit(
         [&]<class Payload>(const Payload& payload) {
             if constexpr (!std::is_same_v<Payload, std::monostate>) {
-                content.emplace("_0", write(payload, payloadPlace));
+                output.key("_0");
+                write(output, payload, casePlace["_0"]);
             }
         },
         value.value);
-    Value object = Value::object();
-    object.emplace(name, std::move(content));
-    return object;
+    output.endObject();
+    output.endObject();
 }
 
 template <Record T>
-Value write(const T& value, const Place& place) {
-    Writer writer(place);
+void write(Output& output, const T& value, const Place& place) {
+    Writer writer(output);
     T::describe(value, writer);
-    return writer.take();
+    writer.finish(place);
 }
 
 /// Reads a record from a document's text. Throws `JsonRecordError`.
 template <class T>
 T decode(std::string_view text) {
     T value = blank<T>();
-    read(parse(text), value, Place());
+    read(parse(text).root(), value, Place());
     return value;
 }
 
-/// The record as a document's text: sorted, pretty. Throws `JsonRecordError` for what JSON cannot hold.
+/// The record as a document's text: keys sorted, pretty, one line feed at the end. Throws `JsonRecordError`
+/// for what JSON cannot hold.
 template <class T>
-std::string encode(const T& value) {
-    return prettyText(write(value, Place()));
+std::string encode(const T& value, std::size_t expectedBytes = 0) {
+    Output output(Layout::pretty, expectedBytes);
+    write(output, value, Place());
+    return output.take() + "\n";
+}
+
+/// As `encode`, on one line, without a line feed.
+template <class T>
+std::string encodeCompact(const T& value) {
+    Output output(Layout::compact);
+    write(output, value, Place());
+    return output.take();
 }
 
 }  // namespace quillmar::json

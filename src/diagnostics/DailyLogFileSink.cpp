@@ -62,7 +62,7 @@ void DailyLogFileSink::prepare() {
 void DailyLogFileSink::append(const DiagnosticEntry& entry) {
     const CalendarDay day = localDay(entry.timestamp);
     if (currentDay_ != day || currentFile_ < 0) openFile(day);
-    writeLine(json::compactText(json::write(entry, json::Place())) + "\n");
+    writeLine(json::encodeCompact(entry) + "\n");
 }
 
 void DailyLogFileSink::writeLine(std::string_view line) const {

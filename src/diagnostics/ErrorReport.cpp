@@ -18,6 +18,24 @@ std::string_view serverLevel(DiagnosticLevel level) {
     return "Error";
 }
 
+/// One event of the server's format.
+struct Event {
+    const DiagnosticEntry& entry;
+    const LogMetadata& properties;
+    std::string timestamp = iso8601WithFraction(entry.timestamp);
+    std::string_view level = serverLevel(entry.level);
+
+    static void describe(auto& self, auto& io) {
+        io.required("Timestamp", self.timestamp)
+            .required("Level", self.level)
+            .required("MessageTemplate", self.entry.message)
+            .required("RenderedMessage", self.entry.message)
+            // The server wants the key in any case.
+            .required("Exception", self.entry.errorDescription)
+            .required("Properties", self.properties);
+    }
+};
+
 std::string_view lastCharacters(std::string_view text, std::size_t count) {
     std::size_t at = text.size();
     while (at > 0 && count > 0) {
@@ -39,17 +57,7 @@ std::string errorReportPayload(const DiagnosticEntry& entry, const std::optional
     properties["Category"] = entry.category;
     if (tail) properties["LogTail"] = scrubber.text(lastCharacters(*tail, maximumTailCharacters));
 
-    const json::Place place;
-    json::Value event = json::Value::object();
-    event["Timestamp"] = iso8601WithFraction(entry.timestamp);
-    event["Level"] = serverLevel(entry.level);
-    event["MessageTemplate"] = json::write(entry.message, place);
-    event["RenderedMessage"] = json::write(entry.message, place);
-    // The server wants the key in any case, so the absent text is a null.
-    event["Exception"] =
-        entry.errorDescription ? json::write(*entry.errorDescription, place) : json::Value(nullptr);
-    event["Properties"] = json::write(properties, place);
-    return json::compactText(json::Value::array({std::move(event)}));
+    return json::encodeCompact(std::vector{Event{entry, properties}});
 }
 
 std::string errorReportFingerprint(const DiagnosticEntry& entry) {

@@ -75,7 +75,7 @@ Bytes makeStoredFileGrant(const fs::path& file) {
     const auto identity = identityOf(place);
     if (!identity) throw std::system_error(errno, std::generic_category(), place.string());
     const StoredFileGrant grant{Url::fromFilePath(place), *identity};
-    const std::string text = json::compactText(json::write(grant, json::Place()));
+    const std::string text = json::encodeCompact(grant);
     return Bytes(text.begin(), text.end());
 }
 

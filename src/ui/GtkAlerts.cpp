@@ -66,7 +66,7 @@ public:
         GtkWidget* icon = gtk_image_new_from_icon_name(iconName(alert.style), GTK_ICON_SIZE_DIALOG);
         gtk_widget_set_valign(icon, GTK_ALIGN_START);
         GtkWidget* content = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, spacing);
-        gtk_container_set_border_width(GTK_CONTAINER(content), spacing);
+        gtk_widget_set_margin_bottom(content, spacing);
         gtk_box_pack_start(GTK_BOX(content), icon, FALSE, FALSE, 0);
         gtk_box_pack_start(GTK_BOX(content), texts, TRUE, TRUE, 0);
         gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(dialog())), content, TRUE, TRUE, 0);
@@ -76,6 +76,7 @@ public:
             gtk_widget_set_can_default(button, TRUE);
             gtk_dialog_add_action_widget(dialog(), button, static_cast<int>(i));
         }
+        gtk_container_set_border_width(GTK_CONTAINER(dialog_.get()), spacing);
         gtk_window_set_title(window(), alert.title.c_str());
         gtk_widget_add_events(dialog_.get(),
                               GDK_PROPERTY_CHANGE_MASK);  // for the question after the server's time

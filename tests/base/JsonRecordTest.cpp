@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <nlohmann/json.hpp>
 
 using namespace testing;
 
@@ -96,13 +97,25 @@ TEST(JsonRecordTest, everythingSurvivesARoundTrip) {
 
 TEST(JsonRecordTest, shapesAreWrittenAsOtherBuildsReadThem) {
     EXPECT_EQ(json::encode(Picture{}), "{\n  \"tone\": \"dark\"\n}\n");
-    const auto compact = [](const auto& value) {
-        return json::compactText(json::write(value, json::Place()));
-    };
+    const auto compact = [](const auto& value) { return json::encodeCompact(value); };
     EXPECT_EQ(compact(Choice{}), R"({"disabled":{}})");
     EXPECT_EQ(compact(Choice{"x"}), R"({"caption":{"_0":"x"}})");
     EXPECT_EQ(compact(std::map<Tone, Picture>{{Tone::light, {}}}), R"(["light",{"tone":"dark"}])");
     EXPECT_EQ(compact(std::map<Tone, Picture>{}), "[]");
+}
+
+TEST(JsonRecordTest, numbersAndTextsAreSpelledAsOtherWritersSpellThem) {
+    const std::vector<double> numbers = {0.0,  -0.0, 1.0,   -2.0,     0.1,  1e9,    1e9 + 1, -123456.75,
+                                         1e15, 1e16, 1e300, 4.9e-324, 1e-5, 0.0001, 1.0 / 3, 2147483648.0};
+    for (const double number : numbers) EXPECT_EQ(json::encodeCompact(number), nlohmann::json(number).dump());
+    std::string everyByte;
+    for (char c = 0; c < 0x7f; ++c) everyByte += c;
+    for (const std::string& text : {everyByte, std::string("\x7f é \U0001f5bc"), std::string()}) {
+        EXPECT_EQ(json::encodeCompact(text), nlohmann::json(text).dump());
+        EXPECT_EQ(json::decode<std::string>(json::encode(text)), text);
+        EXPECT_EQ(json::encodeCompact(std::map<std::string, int>{{text, 1}}),
+                  nlohmann::json({{text, 1}}).dump());
+    }
 }
 
 TEST(JsonRecordTest, aFailureNamesItsPlaceAndReason) {
@@ -157,6 +170,9 @@ TEST(JsonRecordTest, whatOtherWritersMaySpellDifferentlyIsRead) {
         EXPECT_EQ(failure<Everything>(documentWith(key, value)), "read") << key;
     }
     EXPECT_EQ(failure<Picture>("\xef\xbb\xbf{\"tone\":\"dark\"}"), "read");
+    // Unsorted keys, and one given twice: the last counts.
+    EXPECT_EQ((json::decode<std::map<std::string, int>>(R"({"b":"x","c":3,"a":1,"b":2})")),
+              (std::map<std::string, int>{{"a", 1}, {"b", 2}, {"c", 3}}));
 }
 
 TEST(JsonRecordTest, longValuesAreCutInMessages) {

@@ -71,14 +71,16 @@ TEST_F(X11DesktopPictureTest, aPictureOfAnotherSizeLiesTopLeftAndIsClipped) {
 TEST_F(X11DesktopPictureTest, thePictureOfAnotherProgramIsCapturedAndComesBackToThePixel) {
     paintsAnotherProgram("-add '#ff0000' -add '#00ff80' -add '#3010f0' -gradient 35");
     const auto before = desktop_.pixels(0, 0, 3200, 1080);
-    const auto left = picture_.desktopImage(left_);
-    const auto right = picture_.desktopImage(right_);
+    EXPECT_EQ(picture_.desktopImage(left_), std::nullopt);
+    EXPECT_FALSE(std::filesystem::exists(desktop_.folder() / "captures"));
+    const auto left = picture_.captureDesktopImage(left_);
+    const auto right = picture_.captureDesktopImage(right_);
     ASSERT_TRUE(left && right);
     EXPECT_THAT(left->filename().string(), testing::MatchesRegex("captured-DUMMY0-[0-9a-f]+\\.png"));
     struct stat info{};
     ASSERT_EQ(stat(left->c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0600u);
-    EXPECT_EQ(picture_.desktopImage(left_), left);
+    EXPECT_EQ(picture_.captureDesktopImage(left_), left);
 
     paints(left_, red, 1920, 1080);
     paints(right_, blue, 1280, 1024);
@@ -92,30 +94,36 @@ TEST_F(X11DesktopPictureTest, aFileIsNotTakenForThePictureThatAnotherProgramHasS
     // Often: the server gives the same ids out again.
     for (int i = 0; i < 6; ++i) {
         paintsAnotherProgram();
-        EXPECT_NE(picture_.desktopImage(left_), file) << i;
+        EXPECT_EQ(picture_.desktopImage(left_), std::nullopt) << i;
     }
     paints(right_, blue, 1280, 1024);
-    EXPECT_NE(picture_.desktopImage(left_), file);
+    EXPECT_EQ(picture_.desktopImage(left_), std::nullopt);
     EXPECT_EQ(desktop_.pixel(5, 5), foreign);
 }
 
 TEST_F(X11DesktopPictureTest, aFileThatIsGoneIsReplacedByACapture) {
     const auto file = paints(left_, red, 1920, 1080);
     std::filesystem::remove(file);
-    const auto captured = picture_.desktopImage(left_);
+    EXPECT_EQ(picture_.desktopImage(left_), std::nullopt);
+    const auto captured = picture_.captureDesktopImage(left_);
     ASSERT_TRUE(captured);
     paints(left_, blue, 1920, 1080);
     picture_.setDesktopImage(*captured, left_, {});
     EXPECT_THAT(desktop_.pixels(0, 0, 1920, 1080), Each(red));
 }
 
-TEST_F(X11DesktopPictureTest, withoutARootPixmapThereIsNoPicture) {
-    ASSERT_EQ(runProgram("xprop -root -remove _XROOTPMAP_ID"), 0);
-    EXPECT_EQ(picture_.desktopImage(left_), std::nullopt);
-    ASSERT_EQ(runProgram("xprop -root -f _XROOTPMAP_ID 32x -set _XROOTPMAP_ID 0x7654321"), 0);
-    EXPECT_EQ(picture_.desktopImage(left_), std::nullopt);
-    paints(left_, red, 1920, 1080);
-    EXPECT_EQ(desktop_.pixel(0, 0), red);
+TEST_F(X11DesktopPictureTest, aDesktopThatNobodyHasPaintedIsTakenBackToBlack) {
+    for (const std::string property :
+         {"-remove _XROOTPMAP_ID", "-f _XROOTPMAP_ID 32x -set _XROOTPMAP_ID 0x7654321"}) {
+        ASSERT_EQ(runProgram("xprop -root " + property), 0);
+        EXPECT_EQ(picture_.desktopImage(left_), std::nullopt);
+        const auto before = picture_.captureDesktopImage(left_);
+        ASSERT_TRUE(before) << property;
+        paints(left_, red, 1920, 1080);
+        EXPECT_EQ(desktop_.pixel(0, 0), red);
+        picture_.setDesktopImage(*before, left_, {});
+        EXPECT_THAT(desktop_.pixels(0, 0, 1920, 1080), Each(black));
+    }
 }
 
 TEST_F(X11DesktopPictureTest, aBadFileOrAnAbsentMonitorLeavesTheDesktopAsItWas) {
@@ -129,7 +137,7 @@ TEST_F(X11DesktopPictureTest, aBadFileOrAnAbsentMonitorLeavesTheDesktopAsItWas) 
     EXPECT_EQ(failureOfSetting(good, Screen{}), "The display is no longer connected.");
     desktop_.arrange("--output DUMMY1 --off");
     EXPECT_EQ(failureOfSetting(good, right_), "The display is no longer connected.");
-    EXPECT_EQ(picture_.desktopImage(right_), std::nullopt);
+    EXPECT_EQ(picture_.captureDesktopImage(right_), std::nullopt);
     EXPECT_THAT(desktop_.pixels(0, 0, 1920, 1080), Each(red));
 }
 

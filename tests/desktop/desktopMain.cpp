@@ -8,6 +8,7 @@
 
 #include "async/TaskScope.h"
 #include "desktop/Desktop.h"
+#include "desktop/FakePlasmaShell.h"
 #include "linux/dbus/DBusRunningInstances.h"
 #include "linux/glib/GlibMainLoop.h"
 #include "linux/gtk/GtkSession.h"
@@ -96,6 +97,7 @@ std::optional<int> playRole(const std::vector<std::string>& arguments) {
     if (role == "window") return playWindow();
     if (role == "blind-session") return playBlindSession();
     if (role == "container") return playContainer(arguments.at(1), arguments.at(2));
+    if (role == "plasma-shell") return playPlasmaShell();
     return std::nullopt;
 }
 

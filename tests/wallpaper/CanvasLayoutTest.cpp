@@ -11,7 +11,7 @@ Canvas canvasOf(double width, double height, double scale = 1) {
     return Canvas::of({.id = "display:a", .frame = {0, 0, width, height}, .scaleFactor = scale});
 }
 
-std::string captionLess(Layout layout, const Canvas& canvas, PictureSize source) {
+std::string destination(Layout layout, const Canvas& canvas, PictureSize source) {
     const PictureRect rect = compositionOf(layout, canvas, {}, "", source).destination;
     return std::to_string(rect.x) + "," + std::to_string(rect.y) + " " + std::to_string(rect.width) + "x" +
            std::to_string(rect.height);
@@ -60,16 +60,16 @@ TEST(CanvasLayoutTest, theRectanglesFollowTheFormulasFromTheBottomLeft) {
 
 TEST(CanvasLayoutTest, destinationsAreWholePixelsFromTheTopLeft) {
     const Canvas hd = canvasOf(1920, 1080);
-    EXPECT_EQ(captionLess(Layout::center, hd, {401, 301}), "760,389 401x301") << "keeps its own pixels";
-    EXPECT_EQ(captionLess(Layout::center, hd, {1921, 1083}), "0,-2 1921x1083");
-    EXPECT_EQ(captionLess(Layout::tile, hd, {401, 301}), "0,779 401x301");
-    EXPECT_EQ(captionLess(Layout::tile, hd, {401, 3000}), "0,-1920 401x3000");
-    EXPECT_EQ(captionLess(Layout::stretch, hd, {7, 3000}), "0,0 1920x1080");
-    EXPECT_EQ(captionLess(Layout::fit, hd, {6000, 4000}), "150,0 1620x1080");
-    EXPECT_EQ(captionLess(Layout::fill, hd, {6000, 4000}), "0,-100 1920x1280");
-    EXPECT_EQ(captionLess(Layout::fill, hd, {40, 30}), "0,-180 1920x1440");
-    EXPECT_EQ(captionLess(Layout::fit, hd, {100000, 1}), "0,540 1920x1") << "never thinner than a pixel";
-    EXPECT_EQ(captionLess(Layout::fill, canvasOf(32768, 1080), {1, 131072}),
+    EXPECT_EQ(destination(Layout::center, hd, {401, 301}), "760,389 401x301") << "keeps its own pixels";
+    EXPECT_EQ(destination(Layout::center, hd, {1921, 1083}), "0,-2 1921x1083");
+    EXPECT_EQ(destination(Layout::tile, hd, {401, 301}), "0,779 401x301");
+    EXPECT_EQ(destination(Layout::tile, hd, {401, 3000}), "0,-1920 401x3000");
+    EXPECT_EQ(destination(Layout::stretch, hd, {7, 3000}), "0,0 1920x1080");
+    EXPECT_EQ(destination(Layout::fit, hd, {6000, 4000}), "150,0 1620x1080");
+    EXPECT_EQ(destination(Layout::fill, hd, {6000, 4000}), "0,-100 1920x1280");
+    EXPECT_EQ(destination(Layout::fill, hd, {40, 30}), "0,-180 1920x1440");
+    EXPECT_EQ(destination(Layout::fit, hd, {100000, 1}), "0,539 1920x1") << "never thinner than a pixel";
+    EXPECT_EQ(destination(Layout::fill, canvasOf(32768, 1080), {1, 131072}),
               "0,-2147483108 32768x4294967296");
 }
 

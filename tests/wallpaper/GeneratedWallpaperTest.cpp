@@ -57,8 +57,7 @@ TEST(ImageFingerprintTest, itFollowsPathTimeSizeAndCaption) {
     };
     changedAt(1'700'000'000, 0);
     EXPECT_EQ(imageFingerprint(file, ""), expected("|1700000000.0|5|"));
-    EXPECT_EQ(imageFingerprint(folder.path() / "." / "b" / ".." / "a.jpg", "Río"),
-              expected("|1700000000.0|5|Río"));
+    EXPECT_EQ(imageFingerprint(folder.path() / "." / "a.jpg", "Río"), expected("|1700000000.0|5|Río"));
     changedAt(1'700'000'000, 250'000'000);
     EXPECT_EQ(imageFingerprint(file, ""), expected("|1700000000.25|5|"));
     std::filesystem::remove(file);

@@ -7,6 +7,7 @@
 #include <numbers>
 #include <stdexcept>
 
+#include "base/Text.h"
 #include "linux/glib/Ref.h"
 
 namespace quillmar {
@@ -41,7 +42,8 @@ Ref<PangoLayout> layOut(const PictureCaption& caption) {
     pango_font_description_set_weight(font.get(), PANGO_WEIGHT_MEDIUM);
     pango_font_description_set_absolute_size(font.get(), caption.fontSize * PANGO_SCALE);
     pango_layout_set_font_description(layout.get(), font.get());
-    pango_layout_set_text(layout.get(), caption.text.data(), static_cast<int>(caption.text.size()));
+    const std::string text = repairedUtf8(caption.text);
+    pango_layout_set_text(layout.get(), text.data(), static_cast<int>(text.size()));
     return layout;
 }
 

@@ -141,7 +141,8 @@ private:
     std::size_t bytes_;
 };
 
-JpegDecoder::JpegDecoder(std::unique_ptr<State> state) : state_(std::move(state)) {}
+JpegDecoder::JpegDecoder(std::unique_ptr<State> state, std::unique_ptr<ColorProfile> profile)
+    : state_(std::move(state)), profile_(std::move(profile)) {}
 JpegDecoder::~JpegDecoder() = default;
 
 std::unique_ptr<JpegDecoder> JpegDecoder::open(int descriptor) {
@@ -159,8 +160,13 @@ std::unique_ptr<JpegDecoder> JpegDecoder::open(int descriptor) {
     unsigned length = 0;
     if (!state->readProfile(&profile, &length)) throw PictureDecodingError(state->reason);
     const std::unique_ptr<JOCTET, decltype(&std::free)> owned(profile, &std::free);
-    if (profile && !isSrgbProfile({profile, length})) return nullptr;
-    return std::unique_ptr<JpegDecoder>(new JpegDecoder(std::move(state)));
+    std::unique_ptr<ColorProfile> colors;
+    if (profile && !isSrgbProfile({profile, length})) {
+        if (jpeg.jpeg_color_space == JCS_GRAYSCALE) return nullptr;
+        // A profile that is none, or not for these colours, says nothing: sRGB is what they are then.
+        colors = ColorProfile::read({profile, length});
+    }
+    return std::unique_ptr<JpegDecoder>(new JpegDecoder(std::move(state), std::move(colors)));
 }
 
 PictureSize JpegDecoder::size() const {
@@ -192,6 +198,11 @@ PixelGrid JpegDecoder::chooseGrid(std::int64_t width, std::int64_t height) {
 
 std::unique_ptr<RowSource> JpegDecoder::rows(const GridRegion& region, RgbColor) {
     return std::make_unique<Rows>(std::move(state_), region);
+}
+
+std::unique_ptr<RowSource> JpegDecoder::inSrgb(std::unique_ptr<RowSource> resampled) {
+    if (!profile_) return resampled;
+    return std::make_unique<ProfiledRows>(std::move(resampled), std::move(profile_));
 }
 
 }  // namespace quillmar

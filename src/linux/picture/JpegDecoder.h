@@ -2,12 +2,12 @@
 #include <filesystem>
 #include <memory>
 
-#include "linux/picture/PictureDecoder.h"
+#include "linux/picture/ColorProfile.h"
 
 namespace quillmar {
 
-/// Plain JPEG files: grey or YCbCr, no colour profile or sRGB's. Streams rows; the scales that the format
-/// itself offers cost no extra work.
+/// JPEG files but for those with inks: grey without a colour profile, or YCbCr. Streams rows; the scales that
+/// the format itself offers cost no extra work.
 class JpegDecoder final : public PictureDecoder {
 public:
     /// Reads the head from the start of the open file, of which it makes a copy. Nothing when this is a JPEG
@@ -19,13 +19,15 @@ public:
     int orientation() const override;
     PixelGrid chooseGrid(std::int64_t width, std::int64_t height) override;
     std::unique_ptr<RowSource> rows(const GridRegion& region, RgbColor background) override;
+    std::unique_ptr<RowSource> inSrgb(std::unique_ptr<RowSource> resampled) override;
 
 private:
     struct State;
     class Rows;
-    explicit JpegDecoder(std::unique_ptr<State> state);
+    JpegDecoder(std::unique_ptr<State> state, std::unique_ptr<ColorProfile> profile);
 
     std::unique_ptr<State> state_;
+    std::unique_ptr<ColorProfile> profile_;  ///< none: sRGB already
 };
 
 }  // namespace quillmar

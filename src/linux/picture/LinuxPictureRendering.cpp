@@ -46,7 +46,7 @@ std::unique_ptr<RowSource> visibleRows(PictureDecoder& decoder, PictureOrientati
     const GridRegion region{columns.windowBegin, rows.windowBegin, columns.windowEnd, rows.windowEnd};
     auto decoded = readAhead(decoder.rows(region, composition.background), region.width(), region.height());
     auto resampled = std::make_unique<Resampler>(std::move(decoded), std::move(columns), std::move(rows));
-    auto result = readAhead(std::move(resampled), across.count, down.count);
+    auto result = readAhead(decoder.inSrgb(std::move(resampled)), across.count, down.count);
     if (orientation.isUpright()) return result;
     return std::make_unique<UprightRows>(std::move(result), across.count, down.count, orientation);
 }

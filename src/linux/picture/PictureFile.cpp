@@ -6,8 +6,10 @@
 
 #include <array>
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 
+#include "linux/picture/BmpDecoder.h"
 #include "linux/picture/JpegDecoder.h"
 #include "linux/picture/PictureModule.h"
 
@@ -30,10 +32,10 @@ private:
     int descriptor_;
 };
 
-bool isJpeg(int descriptor) {
-    std::array<std::uint8_t, 3> start{};
-    return ::pread(descriptor, start.data(), start.size(), 0) == 3 && start[0] == 0xff && start[1] == 0xd8 &&
-           start[2] == 0xff;
+bool startsWith(int descriptor, std::string_view expected) {
+    std::array<char, 4> start{};
+    return ::pread(descriptor, start.data(), start.size(), 0) == static_cast<ssize_t>(start.size()) &&
+           std::string_view(start.data(), start.size()).starts_with(expected);
 }
 
 }  // namespace
@@ -44,9 +46,11 @@ std::unique_ptr<PictureDecoder> openPictureFile(const std::filesystem::path& fil
     if (::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode))
         throw PictureDecodingError("This is no regular file.");
     if (status.st_size == 0) throw PictureDecodingError("The file is empty.");
-    std::unique_ptr<PictureDecoder> decoder;
-    if (isJpeg(descriptor.get())) decoder = JpegDecoder::open(descriptor.get());
-    return decoder ? std::move(decoder) : module.open(descriptor.get());
+    if (startsWith(descriptor.get(), "BM")) return std::make_unique<BmpDecoder>(descriptor.get());
+    if (startsWith(descriptor.get(), "\xff\xd8\xff")) {
+        if (auto decoder = JpegDecoder::open(descriptor.get())) return decoder;
+    }
+    return module.open(descriptor.get());
 }
 
 }  // namespace quillmar

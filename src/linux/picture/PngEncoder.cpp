@@ -80,7 +80,9 @@ void PngEncoder::writeRow(std::span<const std::uint8_t> rgb) {
     std::uint8_t* __restrict above = previous_.data();
     const std::uint8_t* __restrict own = rgb.data();
     *row++ = filterUp;
-    for (std::size_t i = 0; i < rowBytes_; ++i) {
+    const std::size_t count =
+        rgb.size();  // a member could be written over by the bytes, for all the compiler knows
+    for (std::size_t i = 0; i < count; ++i) {
         row[i] = static_cast<std::uint8_t>(own[i] - above[i]);
         above[i] = own[i];
     }

@@ -1,6 +1,7 @@
 #include "linux/picture/ResampleKernels.h"
 
 #include <algorithm>
+#include <cstring>
 
 #if defined(__x86_64__) && defined(__linux__) && !defined(QUILLMAR_ONE_TARGET)
 #define QUILLMAR_EVERY_TARGET __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
@@ -11,8 +12,17 @@
 namespace quillmar {
 namespace {
 
-typedef float Pixel __attribute__((vector_size(16), aligned(4)));
-typedef float TwoPixels __attribute__((vector_size(32), aligned(4)));
+typedef float Pixel __attribute__((vector_size(16)));
+typedef float TwoPixels __attribute__((vector_size(32)));
+typedef float FourPixels __attribute__((vector_size(64)));
+typedef float TwoWeights __attribute__((vector_size(8)));
+
+/// From any address. Wide vectors are no return values: without the processor's wide registers they would be
+/// handed over in another way.
+template <class Vector>
+inline void load(Vector& vector, const float* values) {
+    std::memcpy(&vector, values, sizeof vector);
+}
 
 }  // namespace
 
@@ -21,16 +31,27 @@ void filterColumns(const float* source, float* target, const int* first, const f
                    int count) {
     for (int i = 0; i < count; ++i, weights += taps, target += 4) {
         const float* pixels = source + static_cast<std::ptrdiff_t>(first[i]) * 4;
-        TwoPixels sum{};
-        for (int tap = 0; tap < taps; tap += 2) {
-            const float a = weights[tap];
-            const float b = weights[tap + 1];
-            const TwoPixels weight{a, a, a, a, b, b, b, b};
-            sum +=
-                weight * *reinterpret_cast<const TwoPixels*>(pixels + static_cast<std::ptrdiff_t>(tap) * 4);
+        FourPixels sums{};
+        int tap = 0;
+        for (; tap + 4 <= taps; tap += 4, pixels += 16) {
+            Pixel w;
+            FourPixels four;
+            load(w, weights + tap);
+            load(four, pixels);
+            sums += __builtin_shufflevector(w, w, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3) * four;
         }
-        *reinterpret_cast<Pixel*>(target) =
+        TwoPixels sum = __builtin_shufflevector(sums, sums, 0, 1, 2, 3, 4, 5, 6, 7) +
+                        __builtin_shufflevector(sums, sums, 8, 9, 10, 11, 12, 13, 14, 15);
+        if (tap < taps) {
+            TwoWeights w;
+            TwoPixels two;
+            load(w, weights + tap);
+            load(two, pixels);
+            sum += __builtin_shufflevector(w, w, 0, 0, 0, 0, 1, 1, 1, 1) * two;
+        }
+        const Pixel result =
             __builtin_shufflevector(sum, sum, 0, 1, 2, 3) + __builtin_shufflevector(sum, sum, 4, 5, 6, 7);
+        std::memcpy(target, &result, sizeof result);
     }
 }
 

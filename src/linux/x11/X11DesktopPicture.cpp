@@ -38,6 +38,15 @@ Bytes pngOf(std::span<const std::uint8_t> rgb, int width, int height) {
     return std::move(output.bytes);
 }
 
+std::optional<std::filesystem::path> knownFile(Display* display, const PixelRect& area) {
+    const auto pixmap = rootPixmap(display);
+    const DesktopImageTable table = desktopImageTable(display);
+    auto file = pixmap == table.pixmap ? table.fileAt(area) : std::nullopt;
+    std::error_code ignored;
+    if (file && !std::filesystem::exists(*file, ignored)) file.reset();
+    return file;
+}
+
 struct Layout {
     PixelRect area;
     RootGeometry root;
@@ -99,13 +108,21 @@ std::optional<std::filesystem::path> X11DesktopPicture::desktopImage(const Scree
     try {
         const X11Connection connection(display_);
         const auto area = outputArea(connection.get(), screen.number);
-        const auto pixmap = rootPixmap(connection.get());
-        if (!area || !pixmap) return std::nullopt;
-        const DesktopImageTable table = desktopImageTable(connection.get());
-        const auto file = table.pixmap == *pixmap ? table.fileAt(*area) : std::nullopt;
-        std::error_code ignored;
-        if (file && std::filesystem::exists(*file, ignored)) return file;
-        return captured(connection.get(), *pixmap, *area, screen);
+        return area ? knownFile(connection.get(), *area) : std::nullopt;
+    } catch (const std::exception&) {
+        logWarning("The present desktop picture could not be found out.", "wallpaper",
+                   std::current_exception());
+        return std::nullopt;
+    }
+}
+
+std::optional<std::filesystem::path> X11DesktopPicture::captureDesktopImage(const Screen& screen) {
+    try {
+        const X11Connection connection(display_);
+        const auto area = outputArea(connection.get(), screen.number);
+        if (!area) return std::nullopt;
+        if (auto file = knownFile(connection.get(), *area)) return file;
+        return captured(connection.get(), *area, screen);
     } catch (const std::exception&) {
         logWarning("The present desktop picture could not be captured.", "wallpaper",
                    std::current_exception());
@@ -113,11 +130,12 @@ std::optional<std::filesystem::path> X11DesktopPicture::desktopImage(const Scree
     }
 }
 
-std::optional<std::filesystem::path> X11DesktopPicture::captured(Display* display, std::uint32_t pixmap,
-                                                                 const PixelRect& area,
-                                                                 const Screen& screen) const {
-    const Bytes rgb = downloadedPicture(display, pixmap, area);
-    if (rgb.empty()) return std::nullopt;
+std::filesystem::path X11DesktopPicture::captured(Display* display, const PixelRect& area,
+                                                  const Screen& screen) const {
+    const auto pixmap = rootPixmap(display);
+    Bytes rgb = pixmap ? downloadedPicture(display, *pixmap, area) : Bytes();
+    if (rgb.empty())
+        rgb.resize(static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height) * 3);
     const auto size = static_cast<std::uint64_t>(area.width) << 32 | static_cast<std::uint64_t>(area.height);
     const std::uint64_t hash = crc64_ecma_refl(size, rgb.data(), rgb.size());
     const auto file = captureFolder_ / ("captured-" + replacingNonAlphanumerics(screen.connector, '-') + "-" +

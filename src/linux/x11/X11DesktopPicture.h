@@ -18,11 +18,12 @@ public:
     void setDesktopImage(const std::filesystem::path& file, const Screen& screen,
                          const DesktopImageOptions& options) override;
     std::optional<std::filesystem::path> desktopImage(const Screen& screen) override;
+    /// A root window that nobody has painted counts as black.
+    std::optional<std::filesystem::path> captureDesktopImage(const Screen& screen) override;
     DesktopImageOptions desktopImageOptions(const Screen&) override { return {}; }
 
 private:
-    std::optional<std::filesystem::path> captured(_XDisplay* display, std::uint32_t pixmap,
-                                                  const PixelRect& area, const Screen& screen) const;
+    std::filesystem::path captured(_XDisplay* display, const PixelRect& area, const Screen& screen) const;
 
     std::filesystem::path captureFolder_;
     std::string display_;

@@ -5,18 +5,22 @@
 
 namespace quillmar {
 
-std::string encodeSettings(const AppSettings& settings) { return json::encode(settings); }
+std::string encodeSettings(const AppSettings& settings) {
+    // More than a usual document; what is not needed of it is never touched.
+    constexpr std::size_t roomForDocument = 1u << 20;
+    return json::encode(settings, roomForDocument);
+}
 
 AppSettings decodeSettings(std::string_view text) {
-    const json::Value document = json::parse(text);
+    const json::Document document = json::parse(text);
     const json::Place top;
     std::int64_t version = 0;
-    json::Reader(document, top).required("schemaVersion", version);
+    json::Reader(document.root(), top).required("schemaVersion", version);
     if (version != AppSettings::requiredSchemaVersion) {
         throw SettingsSchemaError(version, AppSettings::requiredSchemaVersion);
     }
     AppSettings settings;
-    json::read(document, settings, top);
+    json::read(document.root(), settings, top);
     return settings;
 }
 

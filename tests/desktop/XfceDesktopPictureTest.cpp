@@ -1,0 +1,146 @@
+#include "linux/desktop/XfceDesktopPicture.h"
+
+#include <gmock/gmock.h>
+
+#include "desktop/Desktop.h"
+#include "linux/dbus/BlockingBus.h"
+#include "linux/desktop/VariantText.h"
+#include "linux/x11/X11DesktopPicture.h"
+
+namespace quillmar {
+namespace {
+
+constexpr RgbColor red{200, 10, 20};
+constexpr RgbColor blue{10, 20, 200};
+constexpr RgbColor green{20, 180, 40};
+constexpr RgbColor yellow{210, 200, 30};
+constexpr const char* backdrop = "/backdrop";
+
+/// The desktop's own program, from its start to the end of the test.
+class Xfdesktop {
+public:
+    Xfdesktop() {
+        const auto launcher = Ref<GSubprocessLauncher>::adopt(g_subprocess_launcher_new(
+            GSubprocessFlags(G_SUBPROCESS_FLAGS_STDOUT_SILENCE | G_SUBPROCESS_FLAGS_STDERR_SILENCE)));
+        g_subprocess_launcher_setenv(launcher.get(), "HOME", g_getenv("XDG_RUNTIME_DIR"), TRUE);
+        g_subprocess_launcher_setenv(launcher.get(), "XDG_CONFIG_HOME", g_getenv("XDG_RUNTIME_DIR"), TRUE);
+        process_ = Ref<GSubprocess>::adopt(
+            g_subprocess_launcher_spawn(launcher.get(), nullptr, "xfdesktop", "--disable-wm-check", nullptr));
+        if (!process_) throw std::runtime_error("xfdesktop is not installed");
+    }
+    Xfdesktop(const Xfdesktop&) = delete;
+    Xfdesktop& operator=(const Xfdesktop&) = delete;
+    ~Xfdesktop() {
+        g_subprocess_force_exit(process_.get());
+        g_subprocess_wait(process_.get(), nullptr, nullptr);
+    }
+
+private:
+    Ref<GSubprocess> process_;
+};
+
+class XfceDesktopPictureTest : public testing::Test {
+protected:
+    XfceDesktopPictureTest() { user("-p /backdrop -r -R"); }
+    /// Calls the settings program of the desktop, as its user would.
+    void user(const std::string& arguments) {
+        ASSERT_EQ(runProgram("xfconf-query -c xfce4-desktop " + arguments + " >/dev/null 2>&1"), 0);
+    }
+    void userSets(const std::string& property, const std::string& typeAndValue) {
+        user("-p /backdrop/screen0/" + property + " -n -t " + typeAndValue);
+    }
+    std::string allSettings() const {
+        const auto answer =
+            callAndWait(bus_, {"org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf", "GetAllProperties",
+                               g_variant_new("(ss)", "xfce4-desktop", backdrop)});
+        std::vector<std::string> lines;
+        const Owned<GVariant> all(g_variant_get_child_value(answer.get(), 0));
+        for (gsize i = 0; i < g_variant_n_children(all.get()); ++i) {
+            lines.push_back(variantText(Owned<GVariant>(g_variant_get_child_value(all.get(), i)).get()));
+        }
+        std::ranges::sort(lines);
+        std::string text;
+        for (const std::string& line : lines) text += line + '\n';
+        return text;
+    }
+    testing::AssertionResult shows(RgbColor left, RgbColor right) {
+        // Away from the icons, which stand on the left.
+        const auto isShown = [&] {
+            return desktop_.pixel(1500, 900) == left && desktop_.pixel(1920 + 1000, 900) == right;
+        };
+        if (turnUntil(isShown)) return testing::AssertionSuccess();
+        return testing::AssertionFailure() << "the screen shows something else";
+    }
+
+    Desktop desktop_;
+    Bus bus_ = blockingSessionBus();
+    X11DesktopPicture root_{desktop_.folder() / "captures"};
+    XfceDesktopPicture picture_{bus_, root_};
+    Screen left_ = desktop_.screen("DUMMY0");
+    Screen right_ = desktop_.screen("DUMMY1");
+};
+
+TEST_F(XfceDesktopPictureTest, twoMonitorsShowTwoPicturesAndGetBackWhatTheyHad) {
+    const auto wide = desktop_.solidPicture(300, 200, green);
+    const auto other = desktop_.solidPicture(300, 200, yellow);
+    userSets("monitorDUMMY0/workspace0/last-image", "string -s " + wide.string());
+    userSets("monitorDUMMY0/workspace0/image-style", "int -s 3");
+    userSets("monitorDUMMY1/workspace0/last-image", "string -s " + other.string());
+    userSets("monitorDUMMY1/workspace0/backdrop-cycle-enable", "bool -s true");
+    const Xfdesktop xfdesktop;
+    ASSERT_TRUE(shows(green, yellow));
+    const std::string before = allSettings();
+    EXPECT_EQ(picture_.desktopImage(left_), wide);
+    const auto options = picture_.desktopImageOptions(right_);
+    const auto leftOptions = picture_.desktopImageOptions(left_);
+
+    const auto leftFile = desktop_.solidPicture(1920, 1080, red);
+    const auto rightFile = desktop_.solidPicture(1280, 1024, blue);
+    picture_.setDesktopImage(leftFile, left_, {});
+    EXPECT_TRUE(shows(red, yellow));
+    picture_.setDesktopImage(rightFile, right_, {});
+    EXPECT_TRUE(shows(red, blue));
+    EXPECT_EQ(picture_.desktopImage(left_), leftFile);
+    EXPECT_EQ(picture_.captureDesktopImage(right_), rightFile);
+
+    picture_.setDesktopImage(other, right_, options);
+    EXPECT_TRUE(shows(red, yellow));
+    picture_.setDesktopImage(wide, left_, leftOptions);
+    EXPECT_TRUE(shows(green, yellow));
+    EXPECT_EQ(allSettings(), before);
+}
+
+TEST_F(XfceDesktopPictureTest, everyWorkspaceShowsThePicture) {
+    userSets("monitorDUMMY1/workspace6/last-image", "string -s /nowhere.png");
+    user("-p /backdrop/single-workspace-mode -n -t bool -s false");
+    const auto file = desktop_.solidPicture(1280, 1024, blue);
+    picture_.setDesktopImage(file, right_, {});
+    for (const std::string workspace : {"0", "1", "2", "3", "6"}) {
+        EXPECT_THAT(allSettings(), testing::HasSubstr("monitorDUMMY1/workspace" + workspace +
+                                                      "/last-image', <'" + file.string() + "'>"));
+    }
+    userSets("monitorDUMMY1/workspace2/last-image", "string -s /nowhere.png");
+    EXPECT_EQ(picture_.desktopImage(right_), file);
+    ASSERT_EQ(runProgram("xdotool set_desktop 2"), 0);
+    EXPECT_TRUE(turnUntil([&] { return !picture_.desktopImage(right_); }));
+    ASSERT_EQ(runProgram("xdotool set_desktop 0"), 0);
+    EXPECT_TRUE(turnUntil([&] { return picture_.desktopImage(right_) == file; }));
+}
+
+TEST_F(XfceDesktopPictureTest, aMonitorThatTheDesktopHasNeverSeenIsLeftWithoutSettings) {
+    userSets("monitorDUMMY0/workspace0/image-style", "int -s 3");
+    const std::string before = allSettings();
+    EXPECT_EQ(picture_.desktopImage(right_), std::nullopt);
+    const auto captured = picture_.captureDesktopImage(right_);
+    ASSERT_TRUE(captured);
+    const auto options = picture_.desktopImageOptions(right_);
+    EXPECT_THROW(picture_.setDesktopImage(desktop_.folder() / "none.png", right_, {}), std::runtime_error);
+    EXPECT_EQ(allSettings(), before);
+    picture_.setDesktopImage(desktop_.solidPicture(1280, 1024, blue), right_, {});
+    EXPECT_NE(allSettings(), before);
+    picture_.setDesktopImage(*captured, right_, options);
+    EXPECT_EQ(allSettings(), before);
+}
+
+}  // namespace
+}  // namespace quillmar

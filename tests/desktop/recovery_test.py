@@ -1,0 +1,173 @@
+"""Settings and folders that cannot be used, and a program that is killed while it writes."""
+
+import contextlib
+import json
+import os
+import random
+import re
+import shutil
+import subprocess
+import time
+import unittest
+
+from quillmar_desktop import LIMITED, NOBODY, PATIENCE, PROGRAM, TERMINATING
+from quillmar_desktop import DesktopTest, run, run_checked, wait_until
+
+COLORS = {"DUMMY0": "#1F6F8B", "DUMMY1": "#D98E04"}
+
+
+def limited_to(blocks):
+    """Runs the program with files of at most so many KiB: as on a full disk, a write fails. The log needs under 12."""
+    return "bash", "-c", f"trap '' XFSZ; ulimit -f {blocks}; exec \"$@\"", "limited"
+
+
+class BadSettingsTest(DesktopTest):
+    def assert_recovery(self, name, key="Escape", **options):
+        with self.subTest(name):
+            count = self.log().count(LIMITED)
+            program = self.start(**options)
+            window = self.wait_for_alert(program)
+            if pictures := os.environ.get("QUILLMAR_SCREENSHOTS"):
+                run_checked("import", "-window", window, f"{pictures}/alert-{name.replace(' ', '-')}.png")
+            self.answer_alert(program, key)
+            wait_until(f"“{LIMITED}”", lambda: self.log().count(LIMITED) == count + 1, program)
+            self.quit(program)
+            self.assert_untouched_desktop()
+            self.assertEqual(list(self.folder.glob(".settings*")), [])
+
+    def test_settings_that_cannot_be_read_are_announced_and_left_as_they_are(self):
+        document = self.make_settings(**COLORS)
+        good = self.settings.read_bytes()
+        wrong_type = json.loads(good)
+        wrong_type["general"] = []
+        unknown_mode = json.loads(good)
+        unknown_mode["wallpaper"]["displays"][1]["mode"] = {"lavaLamp": {}}
+        for name, content in (
+            ("truncated", good[: len(good) // 2]),
+            ("other schema", json.dumps(document | {"schemaVersion": 99}).encode()),
+            ("wrong type", json.dumps(wrong_type).encode()),
+            ("unknown mode", json.dumps(unknown_mode).encode()),
+            ("invalid UTF-8", good.replace(b"#1F6F8B", b"#1F\xff\xfeB")),
+            ("empty", b""),
+        ):
+            self.settings.write_bytes(content)
+            self.assert_recovery(name, key="Return" if name == "truncated" else "Escape")
+            self.assertEqual(self.settings.read_bytes(), content)
+
+        self.settings.unlink()
+        self.settings.mkdir()
+        self.assert_recovery("directory")
+        self.settings.rmdir()
+        os.mkfifo(self.settings)
+        self.assert_recovery("pipe")
+        self.assertTrue(self.settings.is_fifo())
+
+    def run_as_nobody(self):
+        """How to start the program as a user who is refused what the files' modes refuse."""
+        if os.geteuid() != 0:
+            return ()
+        if run(*NOBODY, "test", "-x", PROGRAM).returncode != 0:
+            self.skipTest("the program lies where another user cannot run it, and root is refused nothing")
+        for folder, _, files in os.walk(self.home):
+            for path in (folder, *(os.path.join(folder, file) for file in files)):
+                os.chown(path, 65534, 65534)
+        return NOBODY
+
+    def test_settings_that_may_not_be_read_are_announced(self):
+        self.make_settings(**COLORS)
+        written = self.settings.read_bytes()
+        self.settings.chmod(0)
+        user = self.run_as_nobody()
+        self.assert_recovery("unreadable", wrapper=user)
+        self.settings.chmod(0o600)
+        self.assertEqual(self.settings.read_bytes(), written)
+
+    def test_a_data_folder_that_may_not_be_written_hinders_the_pictures_and_nothing_else(self):
+        self.make_settings(**COLORS)
+        shutil.rmtree(self.folder / "Cache", ignore_errors=True)
+        user = self.run_as_nobody()
+        self.folder.chmod(0o500)
+        self.addCleanup(self.folder.chmod, 0o700)
+        program = self.start_and_wait(wrapper=user)
+        self.assertIn("One or more wallpapers failed to apply during startup.", self.log())
+        self.quit(program)
+
+    def test_quitting_at_the_alert_ends_it(self):
+        self.folder.mkdir(parents=True)
+        self.settings.write_text("{")
+        program = self.start()
+        self.wait_for_alert(program)
+        self.quit(program)
+        self.assertEqual(self.log()[-1], TERMINATING)
+        self.assertNotIn(LIMITED, self.log())
+
+    def test_without_a_usable_data_folder_it_says_so_and_can_be_quit(self):
+        file = self.home / "file"
+        file.touch()
+        for name, changes in (
+            ("nowhere", {"XDG_DATA_HOME": None, "HOME": None}),
+            ("below a file", {"XDG_DATA_HOME": f"{file}/data"}),
+            ("kernel folder", {"XDG_DATA_HOME": "/proc/quillmar"}),
+        ):
+            with self.subTest(name):
+                program = self.start(**changes)
+                self.wait_for_alert(program)
+                self.quit(program)
+
+    def test_a_full_disk_hinders_the_first_settings_and_is_announced(self):
+        program = self.start(wrapper=limited_to(0))
+        self.wait_for_alert(program)
+        self.quit(program)
+        self.assertEqual([path.name for path in self.folder.glob("*settings*")], [])
+
+    def test_a_full_disk_hinders_the_pictures_and_nothing_else(self):
+        self.make_settings(**COLORS)
+        written = self.settings.read_bytes()
+        program = self.start_and_wait(wrapper=limited_to(12))
+        self.assertIn("One or more wallpapers failed to apply during startup.", self.log())
+        self.quit(program)
+        self.assert_untouched_desktop()
+        self.assertEqual(self.settings.read_bytes(), written)
+
+
+class KilledTest(DesktopTest):
+    # Every making of the settings draws new ones.
+    IDENTIFIER = re.compile("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}")
+
+    def content(self):
+        """The settings without the identifiers in them; None when there are none."""
+        if not self.settings.exists():
+            return None
+        return json.loads(self.IDENTIFIER.sub("", self.settings.read_text(encoding="utf-8")))
+
+    def files(self):
+        return {path.name for path in self.folder.glob("*settings*")}
+
+    def kill(self, pause, sees_settings):
+        """Kills a start after a pause: from its begin, or from when it has a first file of settings open."""
+        before = self.files()
+        program = self.start()
+        end = time.monotonic() + PATIENCE
+        while sees_settings and self.files() <= before:
+            self.assertLess(time.monotonic(), end)
+        with contextlib.suppress(subprocess.TimeoutExpired):
+            program.wait(pause)
+        self.end(program)
+
+    def test_a_hundred_kills_leave_whole_settings_or_none_and_no_litter(self):
+        self.quit(self.start_and_wait())
+        whole = self.content()
+        moments = random.Random(5)
+        for turn in range(100):
+            is_creating = turn % 2 == 0
+            if is_creating:
+                self.settings.unlink(missing_ok=True)
+            self.kill(moments.uniform(0, 0.002 if is_creating else 0.3), sees_settings=is_creating)
+            self.assertIn(self.content(), (None, whole), f"after kill {turn}")
+            if turn % 10 == 9:
+                self.quit(self.start_and_wait())
+                self.assertEqual((self.content(), self.files()), (whole, {"settings.json"}))
+
+
+if __name__ == "__main__":
+    unittest.main()
