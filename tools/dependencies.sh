@@ -17,7 +17,7 @@ packages=(
     # lint
     clang-format-19 shellcheck
     # benchmarks
-    feh hsetroot libvips-tools
+    feh libvips-tools
 )
 
 # Prints the packages that are not installed, one a line.

@@ -38,7 +38,7 @@ mapfile -d '' -t sources < <(
     exit 1
 }
 shopt -s nullglob
-scripts=(dev .ci/run tools/*.sh bench/*.sh tests/desktop/*.sh packaging/*.sh)
+scripts=(dev .ci/run tools/*.sh bench/*.sh tests/*/*.sh packaging/*.sh packaging/completions/*.bash)
 
 check format format
 check scripts shellcheck "${scripts[@]}"

@@ -28,10 +28,10 @@ AppDelegate::AppDelegate(const Platform& platform, std::unique_ptr<ApplicationIn
       tasks_(platform.loop) {}
 
 void AppDelegate::applicationWillFinishLaunching() {
+    platform_.systemEvents.setQuitHandler([this](SystemQuitReason) { terminate(QuitSource::system); });
     const std::string version = platform_.bundle.semanticVersion("unknown");
     if (isPrimary()) platform_.usageReporting.startCrashReporting("Quillmar@" + version);
     logInfo("Application diagnostics started.", "lifecycle", {{"version", version}});
-    platform_.systemEvents.setQuitHandler([this](SystemQuitReason) { terminate(QuitSource::system); });
     if (!isPrimary()) {
         logInfo("A running application instance was found; forwarding activation.", "lifecycle");
         tasks_.spawn(forwardActivation());

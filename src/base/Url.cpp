@@ -89,6 +89,7 @@ bool holdsOnlyVisibleCharacters(std::string_view text) {
     if (!isValidUtf8(text)) return false;
     for (const char *p = text.data(), *end = p + text.size(); p < end; p = g_utf8_next_char(p)) {
         const gunichar c = g_utf8_get_char(p);
+        if (c > 0x20 && c < 0x7f) continue;
         if (c <= 0x20 || g_unichar_isspace(c) || g_unichar_iscntrl(c)) return false;
     }
     return true;

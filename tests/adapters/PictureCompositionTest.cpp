@@ -85,10 +85,10 @@ TEST_F(PictureCompositionTest, theSmallestPicturesFillAnyCanvas) {
 TEST_F(PictureCompositionTest, whatFallsOffTheCanvasDoesNotChangeWhatIsOnIt) {
     const Rgb picture = samples::patterned(301, 203);
     for (const bool hasHalfColors : {false, true}) {
-        for (const int orientation : {1, 2, 3, 6, 8}) {
+        for (const int orientation : {1, 3, 6}) {
             const Bytes file = samples::jpeg(
                 picture, {.quality = 90, .orientation = orientation, .hasHalfColors = hasHalfColors});
-            for (const double scale : {1.0, 0.8, 0.45, 0.11, 1.7}) {
+            for (const double scale : {1.7, 0.8, 0.45, 0.11}) {
                 const bool isTurned = orientation > 4;
                 const auto width = std::lround((isTurned ? 203 : 301) * scale);
                 const auto height = std::lround((isTurned ? 301 : 203) * scale);

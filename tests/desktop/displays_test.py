@@ -59,7 +59,6 @@ class DisplaysTest(DesktopTest):
     def test_no_display_at_all_for_a_while_does_not_end_it(self):
         self.rearrange("--output", "DUMMY0", "--off", "--output", "DUMMY1", "--off")
         self.wait_for_log("Display topology changed.", self.program)
-        self.assertEqual(self.displays(), {})
         arrange(*FIRST_ARRANGEMENT)
         self.wait_for_colors(self.program, FIRST, SECOND)
         self.quit(self.program)

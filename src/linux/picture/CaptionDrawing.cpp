@@ -63,7 +63,8 @@ CaptionDrawing::CaptionDrawing(const PictureCaption& caption, PictureSize canvas
     top_ = std::clamp(static_cast<int>(std::floor(plateTop)), 0, canvas.height);
     width_ = std::clamp(static_cast<int>(std::ceil(right)), left_, canvas.width) - left_;
     height_ = std::clamp(static_cast<int>(std::ceil(plateTop + plateHeight)), top_, canvas.height) - top_;
-    if (width_ == 0 || height_ == 0) return;
+    if (width_ == 0) height_ = 0;  // nothing of it is on the canvas
+    if (height_ == 0) return;
 
     pixels_.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
     const CairoOwned<cairo_surface_t> surface(cairo_image_surface_create_for_data(
