@@ -1,9 +1,7 @@
 # One folder, one library: its sources are found, its dependencies are named.
 include_guard()
-# Where programs find their modules: beside themselves (tests and benchmarks stand a folder below) and, once
-# installed, in the library folder.
-set(CMAKE_BUILD_RPATH "$ORIGIN;$ORIGIN/..")
-set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib/quillmar")
+# Everything is found where the system has it; the one module of the program's own is opened by its path.
+set(CMAKE_SKIP_RPATH ON)
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 find_package(fmt REQUIRED)

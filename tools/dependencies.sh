@@ -12,7 +12,7 @@ packages=(
     libgtest-dev libgmock-dev llvm-19
     # test desktop
     xserver-xorg-core xserver-xorg-video-dummy openbox x11-xserver-utils x11-utils xdotool imagemagick dbus-daemon
-    dbus-bin fonts-dejavu-core
+    dbus-bin fonts-dejavu-core hsetroot
     xfdesktop4 xfconf gsettings-desktop-schemas cinnamon-desktop-data mate-desktop-common duktape-dev
     # lint
     clang-format-19 shellcheck

@@ -87,8 +87,22 @@ TEST_F(XfceDesktopPictureTest, twoMonitorsShowTwoPicturesAndGetBackWhatTheyHad) 
     userSets("monitorDUMMY0/workspace0/image-style", "int -s 3");
     userSets("monitorDUMMY1/workspace0/last-image", "string -s " + other.string());
     userSets("monitorDUMMY1/workspace0/backdrop-cycle-enable", "bool -s true");
-    const Xfdesktop xfdesktop;
-    ASSERT_TRUE(shows(green, yellow));
+    const auto chooseLeft = [&](const std::filesystem::path& file) {
+        userSets("monitorDUMMY0/workspace0/last-image", "string -s " + file.string());
+    };
+    // On a busy machine xfdesktop sometimes starts deaf to its settings, whoever changes them; then it is
+    // started anew.
+    std::optional<Xfdesktop> xfdesktop;
+    const auto startedAndListens = [&] {
+        chooseLeft(wide);
+        xfdesktop.emplace();
+        if (!shows(green, yellow)) return false;
+        chooseLeft(other);
+        const bool listens = bool(shows(yellow, yellow));
+        chooseLeft(wide);
+        return listens && shows(green, yellow);
+    };
+    ASSERT_TRUE(startedAndListens() || startedAndListens());
     const std::string before = allSettings();
     EXPECT_EQ(picture_.desktopImage(left_), wide);
     const auto options = picture_.desktopImageOptions(right_);
