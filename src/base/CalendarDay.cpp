@@ -3,7 +3,8 @@
 #include <fmt/format.h>
 
 #include <charconv>
-#include <ctime>
+
+#include "base/LocalDateTime.h"
 
 namespace quillmar {
 namespace {
@@ -27,13 +28,9 @@ bool takeHyphen(std::string_view& text) {
 }  // namespace
 
 CalendarDay localDay(WallTime time) {
-    const std::time_t seconds = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
-    ::tzset();  // localtime_r alone keeps the zone of its first call, and people travel
-    std::tm fields{};
-    if (!::localtime_r(&seconds, &fields)) return std::chrono::floor<std::chrono::days>(time);
-    return std::chrono::year(fields.tm_year + 1900) /
-           std::chrono::month(static_cast<unsigned>(fields.tm_mon + 1)) /
-           std::chrono::day(static_cast<unsigned>(fields.tm_mday));
+    const LocalDateTime local = localDateTime(time);
+    return std::chrono::year(local.year) / std::chrono::month(static_cast<unsigned>(local.month)) /
+           std::chrono::day(static_cast<unsigned>(local.day));
 }
 
 std::string calendarDayText(CalendarDay day) {
