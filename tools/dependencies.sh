@@ -9,7 +9,7 @@ packages=(
     libx11-dev libx11-xcb-dev libxcb1-dev libxext-dev libxfixes-dev libxi-dev libxrandr-dev libxss-dev
     libpng-dev libisal-dev zlib1g-dev libjpeg62-turbo-dev liblcms2-dev libpango1.0-dev libvips-dev
     # tests
-    libgtest-dev libgmock-dev llvm-19
+    libgtest-dev libgmock-dev llvm-19 libxres-dev
     # test desktop
     xserver-xorg-core xserver-xorg-video-dummy openbox x11-xserver-utils x11-utils xdotool imagemagick dbus-daemon
     dbus-bin fonts-dejavu-core hsetroot
