@@ -98,6 +98,9 @@ private:
     int status_ = 0;
 };
 
+/// To one picture service: it is somebody else's machine.
+constexpr int maximumConnectionsPerHost = 3;
+
 /// The adapters of this desktop around the application. What the threads use is made before them, so that it
 /// outlives their last job.
 class LinuxApplication {
@@ -135,6 +138,7 @@ private:
                 .screens = screens_,
                 .desktopPicture = desktopPicture_,
                 .pictureRendering = rendering_,
+                .webSession = webSession_,
                 .settingsWindow = nullptr,
                 .flushLog = [this] { return pipeline_.flush(); }};
     }
@@ -153,6 +157,7 @@ private:
     ThreadPool pool_{4};
     SerialExecutor logFiles_{pool_};
     SoupHTTPSession reportSession_{loop_, 1};
+    SoupHTTPSession webSession_{loop_, maximumConnectionsPerHost};
     HTTPErrorReporter reporter_{
         loop_, clock_, logFiles_, reportSession_, scrubber_, supportFolder_ / "ErrorQueue", reportEndpoint()};
     DiagnosticPipeline pipeline_{loop_, clock_, logFiles_, reporter_, supportFolder_ / "Logs"};

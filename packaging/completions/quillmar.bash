@@ -63,10 +63,11 @@ _quillmar_backup() {
 
 _quillmar_wallpaper() {
     local options=(--layout --background)
+    local services=(apod nasa-epic bing spotlight unsplash wallhaven museums)
     case $cword,${words[2]-} in
         2,*) _quillmar_offer "$current" set next --json ;;
         3,set | 3,next) _quillmar_displays "$current" ;;
-        4,set) _quillmar_offer "$current" colour image slideshow mode disabled ;;
+        4,set) _quillmar_offer "$current" colour image slideshow "${services[@]}" mode disabled ;;
         5,set)
             case ${words[4]} in
                 image) compopt -o default ;;
@@ -75,13 +76,45 @@ _quillmar_wallpaper() {
             ;;
         *,set)
             case ${words[4]},${words[cword - 1]} in
-                image,--layout | slideshow,--layout)
-                    _quillmar_offer "$current" center tile stretch fit fill
+                *,--layout) _quillmar_offer "$current" center tile stretch fit fill ;;
+                *,--*KeyFile) compopt -o default ;;
+                *,--presentation) _quillmar_offer "$current" latestObservation rotateThroughDays ;;
+                *,--imageProduct) _quillmar_offer "$current" natural enhanced ;;
+                *,--filter) _quillmar_offer "$current" topic user search ;;
+                *,--sorting)
+                    _quillmar_offer "$current" date_added relevance random views favorites toplist
                     ;;
-                *,--background | *,--interval) ;;
+                *,--order) _quillmar_offer "$current" desc asc ;;
+                *,--resolutionMode) _quillmar_offer "$current" any atleast exactly ;;
+                *,--background | *,--interval | *,--market | *,--locale | *,--sources | *,--categories) ;;
+                *,--topicSlug | *,--username | *,--searchQuery | *,--topRange | *,--color) ;;
+                *,--resolution | *,--ratios | *,--secondsPerObservation | *,--recentDays) ;;
                 image,*) _quillmar_options "$current" "${options[@]}" ;;
                 slideshow,*)
                     _quillmar_options "$current" --interval --shuffle --subfolders "${options[@]}"
+                    ;;
+                apod,*)
+                    _quillmar_options "$current" --apiKeyFile --useHDImage --switchPeriodically --interval \
+                        "${options[@]}"
+                    ;;
+                nasa-epic,*)
+                    _quillmar_options "$current" --presentation --secondsPerObservation --recentDays \
+                        --imageProduct --usesFullResolutionPNG --showsCreditAndObservationTime "${options[@]}"
+                    ;;
+                bing,*) _quillmar_options "$current" --market "${options[@]}" ;;
+                spotlight,*) _quillmar_options "$current" --locale --interval "${options[@]}" ;;
+                unsplash,*)
+                    _quillmar_options "$current" --accessKeyFile --filter --topicSlug --username --searchQuery \
+                        --switchAutomatically --interval "${options[@]}"
+                    ;;
+                wallhaven,*)
+                    _quillmar_options "$current" --apiKeyFile --searchQuery --sorting --order --topRange \
+                        --includeAnime --includePeople --color --resolutionMode --resolution --ratios \
+                        --switchAutomatically --interval "${options[@]}"
+                    ;;
+                museums,*)
+                    _quillmar_options "$current" --sources --categories --useAllCategories \
+                        --smithsonianAPIKeyFile --switchAutomatically --interval "${options[@]}"
                     ;;
             esac
             ;;
@@ -103,8 +136,8 @@ _quillmar() {
     cword=$((${#words[@]} - 1))
     current=${words[cword]}
     case $cword,${words[1]-} in
-        1,*) _quillmar_offer "$current" displays wallpaper backup quit --version --help ;;
-        2,displays) _quillmar_offer "$current" --json ;;
+        1,*) _quillmar_offer "$current" displays wallpaper status backup quit --version --help ;;
+        2,displays | 2,status) _quillmar_offer "$current" --json ;;
         *,backup) _quillmar_backup ;;
         *,wallpaper) _quillmar_wallpaper ;;
     esac

@@ -11,10 +11,6 @@ TopologyApplyResult summaryOf(const WallpaperApplyBatchResult& batch) {
     return {.hasFailure = batch.hasFailure(), .failureCount = batch.failedDisplayCount()};
 }
 
-Task<void> checkCancellation() {
-    if (co_await isCancelled()) throw CancellationError();
-}
-
 }  // namespace
 
 AppDelegate::AppDelegate(const Platform& platform, std::unique_ptr<ApplicationInstanceLock> instanceLock,
@@ -61,16 +57,16 @@ void AppDelegate::applicationDidFinishLaunching() {
 Task<void> AppDelegate::startUp() {
     AppSettingsModel& model = subsystems_->settingsModel;
     co_await model.loaded();
-    co_await checkCancellation();
+    co_await throwIfCancelled();
     if (!model.canPersist()) co_await showSettingsRecoveryAlert();
-    co_await checkCancellation();
+    co_await throwIfCancelled();
 
     platform_.usageReporting.sendMessage("app_launch");
     platform_.usageReporting.sendMessage("display_count_" +
                                          std::to_string(subsystems_->displays.displays().size()));
     co_await sweepCacheAtStart();
     cacheMaintenanceScheduler_.start();
-    co_await checkCancellation();
+    co_await throwIfCancelled();
 
     if (!model.canPersist()) {
         logWarning("Application startup is limited until settings are recovered.", "lifecycle");
@@ -87,7 +83,7 @@ Task<void> AppDelegate::sweepCacheAtStart() {
     const CacheSweepResult swept = co_await subsystems_->cacheMaintenance.sweep(
         filesOfSettings(), desktopImageFiles(platform_.screens, platform_.desktopPicture),
         platform_.clock.now());
-    co_await checkCancellation();
+    co_await throwIfCancelled();
     if (swept.removedItems == 0) co_return;
     logInfo("Startup cache maintenance completed.", "cache",
             {{"removed_items", std::to_string(swept.removedItems)},
@@ -110,7 +106,7 @@ std::optional<FilePaths> AppDelegate::filesOfSettings() const {
 Task<void> AppDelegate::applyWallpapersAtStart() {
     const WallpaperApplyBatchResult batch =
         co_await subsystems_->wallpaperCoordinator.enqueue(std::nullopt, WallpaperApplyReason::userInitiated);
-    co_await checkCancellation();
+    co_await throwIfCancelled();
     if (!batch.hasFailure() || subsystems_->wallpaperGate.isLockScreenOverrideActive) co_return;
     logError("One or more wallpapers failed to apply during startup.", "wallpaper", nullptr,
              {{"failure_count", std::to_string(batch.failedDisplayCount())}});

@@ -20,7 +20,8 @@ CommandLine CommandLine::parse(std::span<const std::string_view> arguments) {
         line.command = Command::showHelp;
     } else if (first == "displays") {
         line.command = Command::listDisplays;
-    } else if (first == "backup" || first == "wallpaper" || first == "quit") {
+    } else if (first == "backup" || first == "wallpaper" || first == "status" ||
+               first == "quit") {
         line.command = Command::askRunningProgram;
         line.arguments.assign(arguments.begin(), arguments.end());
         return line;
@@ -47,9 +48,11 @@ void printHelp(std::ostream& out) {
            "  wallpaper [--json]      say what each display is set to and shows\n"
            "  wallpaper set DISPLAY|all KIND...\n"
            "                          give a display another wallpaper: colour #RRGGBB, image FILE,\n"
-           "                          slideshow FOLDER, mode JSON, disabled\n"
+           "                          slideshow FOLDER, apod, nasa-epic, bing, spotlight, unsplash,\n"
+           "                          wallhaven, museums, mode JSON, disabled\n"
            "  wallpaper next [DISPLAY|all]\n"
            "                          show the next picture\n"
+           "  status [--json]         say besides when each display changes next and what failed last\n"
            "  backup export FILE      write the settings to a backup file\n"
            "  backup inspect FILE     say what a backup file holds\n"
            "  backup restore FILE     replace the settings by those of a backup file\n"

@@ -4,9 +4,17 @@
 
 #include <system_error>
 
+#include "base/Files.h"
+#include "base/Text.h"
 #include "storage/StoredFileGrant.h"
 
 namespace quillmar {
+namespace {
+
+/// Keys are tens of characters; whatever is longer was chosen by mistake.
+constexpr std::size_t maximumKeyBytes = 4096;
+
+}  // namespace
 
 ControlService::ControlService(const Platform& platform, Subsystems& subsystems, std::function<void()> quit)
     : backup_({.settingsModel = subsystems.settingsModel,
@@ -21,8 +29,10 @@ ControlService::ControlService(const Platform& platform, Subsystems& subsystems,
                   .coordinator = subsystems.wallpaperCoordinator,
                   .displays = subsystems.displays,
                   .desktopPicture = platform.desktopPicture,
-                  .grantFor = [files = &platform.backgroundPool](
-                                  Url url) { return grantFor(files, std::move(url)); }}),
+                  .grantFor =
+                      [files = &platform.backgroundPool](Url url) { return grantFor(files, std::move(url)); },
+                  .readKey = [files = &platform.backgroundPool](
+                                 std::filesystem::path file) { return readKey(files, std::move(file)); }}),
       quit_(std::move(quit)),
       loop_(platform.loop) {}
 
@@ -34,6 +44,17 @@ Task<std::optional<Bytes>> ControlService::grantFor(Executor* files, Url url) {
             return makeStoredFileGrant(*path);
         } catch (const std::system_error&) {
             return std::nullopt;  // what is not there is said when it is read
+        }
+    });
+}
+
+Task<std::string> ControlService::readKey(Executor* files, std::filesystem::path file) {
+    co_return co_await files->run([file = std::move(file)] {
+        try {
+            return std::string(trimmed(readFile(file, maximumKeyBytes)));
+        } catch (const std::system_error& error) {
+            throw std::runtime_error(
+                fmt::format("The key file {} cannot be read: {}.", file.string(), error.code().message()));
         }
     });
 }

@@ -15,6 +15,8 @@ public:
 private:
     static Task<std::optional<Bytes>> grantFor(Executor* files, Url url);
 
+    static Task<std::string> readKey(Executor* files, std::filesystem::path file);
+
     BackupCommand backup_;
     WallpaperCommand wallpaper_;
     std::function<void()> quit_;

@@ -10,6 +10,7 @@
 #include "platform/ApplicationControl.h"
 #include "platform/ControlChannel.h"
 #include "platform/DesktopPicture.h"
+#include "platform/HTTPSession.h"
 #include "platform/PictureRendering.h"
 #include "platform/RunningInstances.h"
 #include "platform/Screens.h"
@@ -38,6 +39,7 @@ struct Platform {
     ScreensProviding& screens;
     DesktopPicturing& desktopPicture;
     PictureRendering& pictureRendering;
+    HTTPSession& webSession;                      ///< for picture services
     SettingsWindowing* settingsWindow = nullptr;  ///< absent where the program has none to show
     std::function<Task<void>()> flushLog;         ///< waits until every log line is in its file
 };

@@ -4,6 +4,18 @@
 #include "settings/records/SettingsCodec.h"
 
 namespace quillmar {
+namespace {
+
+/// Below it every write fails where the user has no folder for passing files.
+std::filesystem::path temporaryDirectoryOrNowhere(const Environment& environment) {
+    try {
+        return temporaryDirectory(environment);
+    } catch (const std::runtime_error&) {
+        return "/dev/null";
+    }
+}
+
+}  // namespace
 
 Subsystems::Subsystems(const Platform& platform)
     : defaults(defaultSettings(platform.bundle)),
@@ -15,11 +27,23 @@ Subsystems::Subsystems(const Platform& platform)
                             defaults, settingsExecutor)),
       settingsModel(platform.loop, notifications, *settingsStore, defaults, cacheFiles),
       displays(platform.screens),
+      remoteServices(RemoteServices::of(platform.bundle)),
+      remoteImageFetcher(
+          platform.webSession, platform.backgroundPool, platform.pictureRendering, platform.clock,
+          {.cache = applicationSupportDirectoryOrNowhere(platform.environment) / "Cache/Images",
+           .temporary = temporaryDirectoryOrNowhere(platform.environment)}),
+      remoteImages({.fetching = remoteImageFetcher,
+                    .services = remoteServices,
+                    .clock = platform.clock,
+                    .files = platform.backgroundPool,
+                    .cacheFiles = cacheFiles,
+                    .cacheDirectory = remoteImageFetcher.cacheDirectory(),
+                    .randomIndex = platform.randomIndex}),
       wallpaperRenderer(
           applicationSupportDirectoryOrNowhere(platform.environment) / "Cache/GeneratedWallpapers",
           platform.pictureRendering, platform.clock),
       wallpaperService(displays, platform.desktopPicture, wallpaperGate, wallpaperRenderer,
-                       platform.backgroundPool, cacheFiles, platform.randomIndex),
+                       platform.backgroundPool, cacheFiles, remoteImages, platform.randomIndex),
       wallpaperTransactions(wallpaperService),
       wallpaperCoordinator(platform.loop, displays, wallpaperService, &wallpaperTransactions, settingsModel,
                            wallpaperGate, platform.clock),

@@ -6,6 +6,8 @@
 #include "async/NotificationCenter.h"
 #include "async/ThreadPool.h"
 #include "display/DisplayService.h"
+#include "remote/RemoteImageResolver.h"
+#include "remote/fetching/RemoteImageFetcher.h"
 #include "settings/AppSettingsModel.h"
 #include "storage/CacheMaintenanceService.h"
 #include "wallpaper/WallpaperCoordinator.h"
@@ -28,6 +30,9 @@ public:
     std::unique_ptr<SettingsStoring> settingsStore;
     AppSettingsModel settingsModel;
     DisplayService displays;
+    RemoteServices remoteServices;
+    RemoteImageFetcher remoteImageFetcher;
+    RemoteImageResolver remoteImages;
     WallpaperApplicationGate wallpaperGate;
     WallpaperRenderer wallpaperRenderer;
     WallpaperService wallpaperService;

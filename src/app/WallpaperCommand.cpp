@@ -20,6 +20,9 @@ constexpr std::string_view usage =
     "  image FILE [--layout LAYOUT] [--background #RRGGBB]\n"
     "  slideshow FOLDER [--interval SECONDS] [--shuffle] [--subfolders] [--layout LAYOUT] [--background "
     "#RRGGBB]\n"
+    "  apod, nasa-epic, bing, spotlight, unsplash, wallhaven or museums, with options that are called as\n"
+    "  the service's settings: --locale de-DE, --switchAutomatically, --sources rijksmuseum,smkDenmark ...;\n"
+    "  a key is given as --apiKeyFile FILE, --accessKeyFile FILE or --smithsonianAPIKeyFile FILE\n"
     "  mode JSON\n"
     "  disabled\n"
     "LAYOUT is center, tile, stretch, fit or fill.\n";
@@ -81,8 +84,9 @@ std::vector<DisplayInfo> WallpaperCommand::matching(const std::string& name) con
 
 Task<ControlReply> WallpaperCommand::set(std::vector<std::string> words, std::string workingDirectory) {
     if (words.size() < 2) throw UsageError("The display was not named.");
-    WallpaperMode mode = parseWallpaperMode(std::span(words).subspan(2), workingDirectory);
+    auto [mode, keyFile] = parseWallpaperMode(std::span(words).subspan(2), workingDirectory);
     const DisplayIDs ids = idsOf(matching(words[1]));
+    if (keyFile) *keyOf(mode).text = co_await services_.readKey(*std::move(keyFile));
     if (auto* image = std::get_if<ImagePresentationSettings>(&mode.value); image && image->imageURL) {
         image->imageBookmark = co_await services_.grantFor(*image->imageURL);
     }

@@ -1,4 +1,5 @@
 #pragma once
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -22,6 +23,8 @@ public:
         DesktopPicturing& desktopPicture;
         /// The stored grant that finds a chosen file or folder again; empty when none can be made.
         std::function<Task<std::optional<Bytes>>(Url)> grantFor;
+        /// The text of a file without the blanks around it. Throws `std::runtime_error`.
+        std::function<Task<std::string>(std::filesystem::path)> readKey;
     };
     explicit WallpaperCommand(Services services) : services_(std::move(services)) {}
 

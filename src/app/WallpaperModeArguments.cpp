@@ -23,6 +23,10 @@ public:
         words_ = words_.subspan(1);
         return word;
     }
+    std::optional<std::string> takeIfAny() {
+        if (words_.empty()) return std::nullopt;
+        return take("");
+    }
     [[noreturn]] void refuse(const std::string& word) const {
         throw UsageError(fmt::format("\"{}\" does not take \"{}\".", mode_, word));
     }
@@ -100,6 +104,34 @@ SlideshowPresentationSettings slideshow(Words words, const std::filesystem::path
     return settings;
 }
 
+/// The modes of picture services: every option is called as the field of the record that it sets. A key may
+/// be in a file instead, where no list of processes shows it.
+template <class Settings>
+WallpaperModeArguments remote(WallpaperModeKind kind, Words words, const std::filesystem::path& folder) {
+    WallpaperModeArguments arguments{WallpaperMode::defaultMode(kind), {}};
+    auto& settings = std::get<Settings>(arguments.mode.value);
+    while (!words.isEmpty()) {
+        const std::string word = words.take("");
+        // Not repeated in the complaint: it may well be a key.
+        if (!word.starts_with("--")) throw UsageError("Only options stand behind the name of a service.");
+        const std::size_t end = std::min(word.find('='), word.size());
+        std::string name = word.substr(2, end - 2);
+        std::optional<std::string> text;
+        if (end < word.size()) text = word.substr(end + 1);
+        const ServiceKey key = keyOf(arguments.mode);
+        if (key.text && name == std::string(key.name) + "File") {
+            arguments.keyFile = folder / (text ? *text : words.take("a file behind --" + name));
+            continue;
+        }
+        if (name == "background") name = "backgroundHexColor";
+        if (name == "interval") name = "rotationIntervalSeconds";
+        RecordOption option(name, std::move(text), [&words] { return words.takeIfAny(); });
+        Settings::describe(settings, option);
+        if (!option.isKnown()) words.refuse("--" + name);
+    }
+    return arguments;
+}
+
 WallpaperMode decoded(Words words) {
     const std::string text = words.take("a mode as JSON");
     if (!words.isEmpty()) words.refuse(words.take(""));
@@ -112,14 +144,33 @@ WallpaperMode decoded(Words words) {
 
 }  // namespace
 
-WallpaperMode parseWallpaperMode(std::span<const std::string> words, const std::filesystem::path& folder) {
+ServiceKey keyOf(WallpaperMode& mode) {
+    if (auto* apod = std::get_if<APODSettings>(&mode.value)) return {"apiKey", &apod->apiKey};
+    if (auto* wallhaven = std::get_if<WallhavenSettings>(&mode.value)) return {"apiKey", &wallhaven->apiKey};
+    if (auto* unsplash = std::get_if<UnsplashSettings>(&mode.value))
+        return {"accessKey", &unsplash->accessKey};
+    if (auto* museums = std::get_if<MuseumsSettings>(&mode.value))
+        return {"smithsonianAPIKey", &museums->smithsonianAPIKey};
+    return {};
+}
+
+WallpaperModeArguments parseWallpaperMode(std::span<const std::string> words,
+                                          const std::filesystem::path& folder) {
     if (words.empty()) throw UsageError("What the display should show was not said.");
     const std::string& name = words.front();
     const Words rest(name, words.subspan(1));
-    if (name == "colour" || name == "color") return {solidColor(rest)};
-    if (name == "image") return {image(rest, folder)};
-    if (name == "slideshow") return {slideshow(rest, folder)};
-    if (name == "mode") return decoded(rest);
+    using Kind = WallpaperModeKind;
+    if (name == "colour" || name == "color") return {{solidColor(rest)}, {}};
+    if (name == "image") return {{image(rest, folder)}, {}};
+    if (name == "slideshow") return {{slideshow(rest, folder)}, {}};
+    if (name == "apod") return remote<APODSettings>(Kind::apod, rest, folder);
+    if (name == "nasa-epic") return remote<NasaEpicSettings>(Kind::nasaEpic, rest, folder);
+    if (name == "bing") return remote<BingSettings>(Kind::bing, rest, folder);
+    if (name == "spotlight") return remote<WindowsSpotlightSettings>(Kind::windowsSpotlight, rest, folder);
+    if (name == "unsplash") return remote<UnsplashSettings>(Kind::unsplash, rest, folder);
+    if (name == "wallhaven") return remote<WallhavenSettings>(Kind::wallhaven, rest, folder);
+    if (name == "museums") return remote<MuseumsSettings>(Kind::museums, rest, folder);
+    if (name == "mode") return {decoded(rest), {}};
     if (name == "disabled") {
         if (!rest.isEmpty()) rest.refuse(words[1]);
         return {};

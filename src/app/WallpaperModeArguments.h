@@ -1,21 +1,29 @@
 #pragma once
 #include <filesystem>
 #include <span>
-#include <stdexcept>
 #include <string>
 
+#include "app/RecordOptions.h"
 #include "modes/WallpaperMode.h"
 
 namespace quillmar {
 
-/// A command line that was not understood, with one sentence on why.
-class UsageError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
+/// What the words of a command line say of a mode.
+struct WallpaperModeArguments {
+    WallpaperMode mode;
+    std::optional<std::filesystem::path> keyFile;  ///< where the key of the mode's service is written
 };
 
 /// The mode that words such as "image", "holiday.jpg", "--layout", "fill" name. Relative paths start from
 /// `folder`. Throws `UsageError`.
-WallpaperMode parseWallpaperMode(std::span<const std::string> words, const std::filesystem::path& folder);
+WallpaperModeArguments parseWallpaperMode(std::span<const std::string> words,
+                                          const std::filesystem::path& folder);
+
+/// The user's key to a picture service, as a field of the mode's record.
+struct ServiceKey {
+    std::string_view name;
+    std::string* text = nullptr;  ///< null: the mode has none
+};
+ServiceKey keyOf(WallpaperMode& mode);
 
 }  // namespace quillmar

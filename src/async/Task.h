@@ -129,6 +129,10 @@ private:
 
 /// Whether the running task was cancelled.
 inline Task<bool> isCancelled() { co_return (co_await currentContext()).stop.stop_requested(); }
+/// Throws `CancellationError` when the running task was cancelled: between the steps of a long algorithm.
+inline Task<void> throwIfCancelled() {
+    if ((co_await currentContext()).stop.stop_requested()) throw CancellationError();
+}
 
 /// Runs `task` to its end even when the awaiting task is cancelled: for steps that must not be left half
 /// done.

@@ -18,8 +18,6 @@ constexpr std::chrono::seconds initialRetryDelay{30};
 constexpr std::chrono::seconds maximumRetryDelay{1800};
 constexpr std::chrono::seconds requestTimeout{15};
 constexpr std::chrono::seconds resourceTimeout{30};
-/// The answer's status says everything; its words are read only so far that the connection can be used again.
-constexpr std::size_t maximumAnswerBytes = 16384;
 
 bool isRefusedForGood(int status) { return status >= 400 && status <= 499 && status != 408 && status != 429; }
 
@@ -134,7 +132,7 @@ Task<bool> HTTPErrorReporter::isSettled(std::string name) {
     if (!payload) co_return true;
     int status = 0;
     try {
-        const HTTPResponse response = co_await session_.send(request(*payload), maximumAnswerBytes);
+        const HTTPResponse response = co_await session_.open(request(*payload));
         status = response.status;
     } catch (const std::exception&) {
         co_return false;

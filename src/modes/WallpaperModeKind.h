@@ -31,4 +31,9 @@ constexpr auto enumNames(WallpaperModeKind) {
                                             "videoPlaylist", "pdf", "matrix", "hexells"});
 }
 
+/// Whether the mode's pictures come from a picture service.
+constexpr bool isRemote(WallpaperModeKind kind) {
+    return kind >= WallpaperModeKind::apod && kind <= WallpaperModeKind::museums;
+}
+
 }  // namespace quillmar

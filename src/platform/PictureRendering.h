@@ -76,6 +76,9 @@ public:
     /// drawn.
     virtual void renderImage(const std::filesystem::path& source, const PictureComposer& composer,
                              const std::filesystem::path& target) const = 0;
+    /// Whether at least one picture of the file decodes from its first row to its last. Throws
+    /// `std::runtime_error` when that cannot be told.
+    virtual bool isPicture(const std::filesystem::path& file) const = 0;
 };
 
 }  // namespace quillmar

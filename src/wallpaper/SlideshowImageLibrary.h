@@ -1,9 +1,9 @@
 #pragma once
-#include <functional>
 #include <optional>
 #include <vector>
 
 #include "base/Localization.h"
+#include "base/RandomIndex.h"
 #include "base/Url.h"
 
 namespace quillmar {
@@ -28,9 +28,6 @@ struct SlideshowSelection {
     bool shuffle = false;
     std::optional<Url> lastImageURL;  ///< what was shown last
 };
-
-/// A number from 0 to below its argument, each as likely as the others. Any thread.
-using RandomIndex = std::function<std::size_t(std::size_t)>;
 
 /// The pictures of a folder that can be shown, in no order: regular files that are not hidden, with the name
 /// of an image. Links to folders are not followed, so that circles end. Throws `SlideshowImageLibraryError`

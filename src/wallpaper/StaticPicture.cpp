@@ -53,15 +53,8 @@ bool isStaticKind(WallpaperModeKind kind) {
     switch (kind) {
         case WallpaperModeKind::solidColor:
         case WallpaperModeKind::image:
-        case WallpaperModeKind::slideshow:
-        case WallpaperModeKind::apod:
-        case WallpaperModeKind::nasaEpic:
-        case WallpaperModeKind::wallhaven:
-        case WallpaperModeKind::unsplash:
-        case WallpaperModeKind::bing:
-        case WallpaperModeKind::windowsSpotlight:
-        case WallpaperModeKind::museums: return true;
-        default: return false;
+        case WallpaperModeKind::slideshow: return true;
+        default: return isRemote(kind);
     }
 }
 

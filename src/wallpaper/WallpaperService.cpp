@@ -39,6 +39,7 @@ Task<PreparedWallpaperImage> WallpaperService::prepareImage(WallpaperApplyReques
     // The folder's, until the file's own: a sweep must not come between a render and its use.
     const CacheFileLease cacheLease = leaseOfCache();
     throwIfInvalid(request.mode);
+    if (isRemote(request.mode.kind())) co_return co_await prepareRemoteImage(std::move(request));
     StaticPicture picture = co_await renderExecutor_.run(
         [mode = request.mode, display = request.display, renderer = renderer_, random = randomIndex_] {
             return renderStaticPicture(mode, display, renderer, random);
@@ -48,6 +49,24 @@ Task<PreparedWallpaperImage> WallpaperService::prepareImage(WallpaperApplyReques
         .cacheLease = std::move(imageLease),
         .image = std::move(picture.image),
         .selectedSlideshowImageURL = std::move(picture.selectedSlideshowImageURL)};
+}
+
+Task<PreparedWallpaperImage> WallpaperService::prepareRemoteImage(WallpaperApplyRequest request) {
+    const auto presentation = request.mode.imagePresentation();
+    if (!presentation) throw Error(Error::Case::unsupportedMode);
+    const ResolvedRemoteImage source = co_await remoteImages_.resolveImage(
+        request.mode, request.display, request.reason == WallpaperApplyReason::rotation,
+        request.presentation);
+    std::filesystem::path image =
+        co_await renderExecutor_.run([file = source.image, caption = source.overlayCaption.value_or(""),
+                                      look = *presentation, display = request.display, renderer = renderer_] {
+            return renderer.image(file, look.layout, look.backgroundHexColor, caption, display);
+        });
+    CacheFileLease imageLease(cacheFiles_, image);
+    co_return PreparedWallpaperImage{.selectionLease = leaseOf(source.windowsSpotlightSelection),
+                                     .cacheLease = std::move(imageLease),
+                                     .image = std::move(image),
+                                     .windowsSpotlightSelection = source.windowsSpotlightSelection};
 }
 
 Task<WallpaperApplyOutcome> WallpaperService::applyPrepared(PreparedWallpaperApplication application) {

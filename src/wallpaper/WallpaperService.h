@@ -4,6 +4,7 @@
 #include "async/Executor.h"
 #include "display/DisplayService.h"
 #include "platform/DesktopPicture.h"
+#include "remote/RemoteImageProvider.h"
 #include "wallpaper/StaticPicture.h"
 #include "wallpaper/WallpaperApplicationGate.h"
 #include "wallpaper/WallpaperRequests.h"
@@ -16,13 +17,15 @@ class WallpaperService final : public WallpaperTransactionOperationApplying {
 public:
     WallpaperService(const DisplayService& displays, DesktopPicturing& desktop,
                      const WallpaperApplicationGate& gate, const WallpaperRenderer& renderer,
-                     Executor& renderExecutor, const CacheFileProtection& cacheFiles, RandomIndex randomIndex)
+                     Executor& renderExecutor, const CacheFileProtection& cacheFiles,
+                     RemoteImageProvider& remoteImages, RandomIndex randomIndex)
         : displays_(displays),
           desktop_(desktop),
           gate_(gate),
           renderer_(renderer),
           renderExecutor_(renderExecutor),
           cacheFiles_(cacheFiles),
+          remoteImages_(remoteImages),
           randomIndex_(std::move(randomIndex)) {}
 
     Task<WallpaperApplyOutcome> apply(WallpaperApplyRequest request) override;
@@ -34,6 +37,7 @@ public:
     Task<PreparedWallpaperImage> prepareImage(WallpaperApplyRequest request);
 
 private:
+    Task<PreparedWallpaperImage> prepareRemoteImage(WallpaperApplyRequest request);
     Screen screenOf(const std::string& displayID) const;
     CacheFileLease leaseOfCache() const { return {cacheFiles_, renderer_.cacheDirectory(), true}; }
     std::optional<CacheFileLease> leaseOf(const std::optional<WindowsSpotlightSelection>& selection) const;
@@ -46,6 +50,7 @@ private:
     const WallpaperRenderer& renderer_;
     Executor& renderExecutor_;
     const CacheFileProtection& cacheFiles_;
+    RemoteImageProvider& remoteImages_;
     RandomIndex randomIndex_;
     std::map<std::string, CacheFileLease> desktopLeases_;  ///< by display: on the file that it shows
 };

@@ -33,7 +33,10 @@ struct WallpaperCommandTest : ::testing::Test {
                               .coordinator = coordinator,
                               .displays = displays,
                               .desktopPicture = desktop,
-                              .grantFor = [](Url) -> Task<std::optional<Bytes>> { co_return Bytes{1, 2}; }}};
+                              .grantFor = [](Url) -> Task<std::optional<Bytes>> { co_return Bytes{1, 2}; },
+                              .readKey = [](std::filesystem::path file) -> Task<std::string> {
+                                  co_return "key of " + file.string();
+                              }}};
     TaskScope tasks{loop};
 
     void SetUp() override {
@@ -76,6 +79,11 @@ TEST_F(WallpaperCommandTest, aModeIsSetSavedAndAnsweredForTheDisplayThatWasNamed
         << "what was set up before is kept";
     EXPECT_EQ(run({"wallpaper", "set", "main", "disabled"}).status, 0);
     EXPECT_EQ(modeOf(1).kind(), WallpaperModeKind::disabled);
+}
+
+TEST_F(WallpaperCommandTest, aServicesKeyComesFromAFile) {
+    EXPECT_EQ(run({"wallpaper", "set", "main", "unsplash", "--accessKeyFile", "../key"}).status, 0);
+    EXPECT_EQ(std::get<UnsplashSettings>(modeOf(1).value).accessKey, "key of /home/ana/../key");
 }
 
 TEST_F(WallpaperCommandTest, aDisplayThatFailsIsNamedAndTheStatusSaysSo) {
@@ -138,8 +146,37 @@ TEST(WallpaperModeArgumentsTest, whatIsNotUnderstoodIsSaid) {
         {{"mode", "{\"disabled\":{}}"}, "understood"},
         {{"slideshow", "a", "--interval", "60", "--shuffle", "--subfolders", "--background", "#000000"},
          "understood"},
+        {{"apod", "MY-KEY"}, "Only options stand behind the name of a service."},
+        {{"apod", "--apikey=MY-KEY"}, "\"apod\" does not take \"--apikey\"."},
+        {{"apod", "--apiKey"}, "\"--apiKey\" needs a value."},
+        {{"bing", "--apiKeyFile", "f"}, "\"bing\" does not take \"--apiKeyFile\"."},
+        {{"apod", "--useHDImage=maybe"}, "\"--useHDImage\" is true or false."},
+        {{"nasa-epic", "--recentDays", "2.5"}, "\"--recentDays\" needs a whole number."},
+        {{"museums", "--sources", "rijksmuseum,louvre"},
+         "\"--sources\" is one of artInstituteChicago, metropolitanMuseum, rijksmuseum, clevelandMuseum, "
+         "smkDenmark, smithsonian."},
+        {{"spotlight", "--lastSelection", "x"}, "\"spotlight\" does not take \"--lastSelection\"."},
     };
     for (const auto& [words, text] : rows) EXPECT_EQ(complaint(words), text);
+}
+
+TEST(WallpaperModeArgumentsTest, optionsOfAServiceSetTheFieldsThatTheyAreCalledAs) {
+    const auto parse = [](Words words) { return parseWallpaperMode(words, "/home/ana").mode.value; };
+    EXPECT_EQ(std::get<APODSettings>(parse({"apod"})), APODSettings{});
+    EXPECT_EQ(std::get<WallhavenSettings>(
+                  parse({"wallhaven", "--includeAnime", "--includeGeneral=false", "--sorting", "toplist",
+                         "--color", "660000", "--ratios", "16x9,4x3", "--interval", "60"})),
+              (WallhavenSettings{.includeGeneral = false,
+                                 .includeAnime = true,
+                                 .sorting = WallhavenSorting::toplist,
+                                 .color = "660000",
+                                 .ratios = {"16x9", "4x3"},
+                                 .rotationIntervalSeconds = 60}));
+    EXPECT_EQ(
+        std::get<MuseumsSettings>(parse({"museums", "--sources=smkDenmark", "--layout", "fill"})),
+        (MuseumsSettings{.sources = {MuseumsSource::smkDenmark}, .layout = ImagePresentationLayout::fill}));
+    EXPECT_EQ(parseWallpaperMode(Words{"unsplash", "--accessKeyFile", "key"}, "/home/ana").keyFile,
+              "/home/ana/key");
 }
 
 }  // namespace

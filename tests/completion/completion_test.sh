@@ -56,10 +56,11 @@ offers() {
 # As an interactive shell has it.
 COMP_WORDBREAKS=$' \t\n"\'><=;|&(:'
 
-offers '--help --version backup displays quit wallpaper' ''
+offers '--help --version backup displays quit status wallpaper' ''
 offers 'backup' b
 offers '--help --version' --
 offers '--json' displays ''
+offers '--json' status ''
 offers '' displays --json ''
 offers '' quit ''
 
@@ -82,8 +83,9 @@ offers 'Dell U2720Q' wallpaper set '"Dell U'
 offers '16fd2706-8baf-433b-82eb-8c7fada847da 1b4e28ba-2fa1-11d2-883f-0016d3cca427' wallpaper set display : 1
 offers '' wallpaper next all ''
 
-offers 'colour disabled image mode slideshow' wallpaper set all ''
-offers 'colour disabled image mode slideshow' wallpaper set display : 1b4e28ba-2fa1-11d2-883f-0016d3cca427 ''
+kinds='apod bing colour disabled image mode museums nasa-epic slideshow spotlight unsplash wallhaven'
+offers "$kinds" wallpaper set all ''
+offers "$kinds" wallpaper set display : 1b4e28ba-2fa1-11d2-883f-0016d3cca427 ''
 offers '' wallpaper set all colour ''
 offers '<default>' wallpaper set main image ''
 offers '--background --layout' wallpaper set main image a.png ''
@@ -94,5 +96,11 @@ offers '<dirnames>' wallpaper set main slideshow ''
 offers '--background --interval --layout --subfolders' wallpaper set main slideshow dir --shuffle ''
 offers '' wallpaper set main slideshow dir --interval ''
 offers '' wallpaper set main mode '{}' ''
+
+offers '--background --layout' wallpaper set main bing --market de-DE ''
+offers 'center fill fit stretch tile' wallpaper set main museums --layout ''
+offers 'search' wallpaper set main unsplash --filter s
+offers '' wallpaper set main museums --sources ''
+offers '<default>' wallpaper set main apod --apiKeyFile ''
 
 exit $((failures > 0))

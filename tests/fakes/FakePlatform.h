@@ -7,8 +7,10 @@
 #include "async/WaitList.h"
 #include "fakes/FakeDesktopPicture.h"
 #include "fakes/FakeExecutors.h"
+#include "fakes/FakeHTTPSession.h"
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeScreens.h"
+#include "fakes/FakeServices.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 
@@ -91,7 +93,7 @@ struct FakePlatform {
     HeldExecutor background;
     TemporaryFolder folder;
     Environment environment{{"XDG_DATA_HOME", folder.path()}};
-    BundleInfo bundle{{{"QuillmarSemanticVersion", "1.2.3"}, {"CFBundleName", "Quillmar"}}};
+    BundleInfo bundle{bundleKeys()};
     FakeProcess process;
     FakeControlChannel control;
     FakeSystemEvents systemEvents;
@@ -101,6 +103,7 @@ struct FakePlatform {
     FakeScreens screens;
     FakeDesktopPicture desktop;
     FakePictureRendering rendering;
+    FakeHTTPSession web{loop};
     FakeSettingsWindow settingsWindow;
     std::vector<std::string> preferredLanguages{"en_GB"};
     int flushes = 0;
@@ -123,12 +126,19 @@ struct FakePlatform {
                 .screens = screens,
                 .desktopPicture = desktop,
                 .pictureRendering = rendering,
+                .webSession = web,
                 .settingsWindow = &settingsWindow,
                 .flushLog = [this] { return flush(); }};
     }
     Task<void> flush() {
         ++flushes;
         co_return;
+    }
+    static std::map<std::string, std::string, std::less<>> bundleKeys() {
+        std::map<std::string, std::string, std::less<>> keys = fakeServiceKeys();
+        keys["QuillmarSemanticVersion"] = "1.2.3";
+        keys["CFBundleName"] = "Quillmar";
+        return keys;
     }
     std::filesystem::path settingsFile() const { return folder.path() / "Quillmar/settings.json"; }
 };

@@ -3,8 +3,11 @@
 #include <gmock/gmock.h>
 #include <libsoup/soup.h>
 
+#include <map>
+
 #include "async/TaskScope.h"
 #include "fakes/VirtualLoop.h"
+#include "linux/soup/PublicAddress.h"
 
 namespace quillmar {
 namespace {
@@ -15,7 +18,7 @@ using testing::SizeIs;
 
 /// A web server on the loopback interface. "/status/404" answers with that status and "answer", "/bytes/9"
 /// with nine bytes; other paths take the connection over: "/silent" says nothing, "/trickle" a part and then
-/// nothing, "/half" a part and hangs up.
+/// what `says` says, "/endless" a lot and never that it is done, the others something and hang up.
 class Server {
 public:
     Server() : server_(Ref<SoupServer>::adopt(soup_server_new("server-header", "test", nullptr))) {
@@ -41,6 +44,12 @@ public:
         const bool wouldBlock = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_WOULD_BLOCK);
         g_clear_error(&error);
         return count == 0 || (count < 0 && !wouldBlock);
+    }
+
+    /// Goes on with the answer on the connection that was taken over.
+    void says(const std::string& words) {
+        g_output_stream_write_all(g_io_stream_get_output_stream(taken_.get()), words.data(), words.size(),
+                                  nullptr, nullptr, nullptr);
     }
 
     std::vector<std::string> requests;
@@ -69,11 +78,17 @@ private:
                                              bytes.size());
         } else {
             taken_ = Ref<GIOStream>::adopt(soup_server_message_steal_connection(message));
-            const std::string_view part =
-                path == "/silent" ? "" : "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf";
-            g_output_stream_write_all(g_io_stream_get_output_stream(taken_.get()), part.data(), part.size(),
-                                      nullptr, nullptr, nullptr);
-            if (path == "/half") g_io_stream_close(taken_.get(), nullptr, nullptr);
+            static const std::map<std::string, std::string> words = {
+                {"/half", "Content-Length: 100\r\n\r\nhalf"},
+                {"/trickle", "Content-Length: 100\r\n\r\nhalf"},
+                {"/endless", "\r\n" + std::string(100000, 'x')},
+                {"/until-the-end", "\r\nhello"},
+                {"/chunked", "Transfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n0\r\n\r\n"},
+                {"/broken-chunk", "Transfer-Encoding: chunked\r\n\r\n5\r\nhel"},
+            };
+            if (path != "/silent") says("HTTP/1.1 200 OK\r\n" + words.at(path));
+            const bool stays = path == "/silent" || path == "/trickle" || path == "/endless";
+            if (!stays) g_io_stream_close(taken_.get(), nullptr, nullptr);
         }
     }
 
@@ -84,6 +99,13 @@ private:
 
 class SoupHTTPSessionTest : public testing::Test {
 public:
+    struct Answer {
+        int status = 0;
+        std::map<std::string, std::string> headers;
+        std::string body;
+        std::optional<std::int64_t> expectedContentLength;
+        std::optional<std::string> mimeType;
+    };
     /// Lets the sockets and the loop work until `condition` holds.
     bool settleUntil(const std::function<bool()>& condition) {
         return loop.settleUntil([&] {
@@ -105,11 +127,18 @@ public:
         return outcome;
     }
     static Task<void> outcomeOf(SoupHTTPSession* session, HTTPRequest request, std::size_t maximumBytes,
-                                std::string* outcome, HTTPResponse* answer) {
+                                std::string* outcome, Answer* answer) {
         try {
-            *answer = co_await session->send(std::move(request), maximumBytes);
-            *outcome = std::to_string(answer->status) + " " + std::to_string(answer->body.size()) +
-                       (answer->isBodyCut ? " cut" : "");
+            const HTTPResponse response = co_await session->open(std::move(request));
+            *answer = {
+                response.status, response.headers, {}, response.expectedContentLength, response.mimeType};
+            while (answer->body.size() <= maximumBytes) {
+                const Bytes piece = co_await response.body->read(4096);
+                if (piece.empty()) break;
+                answer->body.append(piece.begin(), piece.end());
+            }
+            *outcome = std::to_string(answer->status) + " " +
+                       (answer->body.size() > maximumBytes ? "left" : std::to_string(answer->body.size()));
         } catch (const CancellationError&) {
             *outcome = "cancelled";
         } catch (const std::runtime_error&) {
@@ -132,7 +161,7 @@ public:
     VirtualLoop loop;
     SoupHTTPSession session{loop, 1};
     std::string outcome;
-    HTTPResponse answer;
+    Answer answer;
     TaskHandle<void> task;
     TaskScope scope{loop};
 };
@@ -143,7 +172,9 @@ TEST_F(SoupHTTPSessionTest, everyStatusIsAnAnswerAndRedirectsAreNotFollowed) {
     }
     EXPECT_THAT(server.requests, SizeIs(8));
     EXPECT_EQ(answer.headers["location"], "/status/200");
-    EXPECT_EQ(std::string(answer.body.begin(), answer.body.end()), "answer");
+    EXPECT_EQ(answer.body, "answer");
+    EXPECT_EQ(answer.expectedContentLength, 6);
+    EXPECT_EQ(answer.mimeType, "text/plain");
 }
 
 TEST_F(SoupHTTPSessionTest, aRequestArrivesAsItWasMadeAndNoCookieComesBack) {
@@ -160,13 +191,73 @@ TEST_F(SoupHTTPSessionTest, aRequestArrivesAsItWasMadeAndNoCookieComesBack) {
                 ElementsAre("GET /status/200 none none ", "POST /status/200 yes none {\"a\":1}"));
 }
 
-TEST_F(SoupHTTPSessionTest, aBodyIsReadUpToItsBoundAndNoFurther) {
+TEST_F(SoupHTTPSessionTest, aBodyIsReadToItsEndOrLeftAndTheConnectionIsFreeEitherWay) {
     EXPECT_EQ(requested("/bytes/0", 0), "200 0");
-    EXPECT_EQ(requested("/bytes/1", 0), "200 0 cut");
-    EXPECT_EQ(requested("/bytes/1000", 1000), "200 1000");
-    EXPECT_EQ(requested("/bytes/1001", 1000), "200 1000 cut");
-    EXPECT_EQ(requested("/bytes/3000000", 200000), "200 200000 cut");
-    EXPECT_EQ(requested("/bytes/3000000", SIZE_MAX), "200 3000000");
+    EXPECT_EQ(requested("/bytes/1", 0), "200 left");
+    EXPECT_EQ(requested("/bytes/3000000", 200000), "200 left");
+    EXPECT_EQ(requested("/bytes/3000000", SIZE_MAX - 1), "200 3000000");
+    EXPECT_EQ(requested("/endless", 90000), "200 left");
+    expectTheConnectionIsFree();
+}
+
+TEST_F(SoupHTTPSessionTest, aLengthIsKnownWhereItIsAnnouncedAndMustBeTrue) {
+    EXPECT_EQ(requested("/half"), "failed");
+    EXPECT_EQ(answer.expectedContentLength, 100);
+    EXPECT_EQ(requested("/chunked"), "200 5");
+    EXPECT_EQ(answer.expectedContentLength, std::nullopt);
+    EXPECT_EQ(answer.mimeType, std::nullopt);
+    EXPECT_EQ(requested("/broken-chunk"), "failed");
+    EXPECT_EQ(requested("/until-the-end"), "200 5");
+}
+
+TEST_F(SoupHTTPSessionTest, eachWordOfTheServerBeginsItsSilenceAnewButTheWholeHasAnEnd) {
+    startsAndReaches("/trickle");
+    for (int second = 0; second < 28; second += 14) {
+        loop.advance(seconds(14));
+        server.says("x");
+        settleUntil([&, length = answer.body.size()] { return answer.body.size() > length; });
+        EXPECT_EQ(outcome, "");
+    }
+    loop.advance(seconds(1));
+    EXPECT_EQ(outcome, "");
+    loop.advance(seconds(1));
+    EXPECT_TRUE(settleUntil([&] { return !outcome.empty(); }));
+    EXPECT_EQ(outcome, "failed");
+    expectTheConnectionIsFree();
+}
+
+TEST_F(SoupHTTPSessionTest, aRequestForTheInternetReachesNothingOfThisMachineWhateverItIsCalled) {
+    requested("/status/200");  // a connection that is there already is no way in either
+    for (const char* host : {"127.0.0.1", "localhost", "[::1]", "[::ffff:127.0.0.1]"}) {
+        outcome.clear();
+        const std::string port = std::to_string(*server.url("/").port());
+        const auto url = Url::parse("http://" + std::string(host) + ":" + port + "/status/200");
+        scope.spawn(
+            outcomeOf(&session, {.url = *url, .reach = HTTPReach::publicNetworks}, 10, &outcome, &answer));
+        EXPECT_TRUE(settleUntil([&] { return !outcome.empty(); }));
+        EXPECT_EQ(outcome, "failed") << host;
+    }
+    EXPECT_THAT(server.requests, SizeIs(1));
+}
+
+TEST(PublicAddressTest, theInternetIsWhatNoOtherNetworkHasReserved) {
+    const auto isPublic = [](const char* text) {
+        const auto address = Ref<GInetAddress>::adopt(g_inet_address_new_from_string(text));
+        return isPublicAddress(address.get());
+    };
+    for (const char* text :
+         {"8.8.8.8", "172.15.0.1", "172.32.0.1", "100.63.0.1", "100.128.0.1", "223.255.255.1",
+          "2606:4700::1111", "2a00::1", "::ffff:8.8.8.8", "64:ff9b::808:808", "2002:808:808::1"}) {
+        EXPECT_TRUE(isPublic(text)) << text;
+    }
+    for (const char* text : {"0.0.0.0",       "10.1.2.3",        "100.64.0.1",      "127.8.9.1",
+                             "169.254.1.1",   "172.16.0.1",      "172.31.255.1",    "192.168.1.1",
+                             "224.0.0.1",     "240.0.0.1",       "255.255.255.255", "::",
+                             "::1",           "fc00::1",         "fd12::1",         "fe80::1",
+                             "ff02::1",       "::ffff:10.0.0.1", "::127.0.0.1",     "64:ff9b::7f00:1",
+                             "2002:7f00:1::1"}) {
+        EXPECT_FALSE(isPublic(text)) << text;
+    }
 }
 
 TEST_F(SoupHTTPSessionTest, whatIsNoWholeAnswerIsAFailure) {
@@ -228,7 +319,7 @@ TEST_F(SoupHTTPSessionTest, anInvalidatedSessionCancelsWhatRunsAndWhatComes) {
 TEST_F(SoupHTTPSessionTest, oneHostSeesOneConnectionAtATime) {
     startsAndReaches("/silent");
     std::string second;
-    HTTPResponse ignored;
+    Answer ignored;
     scope.spawn(outcomeOf(&session, {.url = server.url("/status/200")}, 10, &second, &ignored));
     for (int i = 0; i < 50; ++i) settleUntil([] { return true; });
     EXPECT_THAT(server.requests, SizeIs(1));

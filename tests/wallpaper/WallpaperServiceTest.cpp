@@ -6,6 +6,7 @@
 #include "fakes/FakeDesktopPicture.h"
 #include "fakes/FakeExecutors.h"
 #include "fakes/FakePictureRendering.h"
+#include "fakes/FakeRemoteImageProvider.h"
 #include "fakes/FakeScreens.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
@@ -31,8 +32,15 @@ struct WallpaperServiceTest : ::testing::Test {
     HeldExecutor executor;
     WallpaperRenderer renderer{cache, rendering, clock};
     CacheFileProtection cacheFiles;
-    WallpaperService service{
-        displays, desktop, gate, renderer, executor, cacheFiles, [](std::size_t) { return std::size_t{0}; }};
+    FakeRemoteImageProvider remoteImages;
+    WallpaperService service{displays,
+                             desktop,
+                             gate,
+                             renderer,
+                             executor,
+                             cacheFiles,
+                             remoteImages,
+                             [](std::size_t) { return std::size_t{0}; }};
     TaskScope tasks{loop};
 
     void SetUp() override {
@@ -248,6 +256,75 @@ TEST_F(WallpaperServiceTest, aChosenSourcePictureIsKeptForAsLongAsTheOutcome) {
     EXPECT_FALSE(cacheFiles.removeIfFree(source));
     outcome = {};
     EXPECT_TRUE(cacheFiles.removeIfFree(source));
+}
+
+struct WallpaperServiceRemoteTest : WallpaperServiceTest {
+    void SetUp() override {
+        WallpaperServiceTest::SetUp();
+        remoteImages.image = resolvedPath(folder.path()) / "remote-1.jpg";
+        std::ofstream(remoteImages.image) << "x";
+    }
+    WallpaperApplyRequest remote(WallpaperApplyReason reason = WallpaperApplyReason::userInitiated) {
+        WindowsSpotlightSettings settings;
+        settings.layout = ImagePresentationLayout::stretch;
+        return {displays.displays()[0], WallpaperMode{settings}, reason};
+    }
+};
+
+TEST_F(WallpaperServiceRemoteTest, aServicesPictureIsDrawnAsItsModeSaysAndWithItsCaption) {
+    remoteImages.caption = "NASA EPIC";
+    EXPECT_EQ(runToEnd(service.apply(remote())), "done");
+    EXPECT_EQ(rendering.lastSource, remoteImages.image);
+    EXPECT_EQ(rendering.lastComposition.destination, (PictureRect{0, 0, 1920, 1080}));
+    ASSERT_TRUE(rendering.lastComposition.caption);
+    EXPECT_EQ(rendering.lastComposition.caption->text, "NASA EPIC");
+    runToEnd(service.apply(remote(WallpaperApplyReason::rotation)));
+    EXPECT_THAT(remoteImages.calls,
+                ::testing::ElementsAre("windowsSpotlight " + FakeScreens::displayID(1) + " stays wallpaper",
+                                       "windowsSpotlight " + FakeScreens::displayID(1) +
+                                           " advances wallpaper"));
+}
+
+TEST_F(WallpaperServiceRemoteTest, aServiceThatFailsLeavesTheDesktopAlone) {
+    remoteImages.failure = std::make_exception_ptr(std::runtime_error("no network"));
+    EXPECT_EQ(runToEnd(service.apply(remote())), "no network");
+    EXPECT_EQ(desktop.setCount, 0);
+}
+
+TEST_F(WallpaperServiceRemoteTest, theSourceIsKeptWhileItIsRenderedAndLongerOnlyWhenItIsToBeRemembered) {
+    const fs::path source = remoteImages.image;
+    PreparedWallpaperApplication prepared;
+    EXPECT_EQ(run(service.prepare(remote()), &prepared), "waiting");
+    EXPECT_FALSE(cacheFiles.removeIfFree(source));
+    executor.releaseAll();
+    loop.settle();
+    EXPECT_FALSE(prepared.image->selectionLease);
+    remoteImages.selection = WindowsSpotlightSelection{.imageURL = Url::fromFilePath(source)};
+    WallpaperApplyOutcome outcome;
+    EXPECT_EQ(runToEnd(service.apply(remote()), &outcome), "done");
+    EXPECT_EQ(outcome.windowsSpotlightSelection, remoteImages.selection);
+    EXPECT_FALSE(cacheFiles.removeIfFree(source));
+    outcome = {};
+    EXPECT_TRUE(cacheFiles.removeIfFree(source));
+}
+
+TEST_F(WallpaperServiceRemoteTest, aDisplayThatIsUnpluggedWhileItsServiceAnswersFailsAlone) {
+    remoteImages.hold();
+    std::string text;
+    tasks.spawn([](Task<WallpaperApplyOutcome> work, std::string* to) -> Task<void> {
+        try {
+            co_await std::move(work);
+        } catch (const std::exception& error) {
+            *to = error.what();
+        }
+    }(service.apply(remote()), &text));
+    loop.settle();
+    screens.unplug(1);
+    executor.runsAtOnce = true;
+    remoteImages.letThrough();
+    loop.settle();
+    EXPECT_EQ(text, gone(1));
+    EXPECT_EQ(desktop.setCount, 0);
 }
 
 }  // namespace

@@ -84,4 +84,16 @@ void LinuxPictureRendering::renderImage(const std::filesystem::path& source, con
     file.commit();
 }
 
+bool LinuxPictureRendering::isPicture(const std::filesystem::path& file) const {
+    try {
+        const std::unique_ptr<PictureDecoder> decoder = openPictureFile(file, module_);
+        const PixelGrid smallest = decoder->chooseGrid(1, 1);
+        const auto rows = decoder->rows({0, 0, smallest.width, smallest.height}, {});
+        for (int row = 0; row < smallest.height; ++row) rows->nextRow();
+        return true;
+    } catch (const PictureDecodingError&) {
+        return false;
+    }
+}
+
 }  // namespace quillmar

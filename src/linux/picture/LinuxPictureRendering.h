@@ -11,6 +11,7 @@ public:
     Bytes solidColorPng(int width, int height, RgbColor color) const override;
     void renderImage(const std::filesystem::path& source, const PictureComposer& composer,
                      const std::filesystem::path& target) const override;
+    bool isPicture(const std::filesystem::path& file) const override;
 
 private:
     mutable PictureModule module_;

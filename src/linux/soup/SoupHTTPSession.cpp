@@ -8,11 +8,10 @@
 
 #include "base/Text.h"
 #include "linux/glib/Gio.h"
+#include "linux/soup/PublicAddress.h"
 
 namespace quillmar {
 namespace {
-
-constexpr std::size_t chunkBytes = 65536;
 
 std::map<std::string, std::string> headersOf(SoupMessage* message) {
     std::map<std::string, std::string> headers;
@@ -25,6 +24,22 @@ std::map<std::string, std::string> headersOf(SoupMessage* message) {
         },
         &headers);
     return headers;
+}
+
+/// The response but for its body.
+HTTPResponse headOf(SoupMessage* message) {
+    HTTPResponse response;
+    response.status = static_cast<int>(soup_message_get_status(message));
+    response.headers = headersOf(message);
+    SoupMessageHeaders* headers = soup_message_get_response_headers(message);
+    // What is unpacked on the way has another length than what was announced.
+    if (soup_message_headers_get_encoding(headers) == SOUP_ENCODING_CONTENT_LENGTH &&
+        !response.headers.contains("content-encoding")) {
+        response.expectedContentLength = soup_message_headers_get_content_length(headers);
+    }
+    const char* type = soup_message_headers_get_content_type(headers, nullptr);
+    if (type) response.mimeType = lowercased(type);
+    return response;
 }
 
 Task<Ref<GInputStream>> answerStream(Ref<SoupSession> session, Ref<SoupMessage> message) {
@@ -65,26 +80,64 @@ public:
           silenceLimit_(request.requestTimeout),
           onOuterStop_(outer, [this] { stop_.request_stop(); }) {
         if (request.resourceTimeout > Duration::zero()) {
-            limit_ = Scheduled(loop, loop.now() + request.resourceTimeout, [this] { timeOut(); });
+            limit_ = Scheduled(loop, loop.now() + request.resourceTimeout,
+                               [this] { end("The request timed out."); });
         }
-        serverSpoke();
     }
     Transfer(const Transfer&) = delete;
     Transfer& operator=(const Transfer&) = delete;
-    ~Transfer() { all_.erase(position_); }
+    ~Transfer() {
+        stopWatching();
+        all_.erase(position_);
+    }
 
-    std::stop_token stopToken() const { return stop_.get_token(); }
     void cancel() { stop_.request_stop(); }
-    bool didTimeOut() const { return didTimeOut_; }
-    /// Begins the time anew in which the server may be silent.
-    void serverSpoke() {
-        if (silenceLimit_ <= Duration::zero()) return;
-        silence_ = Scheduled(loop_, loop_.now() + silenceLimit_, [this] { timeOut(); });
+
+    /// Waits for the server's next word, no longer than it may be silent.
+    template <class T>
+    Task<T> waitFor(Task<T> word) {
+        const TaskContext context = co_await currentContext();
+        const std::stop_callback onStop(context.stop, [this] { stop_.request_stop(); });
+        if (silenceLimit_ > Duration::zero()) {
+            silence_ =
+                Scheduled(loop_, loop_.now() + silenceLimit_, [this] { end("The request timed out."); });
+        }
+        word.setContext({context.loop, stop_.get_token()});
+        try {
+            T result = co_await std::move(word);
+            silence_.cancel();
+            co_return result;
+        } catch (const CancellationError&) {
+            if (failure_) throw std::runtime_error(failure_);
+            throw;
+        }
+    }
+
+    /// Keeps the message from reaching any machine but those of the public Internet.
+    void keepPublic(SoupMessage* message) {
+        g_signal_connect(message, "network-event", G_CALLBACK(&onNetworkEvent), this);
+        message_ = Ref<SoupMessage>::share(message);
+    }
+    /// The connection stands; whatever it reports from now on comes too late for us.
+    void stopWatching() {
+        if (message_) g_signal_handlers_disconnect_by_data(message_.get(), this);
+        message_ = {};
     }
 
 private:
-    void timeOut() {
-        didTimeOut_ = true;
+    static void onNetworkEvent(SoupMessage*, GSocketClientEvent event, GIOStream* connection, gpointer data) {
+        if (event != G_SOCKET_CLIENT_CONNECTING || !G_IS_SOCKET_CONNECTION(connection)) return;
+        const auto address = Ref<GSocketAddress>::adopt(
+            g_socket_connection_get_remote_address(G_SOCKET_CONNECTION(connection), nullptr));
+        // A proxy stands where it stands; what it may reach is its own affair.
+        if (!address || G_IS_PROXY_ADDRESS(address.get())) return;
+        const bool isPublic =
+            G_IS_INET_SOCKET_ADDRESS(address.get()) &&
+            isPublicAddress(g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(address.get())));
+        if (!isPublic) static_cast<Transfer*>(data)->end("The address is not one of the Internet.");
+    }
+    void end(const char* failure) {
+        if (!failure_) failure_ = failure;
         stop_.request_stop();
     }
 
@@ -92,11 +145,29 @@ private:
     Transfers& all_;
     Transfers::iterator position_;
     Duration silenceLimit_;
-    bool didTimeOut_ = false;
+    const char* failure_ = nullptr;  ///< why it ended, when nobody cancelled it
     std::stop_source stop_;
     std::stop_callback<std::function<void()>> onOuterStop_;
     Scheduled silence_;
     Scheduled limit_;
+    Ref<SoupMessage> message_;
+};
+
+class SoupHTTPSession::Body final : public HTTPBody {
+public:
+    Body(std::unique_ptr<Transfer> transfer, Ref<GInputStream> stream)
+        : transfer_(std::move(transfer)), stream_(std::move(stream)) {}
+
+    Task<Bytes> read(std::size_t maximumBytes) override {
+        const Owned<GBytes> chunk = co_await transfer_->waitFor(nextChunk(stream_, maximumBytes));
+        gsize size = 0;
+        const auto* data = static_cast<const std::uint8_t*>(g_bytes_get_data(chunk.get(), &size));
+        co_return Bytes(data, data + size);
+    }
+
+private:
+    std::unique_ptr<Transfer> transfer_;
+    Ref<GInputStream> stream_;
 };
 
 SoupHTTPSession::SoupHTTPSession(MainLoop& loop, int maximumConnectionsPerHost)
@@ -114,19 +185,17 @@ void SoupHTTPSession::invalidateAndCancel() {
     for (Transfer* transfer : Transfers(transfers_)) transfer->cancel();
 }
 
-Task<HTTPResponse> SoupHTTPSession::send(HTTPRequest request, std::size_t maximumBodyBytes) {
+Task<HTTPResponse> SoupHTTPSession::open(HTTPRequest request) {
     const TaskContext context = co_await currentContext();
     if (isInvalidated_ || context.stop.stop_requested()) throw CancellationError();
-    Ref<SoupMessage> toSend = message(request);
-    Transfer transfer(loop_, transfers_, request, context.stop);
-    Task<HTTPResponse> task = exchange(session_, std::move(toSend), &transfer, maximumBodyBytes);
-    task.setContext({context.loop, transfer.stopToken()});
-    try {
-        co_return co_await std::move(task);
-    } catch (const CancellationError&) {
-        if (transfer.didTimeOut()) throw std::runtime_error("The request timed out.");
-        throw;
-    }
+    const Ref<SoupMessage> toSend = message(request);
+    auto transfer = std::make_unique<Transfer>(loop_, transfers_, request, context.stop);
+    if (request.reach == HTTPReach::publicNetworks) transfer->keepPublic(toSend.get());
+    Ref<GInputStream> stream = co_await transfer->waitFor(answerStream(session_, toSend));
+    transfer->stopWatching();
+    HTTPResponse response = headOf(toSend.get());
+    response.body = std::make_unique<Body>(std::move(transfer), std::move(stream));
+    co_return response;
 }
 
 Ref<SoupMessage> SoupHTTPSession::message(const HTTPRequest& request) const {
@@ -136,6 +205,10 @@ Ref<SoupMessage> SoupHTTPSession::message(const HTTPRequest& request) const {
         isWebAddress ? soup_message_new(request.method.c_str(), request.url.string().c_str()) : nullptr);
     if (!message) throw std::runtime_error("not a web address");
     soup_message_add_flags(message.get(), SOUP_MESSAGE_NO_REDIRECT);
+    // A connection that is there already says no more where it leads.
+    if (request.reach == HTTPReach::publicNetworks) {
+        soup_message_add_flags(message.get(), SOUP_MESSAGE_NEW_CONNECTION);
+    }
     if (!request.body.empty()) {
         const Owned<GBytes> body(g_bytes_new(request.body.data(), request.body.size()));
         soup_message_set_request_body_from_bytes(message.get(), nullptr, body.get());
@@ -145,29 +218,6 @@ Ref<SoupMessage> SoupHTTPSession::message(const HTTPRequest& request) const {
         soup_message_headers_replace(headers, name.c_str(), value.c_str());
     }
     return message;
-}
-
-Task<HTTPResponse> SoupHTTPSession::exchange(Ref<SoupSession> session, Ref<SoupMessage> message,
-                                             Transfer* transfer, std::size_t maximumBodyBytes) {
-    const Ref<GInputStream> stream = co_await answerStream(std::move(session), message);
-    transfer->serverSpoke();
-    HTTPResponse response;
-    response.status = static_cast<int>(soup_message_get_status(message.get()));
-    response.headers = headersOf(message.get());
-    while (true) {
-        // One byte more than allowed is asked for: only that tells a body that just fits from one that does
-        // not.
-        const std::size_t room = maximumBodyBytes - response.body.size();
-        const Owned<GBytes> chunk = co_await nextChunk(stream, room < chunkBytes ? room + 1 : chunkBytes);
-        gsize size = 0;
-        const auto* data = static_cast<const std::uint8_t*>(g_bytes_get_data(chunk.get(), &size));
-        if (size == 0) break;
-        transfer->serverSpoke();
-        response.isBodyCut = size > room;
-        response.body.insert(response.body.end(), data, data + std::min<std::size_t>(size, room));
-        if (response.isBodyCut) break;
-    }
-    co_return response;
 }
 
 }  // namespace quillmar

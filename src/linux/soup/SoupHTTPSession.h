@@ -15,18 +15,17 @@ public:
     SoupHTTPSession(MainLoop& loop, int maximumConnectionsPerHost);
     SoupHTTPSession(const SoupHTTPSession&) = delete;
     SoupHTTPSession& operator=(const SoupHTTPSession&) = delete;
-    /// Every `send` has ended by now, as the tasks that wait for them have.
+    /// Every `open` and every body has ended by now, as the tasks that wait for them have.
     ~SoupHTTPSession() override;
 
-    Task<HTTPResponse> send(HTTPRequest request, std::size_t maximumBodyBytes) override;
+    Task<HTTPResponse> open(HTTPRequest request) override;
     void invalidateAndCancel() override;
 
 private:
     class Transfer;
+    class Body;
     using Transfers = std::list<Transfer*>;
     Ref<SoupMessage> message(const HTTPRequest& request) const;
-    static Task<HTTPResponse> exchange(Ref<SoupSession> session, Ref<SoupMessage> message, Transfer* transfer,
-                                       std::size_t maximumBodyBytes);
 
     MainLoop& loop_;
     Ref<SoupSession> session_;

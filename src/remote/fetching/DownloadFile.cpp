@@ -1,0 +1,33 @@
+#include "remote/fetching/DownloadFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "base/Uuid.h"
+
+namespace quillmar {
+
+DownloadFile::DownloadFile(const std::filesystem::path& folder)
+    : path_(folder / ("Quillmar-" + Uuid::random().string() + ".download")),
+      descriptor_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600)) {
+    if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), path_);
+}
+
+DownloadFile::~DownloadFile() {
+    ::close(descriptor_);
+    ::unlink(path_.c_str());
+}
+
+void DownloadFile::append(std::span<const std::uint8_t> bytes) const {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) throw std::system_error(errno, std::generic_category(), path_);
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+}
+
+}  // namespace quillmar

@@ -1,0 +1,26 @@
+#pragma once
+#include <filesystem>
+#include <span>
+
+#include "base/Bytes.h"
+
+namespace quillmar {
+
+/// A private file that a download is written to: readable by this user alone and gone with the object. Used
+/// on one thread at a time. The operations wait for the disk and throw `std::system_error`.
+class DownloadFile {
+public:
+    explicit DownloadFile(const std::filesystem::path& folder);
+    DownloadFile(const DownloadFile&) = delete;
+    DownloadFile& operator=(const DownloadFile&) = delete;
+    ~DownloadFile();
+
+    const std::filesystem::path& path() const { return path_; }
+    void append(std::span<const std::uint8_t> bytes) const;
+
+private:
+    std::filesystem::path path_;
+    int descriptor_;
+};
+
+}  // namespace quillmar

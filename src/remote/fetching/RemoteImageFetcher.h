@@ -1,0 +1,52 @@
+#pragma once
+#include <memory>
+
+#include "async/Executor.h"
+#include "async/WallClock.h"
+#include "platform/HTTPSession.h"
+#include "platform/PictureRendering.h"
+#include "remote/fetching/DownloadFile.h"
+#include "remote/fetching/RemoteImageFetching.h"
+
+namespace quillmar {
+
+/// Fetches from picture services within bounds of size and time, and keeps every picture under a name made
+/// from its address, so that it is asked for once. Main thread; files and pixels are on the executor.
+class RemoteImageFetcher final : public RemoteImageFetching {
+public:
+    struct Folders {
+        std::filesystem::path cache;
+        std::filesystem::path temporary;  ///< of this user alone
+    };
+    RemoteImageFetcher(HTTPSession& session, Executor& files, const PictureRendering& pictures,
+                       const WallClock& clock, Folders folders)
+        : session_(session),
+          files_(files),
+          pictures_(pictures),
+          clock_(clock),
+          folders_(std::move(folders)) {}
+
+    const std::filesystem::path& cacheDirectory() const { return folders_.cache; }
+
+    using RemoteImageFetching::downloadImage;
+    using RemoteImageFetching::fetchMetadata;
+    Task<std::string> fetchMetadata(RemoteService service, Url url,
+                                    std::map<std::string, std::string> headers) override;
+    Task<std::filesystem::path> downloadImage(RemoteService service, Url url, std::int64_t limit) override;
+
+private:
+    using Download = std::shared_ptr<const DownloadFile>;
+    Task<Download> streamImage(RemoteService service, Url url, std::int64_t limit);
+    Task<Download> streamImageUnsorted(RemoteService service, Url url, std::int64_t limit);
+
+    HTTPSession& session_;
+    Executor& files_;
+    const PictureRendering& pictures_;
+    const WallClock& clock_;
+    const Folders folders_;
+};
+
+/// Name of the file that keeps the picture of an address.
+std::string remoteImageFileName(const Url& url);
+
+}  // namespace quillmar

@@ -1,0 +1,26 @@
+#include "remote/fetching/RemoteImageProviderError.h"
+
+namespace quillmar {
+
+std::string RemoteImageProviderError::message(GeneralLanguage language) const {
+    switch (case_) {
+        case Case::invalidResponse:
+            return localized("%@ returned an unexpected response."_key, language, {provider_});
+        case Case::httpStatus:
+            return localized("%@ returned HTTP %lld."_key, language, {provider_, TextArgument(number_)});
+        case Case::noUsableImage:
+            return localized("%@ did not return an image matching the selected options."_key, language,
+                             {provider_});
+        case Case::metadataTooLarge:
+            return localized("%@ returned more metadata than Quillmar can safely process."_key, language,
+                             {provider_});
+        case Case::imageTooLarge:
+            return localized("The provider image is larger than Quillmar's %lld MB download limit."_key,
+                             language, {TextArgument(number_)});
+        case Case::imageDownloadFailed:
+            return localized("Quillmar could not download the image from %@."_key, language, {provider_});
+    }
+    return {};
+}
+
+}  // namespace quillmar

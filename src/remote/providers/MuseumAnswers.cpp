@@ -1,0 +1,286 @@
+#include "remote/providers/MuseumAnswers.h"
+
+#include "base/JsonRecord.h"
+#include "base/Text.h"
+#include "base/UrlEditing.h"
+
+namespace quillmar {
+namespace {
+
+using Text = std::optional<std::string>;
+
+struct ArtInstituteArtwork {
+    std::int64_t id = 0;
+    Text title;
+    Text imageID;
+    static void describe(auto& self, auto& io) {
+        io.required("id", self.id).optional("title", self.title).optional("image_id", self.imageID);
+    }
+};
+struct ArtInstituteConfig {
+    std::string iiifURL;
+    static void describe(auto& self, auto& io) { io.required("iiif_url", self.iiifURL); }
+};
+struct ArtInstituteResponse {
+    std::vector<ArtInstituteArtwork> data;
+    ArtInstituteConfig config;
+    static void describe(auto& self, auto& io) {
+        io.required("data", self.data).required("config", self.config);
+    }
+};
+
+struct MetropolitanSearchResponse {
+    std::optional<std::vector<std::int64_t>> objectIDs;
+    static void describe(auto& self, auto& io) { io.optional("objectIDs", self.objectIDs); }
+};
+struct MetropolitanObjectResponse {
+    std::int64_t objectID = 0;
+    bool isPublicDomain = false;
+    std::string primaryImageLarge;
+    Text title;
+    static void describe(auto& self, auto& io) {
+        io.required("objectID", self.objectID)
+            .required("isPublicDomain", self.isPublicDomain)
+            .required("primaryImageLarge", self.primaryImageLarge)
+            .optional("title", self.title);
+    }
+};
+
+struct Identified {
+    std::string id;
+    static void describe(auto& self, auto& io) { io.required("id", self.id); }
+};
+struct RijksmuseumSearchResponse {
+    std::vector<Identified> orderedItems;
+    static void describe(auto& self, auto& io) { io.required("orderedItems", self.orderedItems); }
+};
+struct Name {
+    Text content;
+    static void describe(auto& self, auto& io) { io.optional("content", self.content); }
+};
+struct RijksmuseumLinkedRecord {
+    std::string id;
+    std::optional<std::vector<Name>> identifiedBy;
+    std::optional<std::vector<Identified>> shows;
+    std::optional<std::vector<Identified>> digitallyShownBy;
+    std::optional<std::vector<Identified>> accessPoint;
+    static void describe(auto& self, auto& io) {
+        io.required("id", self.id)
+            .optional("identified_by", self.identifiedBy)
+            .optional("shows", self.shows)
+            .optional("digitally_shown_by", self.digitallyShownBy)
+            .optional("access_point", self.accessPoint);
+    }
+};
+
+struct ClevelandImage {
+    std::string url;
+    static void describe(auto& self, auto& io) { io.required("url", self.url); }
+};
+struct ClevelandImages {
+    std::optional<ClevelandImage> web;
+    std::optional<ClevelandImage> print;
+    static void describe(auto& self, auto& io) { io.optional("web", self.web).optional("print", self.print); }
+};
+struct ClevelandArtwork {
+    std::int64_t id = 0;
+    Text title;
+    Text shareLicenseStatus;
+    std::optional<ClevelandImages> images;
+    static void describe(auto& self, auto& io) {
+        io.required("id", self.id)
+            .optional("title", self.title)
+            .optional("share_license_status", self.shareLicenseStatus)
+            .optional("images", self.images);
+    }
+};
+struct ClevelandResponse {
+    std::vector<ClevelandArtwork> data;
+    static void describe(auto& self, auto& io) { io.required("data", self.data); }
+};
+
+struct SMKTitle {
+    Text title;
+    static void describe(auto& self, auto& io) { io.optional("title", self.title); }
+};
+struct SMKItem {
+    std::string id;
+    Text objectNumber;
+    std::optional<std::vector<SMKTitle>> titles;
+    std::optional<bool> isPublicDomain;
+    Text imageIIIFID;
+    Text imageThumbnail;
+    static void describe(auto& self, auto& io) {
+        io.required("id", self.id)
+            .optional("object_number", self.objectNumber)
+            .optional("titles", self.titles)
+            .optional("public_domain", self.isPublicDomain)
+            .optional("image_iiif_id", self.imageIIIFID)
+            .optional("image_thumbnail", self.imageThumbnail);
+    }
+};
+struct SMKResponse {
+    std::vector<SMKItem> items;
+    static void describe(auto& self, auto& io) { io.required("items", self.items); }
+};
+
+struct SmithsonianUsage {
+    Text access;
+    static void describe(auto& self, auto& io) { io.optional("access", self.access); }
+};
+struct SmithsonianMedium {
+    std::string content;
+    Text type;
+    std::optional<SmithsonianUsage> usage;
+    static void describe(auto& self, auto& io) {
+        io.required("content", self.content).optional("type", self.type).optional("usage", self.usage);
+    }
+};
+struct SmithsonianOnlineMedia {
+    std::vector<SmithsonianMedium> media;
+    static void describe(auto& self, auto& io) { io.required("media", self.media); }
+};
+struct SmithsonianDescription {
+    std::optional<SmithsonianOnlineMedia> onlineMedia;
+    static void describe(auto& self, auto& io) { io.optional("online_media", self.onlineMedia); }
+};
+struct SmithsonianContent {
+    std::optional<SmithsonianDescription> description;
+    static void describe(auto& self, auto& io) { io.optional("descriptiveNonRepeating", self.description); }
+};
+struct SmithsonianRow {
+    std::string id;
+    Text title;
+    SmithsonianContent content;
+    static void describe(auto& self, auto& io) {
+        io.required("id", self.id).optional("title", self.title).required("content", self.content);
+    }
+};
+struct SmithsonianResponse {
+    std::vector<SmithsonianRow> rows;
+    static void describe(auto& self, auto& io) { io.required("rows", self.rows); }
+};
+struct SmithsonianEnvelope {
+    SmithsonianResponse response;
+    static void describe(auto& self, auto& io) { io.required("response", self.response); }
+};
+
+std::optional<Url> parsedURL(const Text& text) { return text ? Url::parse(*text) : std::nullopt; }
+
+MuseumArtwork artwork(MuseumsSource source, const std::string& id, const Text& title, Url image) {
+    const bool isTitled = title && !title->empty();
+    return {std::string(identityPrefix(source)) + id, isTitled ? *title : "Untitled", std::move(image),
+            source};
+}
+
+std::optional<Url> imageOf(const SmithsonianRow& row) {
+    const auto& description = row.content.description;
+    if (!description || !description->onlineMedia) return std::nullopt;
+    for (const SmithsonianMedium& medium : description->onlineMedia->media) {
+        const bool isImage = lowercased(medium.type.value_or("")).contains("image");
+        const bool isFree = medium.usage && lowercased(medium.usage->access.value_or("")) == "cc0";
+        auto url = Url::parse(medium.content);
+        if (isImage && isFree && url) return url;
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::vector<MuseumArtwork> parseArtInstitute(std::string_view json) {
+    const auto response = json::decode<ArtInstituteResponse>(json);
+    const auto base = Url::parse(response.config.iiifURL);
+    std::vector<MuseumArtwork> artworks;
+    for (const ArtInstituteArtwork& item : response.data) {
+        if (!base || !item.imageID) continue;
+        artworks.push_back(
+            artwork(MuseumsSource::artInstituteChicago, std::to_string(item.id), item.title,
+                    appendingPath(*base, escapedPathComponent(*item.imageID) + "/full/1686,/0/default.jpg")));
+    }
+    return artworks;
+}
+
+std::vector<std::int64_t> parseMetropolitanSearch(std::string_view json) {
+    return json::decode<MetropolitanSearchResponse>(json).objectIDs.value_or(std::vector<std::int64_t>());
+}
+
+std::optional<MuseumArtwork> parseMetropolitanObject(std::string_view json) {
+    const auto object = json::decode<MetropolitanObjectResponse>(json);
+    auto image = Url::parse(object.primaryImageLarge);
+    if (!object.isPublicDomain || !image) return std::nullopt;
+    return artwork(MuseumsSource::metropolitanMuseum, std::to_string(object.objectID), object.title,
+                   *std::move(image));
+}
+
+std::vector<Url> parseRijksmuseumSearch(std::string_view json) {
+    std::vector<Url> records;
+    for (const Identified& item : json::decode<RijksmuseumSearchResponse>(json).orderedItems) {
+        if (auto url = Url::parse(item.id)) records.push_back(*std::move(url));
+    }
+    return records;
+}
+
+RijksmuseumRecord parseRijksmuseumRecord(std::string_view json) {
+    auto linked = json::decode<RijksmuseumLinkedRecord>(json);
+    RijksmuseumRecord record{.id = std::move(linked.id)};
+    for (const Name& name : linked.identifiedBy.value_or(std::vector<Name>())) {
+        if (!name.content) continue;
+        record.title = *name.content;
+        break;
+    }
+    for (const auto& links : {linked.shows, linked.digitallyShownBy}) {
+        if (!record.linkedID && links && !links->empty()) record.linkedID = links->front().id;
+    }
+    for (const Identified& point : linked.accessPoint.value_or(std::vector<Identified>())) {
+        if (!record.imageURL) record.imageURL = Url::parse(point.id);
+    }
+    return record;
+}
+
+MuseumArtwork rijksmuseumArtwork(const RijksmuseumRecord& first, const Url& image) {
+    const std::size_t full = image.string().find("/full/");
+    auto sized = full == std::string::npos
+                     ? std::nullopt
+                     : Url::parse(image.string().substr(0, full) + "/full/2000,/0/default.jpg");
+    return artwork(MuseumsSource::rijksmuseum, first.id, first.title, sized.value_or(image));
+}
+
+std::vector<MuseumArtwork> parseCleveland(std::string_view json) {
+    std::vector<MuseumArtwork> artworks;
+    for (const ClevelandArtwork& item : json::decode<ClevelandResponse>(json).data) {
+        if (item.shareLicenseStatus != "CC0" || !item.images) continue;
+        const auto& image = item.images->print ? item.images->print : item.images->web;
+        auto url = image ? Url::parse(image->url) : std::nullopt;
+        if (!url) continue;
+        artworks.push_back(
+            artwork(MuseumsSource::clevelandMuseum, std::to_string(item.id), item.title, *std::move(url)));
+    }
+    return artworks;
+}
+
+std::vector<MuseumArtwork> parseSMK(std::string_view json) {
+    std::vector<MuseumArtwork> artworks;
+    for (const SMKItem& item : json::decode<SMKResponse>(json).items) {
+        if (item.isPublicDomain != true) continue;
+        auto image = parsedURL(item.imageIIIFID);
+        image = image ? appendingPath(*image, "full/2000,/0/default.jpg") : parsedURL(item.imageThumbnail);
+        if (!image) continue;
+        const bool hasTitles = item.titles && !item.titles->empty();
+        artworks.push_back(artwork(MuseumsSource::smkDenmark, item.id,
+                                   hasTitles ? item.titles->front().title : item.objectNumber,
+                                   *std::move(image)));
+    }
+    return artworks;
+}
+
+std::vector<MuseumArtwork> parseSmithsonian(std::string_view json) {
+    std::vector<MuseumArtwork> artworks;
+    for (const SmithsonianRow& row : json::decode<SmithsonianEnvelope>(json).response.rows) {
+        if (auto image = imageOf(row)) {
+            artworks.push_back(artwork(MuseumsSource::smithsonian, row.id, row.title, *std::move(image)));
+        }
+    }
+    return artworks;
+}
+
+}  // namespace quillmar

@@ -1,0 +1,39 @@
+#pragma once
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/RandomIndex.h"
+#include "remote/fetching/RemoteImageFetching.h"
+#include "remote/providers/MuseumAnswers.h"
+
+namespace quillmar {
+
+/// What a museum is asked for.
+struct MuseumQuery {
+    MuseumsSource source = MuseumsSource::artInstituteChicago;
+    std::optional<MuseumsArtworkCategory> category;  ///< absent: works of every kind
+    std::string smithsonianAPIKey;
+};
+/// The address of the first request.
+Url museumRequest(const Url& host, const MuseumQuery& query);
+
+/// Asks the museums for works, each in its own way. Main thread.
+class MuseumCatalog {
+public:
+    MuseumCatalog(RemoteImageFetching& fetching, const RemoteServices& services, RandomIndex randomIndex)
+        : fetching_(fetching), services_(services), randomIndex_(std::move(randomIndex)) {}
+
+    Task<std::vector<MuseumArtwork>> artworks(MuseumQuery query);
+
+private:
+    Task<std::vector<MuseumArtwork>> metropolitanObjects(std::vector<std::int64_t> ids);
+    Task<std::vector<MuseumArtwork>> rijksmuseumWorks(std::vector<Url> records);
+    Task<std::optional<MuseumArtwork>> rijksmuseumWork(Url record);
+
+    RemoteImageFetching& fetching_;
+    const RemoteServices& services_;
+    RandomIndex randomIndex_;
+};
+
+}  // namespace quillmar

@@ -1,0 +1,162 @@
+"""Pictures on the displays: where each layout puts their edges, and that each comes back to its own display."""
+
+import signal
+import struct
+import subprocess
+import unittest
+import zlib
+
+from quillmar_desktop import BEFORE, PROGRAM, DesktopTest, run, run_checked, wait_until, x11
+
+WIDTH, HEIGHT, EDGE = 400, 200, 16
+LEFT, RIGHT, TOP, BOTTOM, MIDDLE, GROUND = "#E02020", "#20C040", "#2040E0", "#E0C020", "#F0F0F0", "#102030"
+FIRST_ARRANGEMENT = (
+    *("--output", "DUMMY0", "--mode", "1920x1080", "--pos", "0x0", "--primary"),
+    *("--output", "DUMMY1", "--mode", "1280x1024", "--pos", "1920x0"),
+)
+
+
+def png(rows):
+    def chunk(kind, content):
+        return struct.pack(">I", len(content)) + kind + content + struct.pack(">I", zlib.crc32(kind + content))
+
+    header = struct.pack(">IIBBBBB", len(rows[0]) // 3, len(rows), 8, 2, 0, 0, 0)
+    pixels = zlib.compress(b"".join(b"\0" + row for row in rows))
+    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", pixels) + chunk(b"IEND", b"")
+
+
+def framed_picture():
+    """A picture with another colour at each of its edges."""
+    left, right, top, bottom, middle = (bytes.fromhex(c[1:]) for c in (LEFT, RIGHT, TOP, BOTTOM, MIDDLE))
+    row = left * EDGE + middle * (WIDTH - 2 * EDGE) + right * EDGE
+    return png([top * WIDTH] * EDGE + [row] * (HEIGHT - 2 * EDGE) + [bottom * WIDTH] * EDGE)
+
+
+def arrange(*arguments):
+    run_checked("xrandr", *arguments)
+    # Without this question GDK overlooks an output that was just enabled.
+    run_checked("xrandr", "-q")
+
+
+# What stands where on 1920x1080: on both sides of every edge that the layout makes.
+LAYOUTS = {
+    "center": {
+        (759, 540): GROUND, (760, 540): LEFT, (1159, 540): RIGHT, (1160, 540): GROUND,
+        (960, 439): GROUND, (960, 440): TOP, (960, 639): BOTTOM, (960, 640): GROUND,
+    },
+    "tile": {
+        (200, 1079): BOTTOM, (200, 880): TOP, (200, 879): BOTTOM, (200, 79): BOTTOM, (200, 80): TOP,
+        (0, 980): LEFT, (399, 980): RIGHT, (400, 980): LEFT, (1600, 980): LEFT, (1919, 980): MIDDLE,
+    },
+    "stretch": {(0, 540): LEFT, (1919, 540): RIGHT, (960, 0): TOP, (960, 1079): BOTTOM, (960, 540): MIDDLE},
+    "fit": {
+        (0, 540): LEFT, (1919, 540): RIGHT, (960, 59): GROUND, (960, 60): TOP, (960, 1019): BOTTOM,
+        (960, 1020): GROUND,
+    },
+    "fill": {(0, 540): MIDDLE, (1919, 540): MIDDLE, (960, 0): TOP, (960, 1079): BOTTOM},
+}  # fmt: skip
+
+
+class PicturesTest(DesktopTest):
+    def setUp(self):
+        self.addCleanup(arrange, *FIRST_ARRANGEMENT)
+        super().setUp()
+        self.framed = self.home / "framed.png"
+        self.framed.write_bytes(framed_picture())
+
+    def set(self, display, *kind, status=0):
+        answer = run(PROGRAM, "wallpaper", "set", display, *kind, env=self.environment)
+        self.assertEqual(answer.returncode, status, answer.stderr)
+        return answer.stderr
+
+    def picture(self, name, color):
+        file = self.home / f"{name}.png"
+        file.write_bytes(png([bytes.fromhex(color[1:]) * 64] * 36))
+        return str(file)
+
+    def set_two_pictures(self):
+        self.set("DUMMY0", "image", self.picture("one", LEFT), "--layout", "fill")
+        self.set("DUMMY1", "image", self.picture("two", RIGHT), "--layout", "fill")
+
+    def test_each_layout_puts_the_edges_where_they_belong_and_leaves_the_other_display_alone(self):
+        program = self.start_and_wait()
+        self.set("DUMMY1", "image", str(self.framed), "--layout", "center", "--background", GROUND)
+        for layout, points in LAYOUTS.items():
+            with self.subTest(layout=layout):
+                self.set("DUMMY0", "image", str(self.framed), "--layout", layout, "--background", GROUND)
+                seen = {point: x11.color(*point) for point in points}
+                self.assertEqual(seen, points)
+                other = [x11.color(x, 512) for x in (2359, 2360, 2759, 2760)]
+                self.assertEqual(other, [GROUND, LEFT, RIGHT, GROUND])
+        self.quit(program)
+
+    def test_each_picture_comes_back_to_its_display(self):
+        program = self.start_and_wait()
+        self.set_two_pictures()
+        for arguments, second_point in (
+            (("--off",), None),
+            (("--mode", "1280x1024", "--pos", "1920x0"), (3190, 1014)),
+            (("--mode", "1280x720", "--pos", "0x1080"), (1270, 1790)),
+        ):
+            with self.subTest(arguments=arguments):
+                self.paint(BEFORE)
+                arrange("--output", "DUMMY1", *arguments)
+                points = [(960, 540)] + ([second_point] if second_point else [])
+                self.wait_for_colors(program, *(LEFT, RIGHT)[: len(points)], points=points)
+        program.send_signal(signal.SIGKILL)
+        program.wait()
+        self.paint(BEFORE)
+        program = self.start_and_wait()
+        self.wait_for_colors(program, LEFT, RIGHT, points=((960, 540), (1270, 1790)))
+        self.quit(program)
+
+    def test_thirty_changes_of_the_arrangement_in_a_row_end_with_the_right_pictures(self):
+        program = self.start_and_wait()
+        self.set_two_pictures()
+        for number in range(30):
+            mode = ("1280x720", "1280x1024")[number % 2]
+            run_checked("xrandr", "--output", "DUMMY1", "--mode", mode, "--pos", f"1920x{number}")
+        self.paint(BEFORE)
+        # Not as it was at first: an arrangement that comes back before anybody looked is no change.
+        arrange("--output", "DUMMY1", "--mode", "1280x1024", "--pos", "1920x56")
+        self.wait_for_colors(program, LEFT, RIGHT)
+        self.quit(program)
+
+    def test_another_program_that_paints_all_the_while_is_outlived(self):
+        program = self.start_and_wait()
+        painter = subprocess.Popen(["sh", "-c", f"while :; do hsetroot -solid '{BEFORE}'; done"])
+        try:
+            for _ in range(5):
+                self.set_two_pictures()
+                self.set("all", "colour", GROUND)
+        finally:
+            painter.kill()
+            painter.wait()
+        self.set_two_pictures()
+        self.wait_for_colors(program, LEFT, RIGHT)
+        self.quit(program)
+
+    def test_a_change_that_fails_leaves_every_display_as_it_was(self):
+        program = self.start_and_wait()
+        self.set("DUMMY0", "image", self.picture("one", LEFT), "--layout", "fill")
+        self.paint_second_by_hand()
+        (self.home / "page.jpg").write_text("<html>not found</html>")
+        for file in ("nothing-here.png", "page.jpg"):
+            complaint = self.set("all", "image", str(self.home / file), status=1)
+            self.assertIn(f"Quillmar cannot read the selected image at {self.home / file}.", complaint)
+            self.assertEqual(complaint.count("DUMMY"), 2)
+            self.assertEqual([x11.color(*point) for point in self.POINTS], [LEFT, BEFORE])
+        listed = run(PROGRAM, "wallpaper", env=self.environment).stdout
+        self.assertIn("DUMMY1", listed)
+        self.assertIn("disabled", listed)
+        self.quit(program)
+
+    def paint_second_by_hand(self):
+        """A desktop of the user's own, on which the program has painted one display."""
+        self.paint(BEFORE)
+        self.set("DUMMY0", "image", str(self.home / "one.png"), "--layout", "fill")
+        wait_until("both", lambda: [x11.color(*point) for point in self.POINTS] == [LEFT, BEFORE])
+
+
+if __name__ == "__main__":
+    unittest.main()

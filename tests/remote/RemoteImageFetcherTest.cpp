@@ -1,0 +1,281 @@
+#include "remote/fetching/RemoteImageFetcher.h"
+
+#include <sys/stat.h>
+
+#include <fstream>
+
+#include "async/TaskScope.h"
+#include "fakes/FakeExecutors.h"
+#include "fakes/FakeHTTPSession.h"
+#include "fakes/FakePictureRendering.h"
+#include "fakes/TemporaryFolder.h"
+#include "fakes/VirtualLoop.h"
+#include "remote/fetching/RemoteImageProviderError.h"
+#include "storage/LastUsedStamp.h"
+
+namespace quillmar {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+constexpr std::int64_t limit = 1048576;
+
+struct RemoteImageFetcherTest : ::testing::Test {
+    VirtualLoop loop;
+    VirtualWallClock clock{loop};
+    TemporaryFolder folder;
+    fs::path cache = folder.path() / "Cache/Images";
+    fs::path temporary = folder.path() / "run";
+    FakeHTTPSession web{loop};
+    FakePictureRendering pictures;
+    HeldExecutor files;
+    RemoteImageFetcher fetcher{web, files, pictures, clock, {.cache = cache, .temporary = temporary}};
+    RemoteService service{"Bing", *Url::parse("https://www.bing.example")};
+    TaskScope tasks{loop};
+
+    void SetUp() override {
+        files.runsAtOnce = true;
+        fs::create_directories(temporary);
+    }
+    template <class T>
+    TaskHandle<void> starts(Task<T> work, std::string* outcome) {
+        return tasks.start([](Task<T> task, std::string* to) -> Task<void> {
+            try {
+                if constexpr (std::is_same_v<T, fs::path>) {
+                    *to = (co_await std::move(task)).filename();
+                } else {
+                    *to = co_await std::move(task);
+                }
+            } catch (const CancellationError&) {
+                *to = "cancelled";
+            } catch (const std::exception& error) {
+                *to = error.what();
+            }
+        }(std::move(work), outcome));
+    }
+    template <class T>
+    std::string run(Task<T> work) {
+        std::string outcome = "waiting";
+        starts(std::move(work), &outcome);
+        loop.settle();
+        return outcome;
+    }
+    std::string downloaded(const std::string& url) {
+        return run(fetcher.downloadImage(service, *Url::parse(url), limit));
+    }
+    std::string fetched(const std::string& url) {
+        return run(fetcher.fetchMetadata(service, *Url::parse(url)));
+    }
+    /// Names of the files that a download has left anywhere.
+    std::vector<std::string> leftFiles() const {
+        std::vector<std::string> names;
+        for (const fs::path& place : {cache, temporary}) {
+            if (!fs::exists(place)) continue;
+            for (const auto& entry : fs::directory_iterator(place)) names.push_back(entry.path().filename());
+        }
+        return names;
+    }
+};
+
+const std::string refusal = "Quillmar could not download the image from Bing.";
+const std::string tooLarge = "The provider image is larger than Quillmar's 1 MB download limit.";
+
+TEST_F(RemoteImageFetcherTest, aPictureIsKeptUnderTheNameOfItsAddress) {
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"a", "remote-af63dc4c8601ec8c.jpg"},
+        {"https://h/th?id=1", "remote-8c302ba2f2381647.jpg"},
+        {"https://h/a.PNG", "remote-44e4c86c4043cb43.png"},
+        {"https://h/a.%2Fb", ".jpg"},
+        {"https://h/a.thisisnokindofpicture", ".jpg"},
+    };
+    for (const auto& [url, name] : rows) {
+        EXPECT_THAT(remoteImageFileName(*Url::parse(url)), ::testing::EndsWith(name)) << url;
+    }
+}
+
+TEST_F(RemoteImageFetcherTest, aPictureIsAskedForOnceAndStampedAtEveryUse) {
+    web.serves("/a.png", {.body = std::string(200000, 'p'), .mimeType = "image/png"});
+    const std::string name = downloaded("https://h/a.png");
+    EXPECT_EQ(name, remoteImageFileName(*Url::parse("https://h/a.png")));
+    EXPECT_EQ(fs::file_size(cache / name), 200000u);
+    struct stat info{};
+    ASSERT_EQ(::stat((cache / name).c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0600u);
+    loop.advance(std::chrono::hours(5));
+    EXPECT_EQ(downloaded("https://h/a.png"), name);
+    EXPECT_THAT(web.requests, SizeIs(1));
+    if (lastUsedStamp(cache / name)) EXPECT_EQ(lastUsedStamp(cache / name), clock.now());
+
+    std::ofstream(cache / name) << "no picture";
+    EXPECT_EQ(downloaded("https://h/a.png"), name) << "a damaged one is fetched again";
+    EXPECT_EQ(fs::file_size(cache / name), 200000u);
+    EXPECT_THAT(leftFiles(), SizeIs(1));
+    EXPECT_EQ(web.openBodies, 0);
+}
+
+TEST_F(RemoteImageFetcherTest, whatIsNoPictureWithinTheBoundsLeavesNothingBehind) {
+    const auto limitBytes = static_cast<std::size_t>(limit);
+    struct Row {
+        FakeAnswer answer;
+        std::string outcome;
+    };
+    const std::vector<Row> rows = {
+        {{.status = 404}, refusal},
+        {{.body = "<html>", .mimeType = "text/html"}, refusal},
+        {{.body = "no picture", .mimeType = "image/jpeg"}, refusal},
+        {{.body = ""}, refusal},
+        {{.body = std::string(70000, 'p'), .breaksOffAt = 66000}, refusal},
+        {{.body = "p", .announcedLength = limit + 1}, tooLarge},
+        {{.body = std::string(limitBytes + 1, 'p'), .hasLength = false}, tooLarge},
+        {{.status = 302, .headers = {{"location", "file:///etc/hostname"}}}, refusal},
+        {{.status = 301, .headers = {{"location", "https://h/again"}}}, refusal},
+    };
+    for (const Row& row : rows) {
+        web.serves("https://h/", row.answer);
+        EXPECT_EQ(downloaded("https://h/x.jpg"), row.outcome)
+            << row.answer.status << row.answer.body.substr(0, 20);
+        EXPECT_THAT(leftFiles(), IsEmpty());
+        EXPECT_EQ(web.openBodies, 0);
+    }
+    web.refuses("nobody");
+    EXPECT_EQ(downloaded("https://nobody/x.jpg"), refusal);
+    web.serves("https://h/", {.body = std::string(limitBytes, 'p')});
+    EXPECT_EQ(downloaded("https://h/x.jpg"), remoteImageFileName(*Url::parse("https://h/x.jpg")))
+        << "exactly the limit, and without a type";
+}
+
+TEST_F(RemoteImageFetcherTest, aDiskThatRefusesIsADownloadThatFailed) {
+    web.serves("/a.png", {.body = "p"});
+    fs::remove(temporary);
+    EXPECT_EQ(downloaded("https://h/a.png"), refusal);
+    EXPECT_THAT(leftFiles(), IsEmpty());
+    EXPECT_EQ(web.openBodies, 0);
+}
+
+TEST_F(RemoteImageFetcherTest, aServerThatFallsSilentIsGivenUpAfterHalfAMinute) {
+    web.serves("/a.png", {.body = std::string(100000, 'p'), .fallsSilentAt = 70000});
+    std::string outcome;
+    starts(fetcher.downloadImage(service, *Url::parse("https://h/a.png"), limit), &outcome);
+    loop.advance(std::chrono::seconds(29));
+    EXPECT_EQ(outcome, "");
+    EXPECT_THAT(leftFiles(), SizeIs(1));
+    loop.advance(std::chrono::seconds(1));
+    EXPECT_EQ(outcome, refusal);
+    EXPECT_THAT(leftFiles(), IsEmpty());
+}
+
+TEST_F(RemoteImageFetcherTest, twoWhoAskAtOnceGetOneFile) {
+    web.serves("/a.png", {.body = std::string(100000, 'p')});
+    web.hold();
+    std::string first;
+    std::string second;
+    starts(fetcher.downloadImage(service, *Url::parse("https://h/a.png"), limit), &first);
+    starts(fetcher.downloadImage(service, *Url::parse("https://h/a.png"), limit), &second);
+    loop.settle();
+    web.letThrough();
+    loop.settle();
+    EXPECT_EQ(first, remoteImageFileName(*Url::parse("https://h/a.png")));
+    EXPECT_EQ(second, first);
+    EXPECT_THAT(leftFiles(), SizeIs(1));
+}
+
+TEST_F(RemoteImageFetcherTest, cancelledOrAbandonedAtAnyStepItLeavesNothingHalfDone) {
+    web.serves("/a.png", {.body = std::string(100000, 'p')});
+    files.runsAtOnce = false;
+    for (const bool isAbandoned : {false, true}) {
+        for (int step = 0; step < 5; ++step) {
+            std::string outcome = "waiting";
+            auto owner = std::make_unique<TaskScope>(loop);
+            auto handle =
+                owner->start([](RemoteImageFetcher* from, RemoteService of, std::string* to) -> Task<void> {
+                    try {
+                        co_await from->downloadImage(of, *Url::parse("https://h/a.png"), limit);
+                        *to = "done";
+                    } catch (const CancellationError&) {
+                        *to = "cancelled";
+                    }
+                }(&fetcher, service, &outcome));
+            loop.settle();
+            for (int i = 0; i < step; ++i) {
+                files.releaseOne();
+                loop.settle();
+            }
+            isAbandoned ? owner.reset() : handle.cancel();
+            files.releaseAll();
+            loop.settle();
+            EXPECT_EQ(outcome, isAbandoned ? "waiting" : "cancelled") << step;
+            EXPECT_EQ(web.openBodies, 0) << step;
+            // Whole is what the last step has moved into place before it heard.
+            const auto left = leftFiles();
+            EXPECT_THAT(left, SizeIs(step == 4 ? 1 : 0)) << step;
+            for (const std::string& name : left) EXPECT_EQ(fs::file_size(cache / name), 100000u);
+            fs::remove_all(cache);
+        }
+    }
+}
+
+TEST_F(RemoteImageFetcherTest, metadataIsReadWholeAndBelowItsLimit) {
+    const auto limitBytes = static_cast<std::size_t>(RemoteImageFetching::maximumMetadataBytes);
+    struct Row {
+        FakeAnswer answer;
+        std::string outcome;
+    };
+    const std::string much = "Bing returned more metadata than Quillmar can safely process.";
+    const std::vector<Row> rows = {
+        {{.body = "{}"}, "{}"},
+        {{.status = 503, .body = "{}"}, "Bing returned HTTP 503."},
+        {{.status = 204}, ""},
+        {{.body = std::string(limitBytes - 1, ' ')}, std::string(limitBytes - 1, ' ')},
+        {{.body = std::string(limitBytes, ' ')}, much},
+        {{.body = std::string(limitBytes + 1, ' '), .hasLength = false}, much},
+        {{.body = "", .announcedLength = RemoteImageFetching::maximumMetadataBytes + 1}, much},
+        {{.body = "{}", .breaksOffAt = 1}, "Connection terminated"},
+        {{.status = 301, .headers = {{"location", "/there"}}}, "here"},
+    };
+    web.pieceBytes = limitBytes;
+    for (const Row& row : rows) {
+        web.serves("https://h/", row.answer);
+        web.serves("https://h/there", {.body = "here"});
+        EXPECT_TRUE(fetched("https://h/list") == row.outcome) << row.answer.status;
+        EXPECT_EQ(web.openBodies, 0);
+    }
+}
+
+TEST_F(RemoteImageFetcherTest, theWayNeverLeadsFromAPublicServiceIntoThisMachine) {
+    web.serves("https://www.bing.example/", {.status = 302, .headers = {{"location", "http://127.0.0.1/"}}});
+    web.serves("http://127.0.0.1/", {.body = "secret"});
+    const auto reaches = [&] {
+        std::vector<HTTPReach> all;
+        for (const HTTPRequest& request : web.requests) all.push_back(request.reach);
+        web.requests.clear();
+        return all;
+    };
+    using enum HTTPReach;
+    run(fetcher.fetchMetadata(service, *Url::parse("https://www.bing.example/list"),
+                              {{"Authorization", "key"}}));
+    ASSERT_THAT(web.requests, SizeIs(2));
+    EXPECT_THAT(web.requests[1].headers, IsEmpty()) << "a key is for its service alone";
+    EXPECT_EQ(reaches(), (std::vector{anywhere, publicNetworks}));
+    downloaded("https://www.bing.example/a.jpg");
+    EXPECT_EQ(reaches(), (std::vector{publicNetworks, publicNetworks}));
+    service.host = *Url::parse("http://localhost:8080");
+    downloaded("https://www.bing.example/b.jpg");
+    EXPECT_EQ(reaches(), (std::vector{anywhere, anywhere}));
+}
+
+TEST(RemoteServiceTest, aServiceIsLocalWhenItsHostIs) {
+    for (const char* host : {"127.0.0.1", "10.1.2.3", "172.20.0.1", "192.168.1.2", "localhost", "a.localhost",
+                             "nas.local", "nas", "[::1]", "[fd00::1]", "[fe80::1]"}) {
+        EXPECT_TRUE((RemoteService{"", *Url::parse("http://" + std::string(host) + ":80")}.isLocal()))
+            << host;
+    }
+    for (const char* host :
+         {"api.nasa.gov", "8.8.8.8", "172.32.0.1", "localhost.example", "[2606:4700::1]"}) {
+        EXPECT_FALSE((RemoteService{"", *Url::parse("https://" + std::string(host))}.isLocal())) << host;
+    }
+}
+
+}  // namespace
+}  // namespace quillmar
