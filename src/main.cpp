@@ -14,6 +14,7 @@
 #include "diagnostics/HTTPErrorReporter.h"
 #include "diagnostics/OperatingSystemVersion.h"
 #include "linux/dbus/DBusControl.h"
+#include "linux/dbus/DBusNotifications.h"
 #include "linux/dbus/DBusRunningInstances.h"
 #include "linux/dbus/DBusSessionEnd.h"
 #include "linux/desktop/LinuxDesktopPicture.h"
@@ -138,6 +139,7 @@ private:
                 .screens = screens_,
                 .desktopPicture = desktopPicture_,
                 .pictureRendering = rendering_,
+                .notificationCenter = notifications_,
                 .webSession = webSession_,
                 .settingsWindow = nullptr,
                 .flushLog = [this] { return pipeline_.flush(); }};
@@ -173,6 +175,7 @@ private:
     AllSystemEvents systemEvents_{loop_};
     DBusRunningInstances instances_;
     NoUsageReporting usageReporting_;
+    DBusNotifications notifications_;
     GtkAlerts alerts_;
     GtkScreens screens_;
     LinuxDesktopPicture desktopPicture_{

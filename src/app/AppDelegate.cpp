@@ -73,6 +73,8 @@ Task<void> AppDelegate::startUp() {
         co_return;
     }
 
+    subsystems_->wallpaperRotation.start();
+    co_await throwIfCancelled();
     co_await applyWallpapersAtStart();
     // Only now: the first application itself must not look like a change of the arrangement.
     displayCoordinator().start();
@@ -189,6 +191,7 @@ TerminateReply AppDelegate::applicationShouldTerminate(QuitSource source) {
 Task<void> AppDelegate::shutDown() {
     cacheMaintenanceScheduler_.stop();
     displayCoordinator().stop();
+    subsystems_->wallpaperRotation.stop();
 
     AppSettingsModel& model = subsystems_->settingsModel;
     bool isSaved = false;
@@ -226,6 +229,7 @@ Task<bool> AppDelegate::keepsRunningAfterFailedSave() {
 void AppDelegate::resumeAfterCancelledTermination() {
     cacheMaintenanceScheduler_.start();
     displayCoordinator().start();
+    subsystems_->wallpaperRotation.start();
     logInfo("Application termination was cancelled.", "lifecycle");
 }
 

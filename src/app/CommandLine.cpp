@@ -20,8 +20,7 @@ CommandLine CommandLine::parse(std::span<const std::string_view> arguments) {
         line.command = Command::showHelp;
     } else if (first == "displays") {
         line.command = Command::listDisplays;
-    } else if (first == "backup" || first == "wallpaper" || first == "status" ||
-               first == "quit") {
+    } else if (first == "backup" || first == "wallpaper" || first == "status" || first == "quit") {
         line.command = Command::askRunningProgram;
         line.arguments.assign(arguments.begin(), arguments.end());
         return line;

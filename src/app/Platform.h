@@ -12,6 +12,7 @@
 #include "platform/DesktopPicture.h"
 #include "platform/HTTPSession.h"
 #include "platform/PictureRendering.h"
+#include "platform/RemoteNotificationCenter.h"
 #include "platform/RunningInstances.h"
 #include "platform/Screens.h"
 #include "platform/SettingsWindow.h"
@@ -39,6 +40,7 @@ struct Platform {
     ScreensProviding& screens;
     DesktopPicturing& desktopPicture;
     PictureRendering& pictureRendering;
+    RemoteNotificationCenter& notificationCenter;
     HTTPSession& webSession;                      ///< for picture services
     SettingsWindowing* settingsWindow = nullptr;  ///< absent where the program has none to show
     std::function<Task<void>()> flushLog;         ///< waits until every log line is in its file

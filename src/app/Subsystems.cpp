@@ -39,6 +39,7 @@ Subsystems::Subsystems(const Platform& platform)
                     .cacheFiles = cacheFiles,
                     .cacheDirectory = remoteImageFetcher.cacheDirectory(),
                     .randomIndex = platform.randomIndex}),
+      remoteErrorNotifications(platform.notificationCenter, settingsModel, &logNotificationDiagnostic),
       wallpaperRenderer(
           applicationSupportDirectoryOrNowhere(platform.environment) / "Cache/GeneratedWallpapers",
           platform.pictureRendering, platform.clock),
@@ -46,7 +47,8 @@ Subsystems::Subsystems(const Platform& platform)
                        platform.backgroundPool, cacheFiles, remoteImages, platform.randomIndex),
       wallpaperTransactions(wallpaperService),
       wallpaperCoordinator(platform.loop, displays, wallpaperService, &wallpaperTransactions, settingsModel,
-                           wallpaperGate, platform.clock),
+                           wallpaperGate, platform.clock, &remoteErrorNotifications),
+      wallpaperRotation(platform.loop, notifications, settingsModel, wallpaperCoordinator, platform.clock),
       backupExecutor(platform.backgroundPool) {}
 
 }  // namespace quillmar

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "app/Platform.h"
+#include "app/RemoteErrorNotificationService.h"
 #include "app/RestoreFollowing.h"
 #include "async/NotificationCenter.h"
 #include "async/ThreadPool.h"
@@ -11,6 +12,7 @@
 #include "settings/AppSettingsModel.h"
 #include "storage/CacheMaintenanceService.h"
 #include "wallpaper/WallpaperCoordinator.h"
+#include "wallpaper/WallpaperRotationCoordinator.h"
 #include "wallpaper/WallpaperService.h"
 
 namespace quillmar {
@@ -33,11 +35,13 @@ public:
     RemoteServices remoteServices;
     RemoteImageFetcher remoteImageFetcher;
     RemoteImageResolver remoteImages;
+    RemoteErrorNotificationService remoteErrorNotifications;
     WallpaperApplicationGate wallpaperGate;
     WallpaperRenderer wallpaperRenderer;
     WallpaperService wallpaperService;
     WallpaperSettingsTransactionService wallpaperTransactions;
     WallpaperCoordinator wallpaperCoordinator;
+    WallpaperRotationCoordinator wallpaperRotation;
     SerialExecutor backupExecutor;
     SettingsBackupService backupService{backupExecutor};
     RestoreFollowing restoreFollowing{wallpaperCoordinator};

@@ -44,13 +44,15 @@ WallpaperCoordinator::WallpaperCoordinator(MainLoop& loop, const DisplayProvidin
                                            WallpaperApplying& applier,
                                            WallpaperSettingsTransactionApplying* settingsTransactionApplier,
                                            AppSettingsModel& settingsModel,
-                                           const WallpaperApplicationGate& gate, const WallClock& clock)
+                                           const WallpaperApplicationGate& gate, const WallClock& clock,
+                                           RemoteWallpaperErrorNotifying* remoteErrorNotifier)
     : displayProvider_(displayProvider),
       applier_(applier),
       settingsTransactionApplier_(settingsTransactionApplier),
       settingsModel_(settingsModel),
       gate_(gate),
       clock_(clock),
+      remoteErrorNotifier_(remoteErrorNotifier),
       tasks_(loop) {}
 
 Task<WallpaperApplyBatchResult> WallpaperCoordinator::enqueue(std::optional<DisplayIDs> displayIDs,
@@ -158,15 +160,22 @@ Task<WallpaperDisplayApplyResult> WallpaperCoordinator::applyDisplay(DisplayInfo
         result.failureMessage = Error(Error::Case::suppressedWhileLocked).message(language());
         co_return result;
     }
-    const std::string kind(enumName(mode.kind()));
+    std::exception_ptr failure;
     try {
-        rememberSelection(display.id, co_await applier_.apply({display, std::move(mode), reason}));
+        rememberSelection(display.id, co_await applier_.apply({display, mode, reason}));
     } catch (const CancellationError&) {
         throw;
     } catch (const std::exception& error) {
         result.failureMessage = errorText(error, language());
-        logWarning("A wallpaper apply operation failed.", "wallpaper", std::current_exception(),
-                   {{"display_id", display.id}, {"reason", std::string(enumName(reason))}, {"mode", kind}});
+        failure = std::current_exception();
+    }
+    noteResult(result);
+    if (failure) {
+        logWarning("A wallpaper apply operation failed.", "wallpaper", failure,
+                   {{"display_id", display.id},
+                    {"reason", std::string(enumName(reason))},
+                    {"mode", std::string(enumName(mode.kind()))}});
+        co_await notifyIfRemote(failure, std::move(display), std::move(mode));
     }
     co_return result;
 }
@@ -198,8 +207,9 @@ Task<WallpaperApplyBatchResult> WallpaperCoordinator::runSettingsTransaction(Wal
     }
     const WallpaperSettingsTransactionResult result =
         co_await settingsTransactionApplier_->applyTransaction(std::move(requests), modesByDisplay(previous));
-    logFailures(result);
     batch = batchOf(result, spoken);
+    for (const WallpaperDisplayApplyResult& display : batch.displays) noteResult(display);
+    co_await reportFailures(&result);
     if (!result.failures.empty()) {
         DisplayIDs failed;
         for (const auto& failure : result.failures) failed.insert(failure.request.display.id);
@@ -220,13 +230,30 @@ Task<bool> WallpaperCoordinator::commitWallpaper(WallpaperSettings settings) {
         [settings = std::move(settings)](AppSettings& document) { document.wallpaper = settings; });
 }
 
-void WallpaperCoordinator::logFailures(const WallpaperSettingsTransactionResult& result) const {
-    for (const auto& [request, error] : result.failures) {
+void WallpaperCoordinator::noteResult(const WallpaperDisplayApplyResult& result) {
+    if (result.isFailed()) {
+        lastFailures_.insert_or_assign(result.displayID,
+                                       WallpaperFailure{*result.failureMessage, clock_.now()});
+    } else {
+        lastFailures_.erase(result.displayID);
+    }
+}
+
+Task<void> WallpaperCoordinator::notifyIfRemote(std::exception_ptr error, DisplayInfo display,
+                                                WallpaperMode mode) {
+    if (!remoteErrorNotifier_ || !isRemote(mode.kind())) co_return;
+    if (!settingsModel_.settings().general.showRemoteErrorNotifications) co_return;
+    co_await remoteErrorNotifier_->notify(std::move(error), std::move(display), std::move(mode));
+}
+
+Task<void> WallpaperCoordinator::reportFailures(const WallpaperSettingsTransactionResult* result) {
+    for (const auto& [request, error] : result->failures) {
+        co_await notifyIfRemote(error, request.display, request.mode);
         logWarning(
             "A wallpaper settings transaction failed.", "wallpaper", error,
             {{"display_id", request.display.id}, {"mode", std::string(enumName(request.mode.kind()))}});
     }
-    for (const auto& [display, error] : result.rollbackFailures) {
+    for (const auto& [display, error] : result->rollbackFailures) {
         logError("A wallpaper settings transaction could not restore a display.", "wallpaper", error,
                  {{"display_id", display.id}});
     }

@@ -8,12 +8,18 @@
 
 #include "async/TaskScope.h"
 #include "async/WallClock.h"
+#include "remote/RemoteWallpaperErrorNotifying.h"
 #include "settings/AppSettingsModel.h"
 #include "wallpaper/WallpaperApplicationGate.h"
 #include "wallpaper/WallpaperBatch.h"
 #include "wallpaper/WallpaperSettingsTransactionService.h"
 
 namespace quillmar {
+
+struct WallpaperFailure {
+    std::string message;
+    WallTime date;
+};
 
 /// The one door to wallpapers: puts every request in line, merges what can be merged, and answers each with a
 /// result per display. One application runs at a time. Main thread only.
@@ -22,7 +28,8 @@ public:
     WallpaperCoordinator(MainLoop& loop, const DisplayProviding& displayProvider, WallpaperApplying& applier,
                          WallpaperSettingsTransactionApplying* settingsTransactionApplier,
                          AppSettingsModel& settingsModel, const WallpaperApplicationGate& gate,
-                         const WallClock& clock);
+                         const WallClock& clock,
+                         RemoteWallpaperErrorNotifying* remoteErrorNotifier = nullptr);
 
     /// Applies what the settings say to the given displays, or to all of them.
     Task<WallpaperApplyBatchResult> enqueue(std::optional<DisplayIDs> displayIDs,
@@ -32,6 +39,8 @@ public:
     Task<WallpaperApplyBatchResult> apply(WallpaperSettings settings);
     /// True from the start of work until the line is empty.
     bool isApplying() const { return isApplying_; }
+    /// What each display's last application failed of, by display ID; none for one that succeeded.
+    const std::map<std::string, WallpaperFailure>& lastFailures() const { return lastFailures_; }
 
 private:
     /// Somebody's place in the line. The waiter and the line share it, so that either may end first.
@@ -64,7 +73,9 @@ private:
     Task<bool> commitWallpaper(WallpaperSettings settings);
     static WallpaperApplyBatchResult batchOf(const WallpaperSettingsTransactionResult& result,
                                              GeneralLanguage spoken);
-    void logFailures(const WallpaperSettingsTransactionResult& result) const;
+    Task<void> reportFailures(const WallpaperSettingsTransactionResult* result);
+    Task<void> notifyIfRemote(std::exception_ptr error, DisplayInfo display, WallpaperMode mode);
+    void noteResult(const WallpaperDisplayApplyResult& result);
     WallpaperApplyBatchResult suppressedBatch(const std::optional<DisplayIDs>& displayIDs,
                                               WallpaperApplyReason reason) const;
     std::vector<DisplayInfo> displays(const std::optional<DisplayIDs>& displayIDs) const;
@@ -83,7 +94,9 @@ private:
     AppSettingsModel& settingsModel_;
     const WallpaperApplicationGate& gate_;
     const WallClock& clock_;
+    RemoteWallpaperErrorNotifying* remoteErrorNotifier_;
     bool isApplying_ = false;
+    std::map<std::string, WallpaperFailure> lastFailures_;
     std::deque<PendingRequest> pendingRequests_;
     TaskScope tasks_;
 };

@@ -81,7 +81,7 @@ protected:
     WallpaperRenderer renderer_{desktop_.folder() / "cache", rendering_, clock_};
     InlineExecutor executor_;
     CacheFileProtection cacheFiles_;
-    FakeRemoteImageProvider remoteImages_;
+    FakeRemoteImageProvider remoteImages_{cacheFiles_};
     WallpaperService service_{
         displays_, picture_,    gate_,         renderer_,
         executor_, cacheFiles_, remoteImages_, [](std::size_t) { return std::size_t{0}; }};

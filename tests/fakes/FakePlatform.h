@@ -8,6 +8,7 @@
 #include "fakes/FakeDesktopPicture.h"
 #include "fakes/FakeExecutors.h"
 #include "fakes/FakeHTTPSession.h"
+#include "fakes/FakeNotificationCenter.h"
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeScreens.h"
 #include "fakes/FakeServices.h"
@@ -104,6 +105,7 @@ struct FakePlatform {
     FakeDesktopPicture desktop;
     FakePictureRendering rendering;
     FakeHTTPSession web{loop};
+    FakeNotificationCenter notificationCenter;
     FakeSettingsWindow settingsWindow;
     std::vector<std::string> preferredLanguages{"en_GB"};
     int flushes = 0;
@@ -126,6 +128,7 @@ struct FakePlatform {
                 .screens = screens,
                 .desktopPicture = desktop,
                 .pictureRendering = rendering,
+                .notificationCenter = notificationCenter,
                 .webSession = web,
                 .settingsWindow = &settingsWindow,
                 .flushLog = [this] { return flush(); }};

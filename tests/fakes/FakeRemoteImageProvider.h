@@ -11,6 +11,8 @@ namespace quillmar {
 /// Picture services that give the file that the test names, or the failure.
 class FakeRemoteImageProvider final : public RemoteImageProvider {
 public:
+    explicit FakeRemoteImageProvider(const CacheFileProtection& cacheFiles) : cacheFiles_(cacheFiles) {}
+
     std::filesystem::path image;
     std::optional<std::string> caption;
     std::optional<WindowsSpotlightSelection> selection;
@@ -39,7 +41,7 @@ public:
     }
 
 private:
-    CacheFileProtection cacheFiles_;
+    const CacheFileProtection& cacheFiles_;
     bool isHeld_ = false;
     WaitList held_;
 };

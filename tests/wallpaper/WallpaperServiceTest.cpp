@@ -32,7 +32,7 @@ struct WallpaperServiceTest : ::testing::Test {
     HeldExecutor executor;
     WallpaperRenderer renderer{cache, rendering, clock};
     CacheFileProtection cacheFiles;
-    FakeRemoteImageProvider remoteImages;
+    FakeRemoteImageProvider remoteImages{cacheFiles};
     WallpaperService service{displays,
                              desktop,
                              gate,

@@ -19,7 +19,8 @@ Task<Bus> sessionBus() {
 Task<std::shared_ptr<GVariant>> callOnBus(Bus bus, BusCall call) {
     const auto result = co_await gio([=](GCancellable* cancellable, GAsyncReadyCallback done, gpointer data) {
         g_dbus_connection_call(bus.get(), call.destination, call.path, call.interface, call.method,
-                               call.arguments, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START,
+                               call.arguments, nullptr,
+                               call.startsProgram ? G_DBUS_CALL_FLAGS_NONE : G_DBUS_CALL_FLAGS_NO_AUTO_START,
                                call.timeoutMilliseconds, cancellable, done, data);
     });
     Owned<GError> error;

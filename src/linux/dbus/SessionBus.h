@@ -22,11 +22,12 @@ struct BusCall {
     const char* path;
     const char* interface;
     const char* method;
-    GVariant* arguments;           ///< floating
+    GVariant* arguments;           ///< floating, or held by the caller until the call has begun
     int timeoutMilliseconds = -1;  ///< the library's own when negative, G_MAXINT for none
+    bool startsProgram = false;    ///< where nobody has the name, but the session knows who could
 };
 
-/// Calls a method of whoever has the name now; starts no program for it. Throws `std::runtime_error`.
+/// Calls a method of whoever has the name. Throws `std::runtime_error`.
 Task<std::shared_ptr<GVariant>> callOnBus(Bus bus, BusCall call);
 
 }  // namespace quillmar

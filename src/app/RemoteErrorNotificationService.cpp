@@ -1,0 +1,106 @@
+#include "app/RemoteErrorNotificationService.h"
+
+#include "diagnostics/Log.h"
+
+namespace quillmar {
+namespace {
+
+using Status = RemoteNotificationAuthorizationStatus;
+
+/// What people call the service of a mode.
+std::string providerName(WallpaperModeKind kind, GeneralLanguage language) {
+    switch (kind) {
+        case WallpaperModeKind::apod: return "NASA APOD";
+        case WallpaperModeKind::nasaEpic: return "NASA EPIC";
+        case WallpaperModeKind::wallhaven: return "Wallhaven";
+        case WallpaperModeKind::unsplash: return "Unsplash";
+        case WallpaperModeKind::bing: return "Bing";
+        case WallpaperModeKind::windowsSpotlight: return "Windows Spotlight";
+        default: return localized("Museums"_key, language);
+    }
+}
+
+std::string contextOf(const std::string& displayID, const std::string& provider) {
+    return displayID + "|" + provider;
+}
+
+}  // namespace
+
+Task<void> RemoteErrorNotificationService::refreshStatus() {
+    authorizationStatus_ = co_await notificationCenter_.authorizationStatus();
+}
+
+Task<void> RemoteErrorNotificationService::ensureAuthorization() {
+    co_await refreshStatus();
+    if (authorizationStatus_ != Status::notDetermined) co_return;
+    try {
+        co_await notificationCenter_.requestAuthorization();
+        authorizationRequestErrorDescription_.reset();
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        authorizationRequestErrorDescription_ = errorText(error, language());
+    }
+    if (authorizationRequestErrorDescription_ &&
+        authorizationRequestErrorDescription_ != lastAuthorizationDiagnosticDescription_) {
+        lastAuthorizationDiagnosticDescription_ = authorizationRequestErrorDescription_;
+        diagnosticHandler_(AuthorizationRequestFailed{*authorizationRequestErrorDescription_});
+    }
+    co_await refreshStatus();
+}
+
+bool RemoteErrorNotificationService::isAuthorized() const {
+    return authorizationStatus_ == Status::authorized || authorizationStatus_ == Status::provisional ||
+           authorizationStatus_ == Status::ephemeral;
+}
+
+Task<void> RemoteErrorNotificationService::post(std::string displayID, std::string provider,
+                                                std::string message) {
+    co_await refreshStatus();
+    if (!isAuthorized()) co_return;
+    const std::string identifier = "remote-wallpaper-error-" + displayID;
+    try {
+        co_await notificationCenter_.removeDelivered(identifier);
+        co_await notificationCenter_.add(
+            {identifier, localized("Couldn’t update %@"_key, language(), {provider}), std::move(message)});
+        clearFailure(displayID, provider);
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        noteDeliveryFailure({displayID, provider, errorText(error, language())});
+    }
+}
+
+void RemoteErrorNotificationService::clearFailure(const std::string& displayID, const std::string& provider) {
+    if (lastDeliveryFailure_ && lastDeliveryFailure_->displayID == displayID &&
+        lastDeliveryFailure_->provider == provider) {
+        lastDeliveryFailure_.reset();
+    }
+    lastDeliveryDiagnosticByContext_.erase(contextOf(displayID, provider));
+}
+
+void RemoteErrorNotificationService::noteDeliveryFailure(RemoteNotificationDeliveryFailure failure) {
+    std::string& last = lastDeliveryDiagnosticByContext_[contextOf(failure.displayID, failure.provider)];
+    lastDeliveryFailure_ = failure;
+    if (last == failure.errorDescription) return;
+    last = failure.errorDescription;
+    diagnosticHandler_(std::move(failure));
+}
+
+Task<void> RemoteErrorNotificationService::notify(std::exception_ptr error, DisplayInfo display,
+                                                  WallpaperMode mode) {
+    co_await post(display.id, providerName(mode.kind(), language()), errorText(error, language()));
+}
+
+void logNotificationDiagnostic(const RemoteErrorNotificationDiagnostic& diagnostic) {
+    if (const auto* request = std::get_if<AuthorizationRequestFailed>(&diagnostic)) {
+        logWarning("Notification authorization could not be requested.", "notifications", nullptr,
+                   {{"error", request->errorDescription}});
+        return;
+    }
+    const auto& [displayID, provider, error] = std::get<RemoteNotificationDeliveryFailure>(diagnostic);
+    logWarning("A remote error notification could not be scheduled.", "notifications", nullptr,
+               {{"display_id", displayID}, {"provider", provider}, {"error", error}});
+}
+
+}  // namespace quillmar
