@@ -27,6 +27,9 @@ ControlService::ControlService(const Platform& platform, Subsystems& subsystems,
                                     const std::string& message) { usage.sendMessage(message); }}),
       wallpaper_({.settingsModel = subsystems.settingsModel,
                   .coordinator = subsystems.wallpaperCoordinator,
+                  .rotation = subsystems.wallpaperRotation,
+                  .clock = platform.clock,
+                  .version = platform.bundle.semanticVersion("unknown"),
                   .displays = subsystems.displays,
                   .desktopPicture = platform.desktopPicture,
                   .grantFor =
@@ -62,7 +65,7 @@ Task<std::string> ControlService::readKey(Executor* files, std::filesystem::path
 Task<ControlReply> ControlService::handle(ControlCall call) {
     const std::string command = call.arguments.empty() ? "" : call.arguments.front();
     if (command == "backup") co_return co_await backup_.run(std::move(call));
-    if (command == "wallpaper") co_return co_await wallpaper_.run(std::move(call));
+    if (command == "wallpaper" || command == "status") co_return co_await wallpaper_.run(std::move(call));
     if (command == "quit" && call.arguments.size() == 1) {
         // Later, so that the answer is on its way before the program is.
         quitting_ = Scheduled(loop_, quit_);

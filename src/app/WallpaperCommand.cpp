@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "app/WallpaperModeArguments.h"
-#include "app/WallpaperStatus.h"
 #include "base/Text.h"
 
 namespace quillmar {
@@ -46,6 +45,12 @@ ControlReply replyOf(const WallpaperApplyBatchResult& batch, const DisplayIDs& a
     return reply;
 }
 
+bool isJsonAsked(const std::vector<std::string>& words) {
+    const bool isAsked = words.size() == 1 && words.front() == "--json";
+    if (!isAsked && !words.empty()) throw UsageError(fmt::format("There is no option \"{}\".", words.back()));
+    return isAsked;
+}
+
 DisplayIDs idsOf(const std::vector<DisplayInfo>& displays) {
     DisplayIDs ids;
     for (const DisplayInfo& display : displays) ids.insert(display.id);
@@ -58,6 +63,7 @@ Task<ControlReply> WallpaperCommand::run(ControlCall call) {
     co_await services_.settingsModel.loaded();
     std::vector<std::string> words(std::next(call.arguments.begin()), call.arguments.end());
     try {
+        if (call.arguments.front() == "status") co_return status(words);
         if (words.empty() || words.front().starts_with("--")) co_return list(words);
         if (words.front() == "set")
             co_return co_await set(std::move(words), std::move(call.workingDirectory));
@@ -111,18 +117,37 @@ Task<ControlReply> WallpaperCommand::showNext(std::vector<std::string> words) {
 }
 
 ControlReply WallpaperCommand::list(const std::vector<std::string>& words) const {
-    const bool asJson = words.size() == 1 && words.front() == "--json";
-    if (!asJson && !words.empty()) throw UsageError(fmt::format("There is no option \"{}\".", words.back()));
+    std::vector<WallpaperStatus> displays = statuses();
+    return {.output = isJsonAsked(words) ? statusAsJson(std::move(displays)) : statusAsText(displays)};
+}
+
+ControlReply WallpaperCommand::status(const std::vector<std::string>& words) const {
+    ProgramStatus program{services_.version, services_.settingsModel.settings().general.pauseRotations,
+                          statuses()};
+    return {.output = isJsonAsked(words) ? statusAsJson(std::move(program)) : statusAsText(program)};
+}
+
+std::vector<WallpaperStatus> WallpaperCommand::statuses() const {
     std::vector<WallpaperStatus> displays;
+    const auto& entries = services_.rotation.schedule().entries;
+    const auto& failures = services_.coordinator.lastFailures();
     for (const ConnectedDisplay& connected : services_.displays.connectedDisplays()) {
         const auto* entry =
             findEntry(services_.settingsModel.settings().wallpaper.displays, connected.info.id);
-        WallpaperStatus status{connected.info, entry ? entry->mode : WallpaperMode{}, {}};
+        WallpaperStatus status{connected.info, entry ? entry->mode : WallpaperMode{}};
         if (const auto file = services_.desktopPicture.desktopImage(connected.screen))
             status.shows = file->string();
+        if (const auto found = entries.find(connected.info.id); found != entries.end()) {
+            const auto& [descriptor, next, failureCount] = found->second;
+            const Seconds wait = next - services_.clock.now();
+            status.rotation = {descriptor.interval.count(), next, std::max(wait.count(), 0.0), failureCount};
+        }
+        if (const auto found = failures.find(connected.info.id); found != failures.end()) {
+            status.lastFailure = {found->second.message, found->second.date};
+        }
         displays.push_back(std::move(status));
     }
-    return {.output = asJson ? statusAsJson(std::move(displays)) : statusAsText(displays)};
+    return displays;
 }
 
 }  // namespace quillmar

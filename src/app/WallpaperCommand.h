@@ -4,11 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "app/WallpaperStatus.h"
 #include "display/DisplayService.h"
 #include "platform/ControlChannel.h"
 #include "platform/DesktopPicture.h"
 #include "settings/AppSettingsModel.h"
-#include "wallpaper/WallpaperCoordinator.h"
+#include "wallpaper/WallpaperRotationCoordinator.h"
 
 namespace quillmar {
 
@@ -19,6 +20,9 @@ public:
     struct Services {
         AppSettingsModel& settingsModel;
         WallpaperCoordinator& coordinator;
+        const WallpaperRotationCoordinator& rotation;
+        const WallClock& clock;
+        std::string version;
         const DisplayService& displays;
         DesktopPicturing& desktopPicture;
         /// The stored grant that finds a chosen file or folder again; empty when none can be made.
@@ -35,6 +39,8 @@ private:
     Task<ControlReply> set(std::vector<std::string> words, std::string workingDirectory);
     Task<ControlReply> showNext(std::vector<std::string> words);
     ControlReply list(const std::vector<std::string>& words) const;
+    ControlReply status(const std::vector<std::string>& words) const;
+    std::vector<WallpaperStatus> statuses() const;
     std::vector<DisplayInfo> matching(const std::string& name) const;
 
     Services services_;

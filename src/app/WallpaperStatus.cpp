@@ -65,7 +65,7 @@ std::string statusAsText(const std::vector<WallpaperStatus>& displays) {
         if (shows) text += fmt::format("    shows {}\n", *shows);
         if (rotation) text += fmt::format("    changes in {}", lengthOf(rotation->waitSeconds));
         if (rotation && rotation->consecutiveFailures > 0)
-            text += fmt::format(" after {} failures in a row", rotation->consecutiveFailures);
+            text += fmt::format(", failed {}x in a row", rotation->consecutiveFailures);
         if (rotation) text += "\n";
         if (lastFailure) text += fmt::format("    failed: {}\n", lastFailure->message);
     }

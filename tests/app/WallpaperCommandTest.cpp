@@ -29,8 +29,12 @@ struct WallpaperCommandTest : ::testing::Test {
     WallpaperSettingsTransactionService transactions{applier};
     WallpaperApplicationGate gate;
     WallpaperCoordinator coordinator{loop, displays, applier, &transactions, model, gate, clock};
+    WallpaperRotationCoordinator rotation{loop, notifications, model, coordinator, clock};
     WallpaperCommand command{{.settingsModel = model,
                               .coordinator = coordinator,
+                              .rotation = rotation,
+                              .clock = clock,
+                              .version = "1.2.3",
                               .displays = displays,
                               .desktopPicture = desktop,
                               .grantFor = [](Url) -> Task<std::optional<Bytes>> { co_return Bytes{1, 2}; },
@@ -84,6 +88,24 @@ TEST_F(WallpaperCommandTest, aModeIsSetSavedAndAnsweredForTheDisplayThatWasNamed
 TEST_F(WallpaperCommandTest, aServicesKeyComesFromAFile) {
     EXPECT_EQ(run({"wallpaper", "set", "main", "unsplash", "--accessKeyFile", "../key"}).status, 0);
     EXPECT_EQ(std::get<UnsplashSettings>(modeOf(1).value).accessKey, "key of /home/ana/../key");
+}
+
+TEST_F(WallpaperCommandTest, theStatusSaysWhenADisplayChangesAndWhatFailedLast) {
+    run({"wallpaper", "set", "main", "bing"});
+    rotation.start();
+    applier.settingFails(FakeScreens::displayID(1), "bing");
+    loop.advance(std::chrono::seconds(1800 + 10));
+    EXPECT_EQ(run({"status"}).output, "Quillmar 1.2.3\n* Screen 1 (" + FakeScreens::displayID(1) +
+                                          "): bing\n    changes in 20 s, failed 1x in a row\n    failed: "
+                                          "cannot set\n  Screen 2 (" +
+                                          FakeScreens::displayID(2) + "): disabled\n");
+    const std::string json = run({"status", "--json"}).output;
+    EXPECT_THAT(json, HasSubstr("\"waitSeconds\": 20"));
+    EXPECT_THAT(json, HasSubstr("\"nextAttempt\": \"2026-05-04T09:30:30Z\""));
+    EXPECT_THAT(json, HasSubstr("\"message\": \"cannot set\""));
+    run({"wallpaper", "set", "main", "colour", "#112233"});
+    EXPECT_THAT(run({"status"}).output, Not(HasSubstr("failed")));
+    EXPECT_EQ(run({"status", "--xml"}).status, 2);
 }
 
 TEST_F(WallpaperCommandTest, aDisplayThatFailsIsNamedAndTheStatusSaysSo) {

@@ -1,5 +1,6 @@
 #pragma once
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,17 +32,18 @@ public:
     void answersStatus(std::string part, int status) { statuses_[std::move(part)] = status; }
     /// Downloads of URLs that contain `part` fail.
     void downloadFails(std::string part) { broken_.push_back(std::move(part)); }
-    /// Every request and download waits until it is let through, or its task is cancelled.
-    void hold() { isHeld_ = true; }
+    /// Every request and download whose URL contains `part` waits until it is let through, or its task is
+    /// cancelled.
+    void hold(std::string part = "") { heldPart_ = std::move(part); }
     void letThrough() {
-        isHeld_ = false;
+        heldPart_.reset();
         held_.resumeAll();
     }
 
     Task<std::string> fetchMetadata(RemoteService service, Url url,
                                     std::map<std::string, std::string> headers) override {
         requests.push_back({url.string(), std::move(headers)});
-        while (isHeld_) co_await held_.wait();
+        while (isHeld(url)) co_await held_.wait();
         if (const int* status = longest(statuses_, url.string())) {
             throw RemoteImageProviderError(RemoteImageProviderError::Case::httpStatus, service.name, *status);
         }
@@ -56,7 +58,7 @@ public:
     Task<std::filesystem::path> downloadImage(RemoteService service, Url url, std::int64_t limit) override {
         downloads.push_back(url.string());
         limits.push_back(limit);
-        while (isHeld_) co_await held_.wait();
+        while (isHeld(url)) co_await held_.wait();
         for (const std::string& part : broken_) {
             if (url.string().find(part) != std::string::npos) {
                 throw RemoteImageProviderError(RemoteImageProviderError::Case::imageDownloadFailed,
@@ -79,10 +81,14 @@ private:
         return found;
     }
 
+    bool isHeld(const Url& url) const {
+        return heldPart_ && url.string().find(*heldPart_) != std::string::npos;
+    }
+
     std::map<std::string, std::vector<std::string>> bodies_;
     std::map<std::string, int> statuses_;
     std::vector<std::string> broken_;
-    bool isHeld_ = false;
+    std::optional<std::string> heldPart_;
     WaitList held_;
 };
 

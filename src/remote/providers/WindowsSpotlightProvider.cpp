@@ -1,12 +1,11 @@
 #include "remote/providers/WindowsSpotlightProvider.h"
 
-#include <unistd.h>
-
 #include <vector>
 
 #include "base/JsonRecord.h"
 #include "base/Text.h"
 #include "base/UrlEditing.h"
+#include "modes/FileReadable.h"
 #include "remote/fetching/RemoteImageProviderError.h"
 #include "storage/LastUsedStamp.h"
 
@@ -99,7 +98,7 @@ Task<std::optional<RemotePicture>> WindowsSpotlightProvider::remembered(WindowsS
     const auto file = selection->imageURL.filePath();
     if (!file) co_return std::nullopt;
     const bool isThere = co_await files_.run([file = *file, now = clock_.now()] {
-        if (::access(file.c_str(), R_OK) != 0) return false;
+        if (!isReadableFile(file)) return false;
         stampLastUsed(file, now);
         return true;
     });
