@@ -80,6 +80,7 @@ private:
             taken_ = Ref<GIOStream>::adopt(soup_server_message_steal_connection(message));
             static const std::map<std::string, std::string> words = {
                 {"/half", "Content-Length: 100\r\n\r\nhalf"},
+                {"/last-half", "Connection: close\r\nContent-Length: 100\r\n\r\nhalf"},
                 {"/trickle", "Content-Length: 100\r\n\r\nhalf"},
                 {"/endless", "\r\n" + std::string(100000, 'x')},
                 {"/until-the-end", "\r\nhello"},
@@ -203,6 +204,7 @@ TEST_F(SoupHTTPSessionTest, aBodyIsReadToItsEndOrLeftAndTheConnectionIsFreeEithe
 TEST_F(SoupHTTPSessionTest, aLengthIsKnownWhereItIsAnnouncedAndMustBeTrue) {
     EXPECT_EQ(requested("/half"), "failed");
     EXPECT_EQ(answer.expectedContentLength, 100);
+    EXPECT_EQ(requested("/last-half"), "failed");
     EXPECT_EQ(requested("/chunked"), "200 5");
     EXPECT_EQ(answer.expectedContentLength, std::nullopt);
     EXPECT_EQ(answer.mimeType, std::nullopt);

@@ -155,19 +155,23 @@ private:
 
 class SoupHTTPSession::Body final : public HTTPBody {
 public:
-    Body(std::unique_ptr<Transfer> transfer, Ref<GInputStream> stream)
-        : transfer_(std::move(transfer)), stream_(std::move(stream)) {}
+    Body(std::unique_ptr<Transfer> transfer, Ref<GInputStream> stream, std::optional<std::int64_t> length)
+        : transfer_(std::move(transfer)), stream_(std::move(stream)), missing_(length.value_or(0)) {}
 
     Task<Bytes> read(std::size_t maximumBytes) override {
         const Owned<GBytes> chunk = co_await transfer_->waitFor(nextChunk(stream_, maximumBytes));
         gsize size = 0;
         const auto* data = static_cast<const std::uint8_t*>(g_bytes_get_data(chunk.get(), &size));
+        // Where the server said that it would hang up, the library takes every end for the right one.
+        if (size == 0 && missing_ > 0) throw std::runtime_error("Connection terminated unexpectedly");
+        missing_ -= static_cast<std::int64_t>(size);
         co_return Bytes(data, data + size);
     }
 
 private:
     std::unique_ptr<Transfer> transfer_;
     Ref<GInputStream> stream_;
+    std::int64_t missing_;  ///< bytes that were announced and have not come
 };
 
 SoupHTTPSession::SoupHTTPSession(MainLoop& loop, int maximumConnectionsPerHost)
@@ -194,7 +198,8 @@ Task<HTTPResponse> SoupHTTPSession::open(HTTPRequest request) {
     Ref<GInputStream> stream = co_await transfer->waitFor(answerStream(session_, toSend));
     transfer->stopWatching();
     HTTPResponse response = headOf(toSend.get());
-    response.body = std::make_unique<Body>(std::move(transfer), std::move(stream));
+    response.body =
+        std::make_unique<Body>(std::move(transfer), std::move(stream), response.expectedContentLength);
     co_return response;
 }
 
