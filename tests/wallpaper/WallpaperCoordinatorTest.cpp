@@ -10,6 +10,7 @@ namespace {
 using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::SizeIs;
 constexpr auto rotation = WallpaperApplyReason::rotation;
 constexpr auto userInitiated = WallpaperApplyReason::userInitiated;
 constexpr const char* skipped =
@@ -272,6 +273,34 @@ TEST_F(WallpaperCoordinatorTest, aWaiterThatGoesAwayLeavesTheWorkAndTheOthersAlo
     applier.letThrough();
     EXPECT_EQ(result(staying).displays.size(), 2u);
     EXPECT_EQ(applier.calls.size(), 4u);
+}
+
+struct Notifier final : RemoteWallpaperErrorNotifying {
+    std::vector<std::string> told;
+    Task<void> notify(std::exception_ptr error, DisplayInfo display, WallpaperMode mode) override {
+        told.push_back(display.id + " " + std::string(enumName(mode.kind())) + ": " +
+                       errorText(error, GeneralLanguage::english));
+        co_return;
+    }
+};
+
+TEST_F(WallpaperCoordinatorTest, failuresOfServicesAreToldToTheUserWhoWantsToKnow) {
+    Notifier notifier;
+    coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock, &notifier);
+    WallpaperSettings settings = colors({{"A", "#aaaaaa"}, {"B", "#bbbbbb"}});
+    settings.displays[0].mode.value = BingSettings{};
+    model->update([&](AppSettings& document) { document.wallpaper = settings; });
+    applier.settingFails("A", "bing");
+    applier.settingFails("B", "#bbbbbb");
+    enqueue(std::nullopt);
+    EXPECT_THAT(notifier.told, ::testing::IsEmpty());
+    model->update([](AppSettings& document) { document.general.showRemoteErrorNotifications = true; });
+    enqueue(std::nullopt);
+    EXPECT_THAT(notifier.told, ElementsAre("A bing: cannot set"));
+    tasks.start(coordinator->apply(settings));
+    loop.settle();
+    EXPECT_THAT(notifier.told, SizeIs(2));
+    EXPECT_EQ(coordinator->lastFailures().at("B").message, "cannot set");
 }
 
 }  // namespace

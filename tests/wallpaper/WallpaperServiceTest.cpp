@@ -33,14 +33,8 @@ struct WallpaperServiceTest : ::testing::Test {
     WallpaperRenderer renderer{cache, rendering, clock};
     CacheFileProtection cacheFiles;
     FakeRemoteImageProvider remoteImages{cacheFiles};
-    WallpaperService service{displays,
-                             desktop,
-                             gate,
-                             renderer,
-                             executor,
-                             cacheFiles,
-                             remoteImages,
-                             [](std::size_t) { return std::size_t{0}; }};
+    WallpaperService service{displays, desktop,    gate,         renderer,
+                             executor, cacheFiles, remoteImages, [](std::size_t) { return std::size_t{0}; }};
     TaskScope tasks{loop};
 
     void SetUp() override {
@@ -279,10 +273,10 @@ TEST_F(WallpaperServiceRemoteTest, aServicesPictureIsDrawnAsItsModeSaysAndWithIt
     ASSERT_TRUE(rendering.lastComposition.caption);
     EXPECT_EQ(rendering.lastComposition.caption->text, "NASA EPIC");
     runToEnd(service.apply(remote(WallpaperApplyReason::rotation)));
-    EXPECT_THAT(remoteImages.calls,
-                ::testing::ElementsAre("windowsSpotlight " + FakeScreens::displayID(1) + " stays wallpaper",
-                                       "windowsSpotlight " + FakeScreens::displayID(1) +
-                                           " advances wallpaper"));
+    EXPECT_THAT(
+        remoteImages.calls,
+        ::testing::ElementsAre("windowsSpotlight " + FakeScreens::displayID(1) + " stays wallpaper",
+                               "windowsSpotlight " + FakeScreens::displayID(1) + " advances wallpaper"));
 }
 
 TEST_F(WallpaperServiceRemoteTest, aServiceThatFailsLeavesTheDesktopAlone) {
