@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Shows Quillmar at work where there is no screen: every display gets a colour of its own, and a picture is taken.
+"""Shows Quillmar at work where there is no screen: every display gets a colour of its own, the last one a painting of a
+museum, and a picture is taken.
 
-usage: run_headless.py PROGRAM FOLDER       (inside tools/desktop.sh)
+usage: run_headless.py PROGRAM FOLDER       (inside tools/desktop.sh, with the services of ./dev services)
 
 The profile is a new one and thrown away. Leaves FOLDER/desktop.png and FOLDER/quillmar.log.
 """
@@ -15,6 +16,7 @@ import tempfile
 import time
 
 COLORS = ["#1F6F8B", "#D98E04", "#6B4C9A", "#3B7A57"]
+MUSEUM_COLOR = "#C46A1B"  # of the pictures that the local services play the museum with
 PATIENCE = 30.0  # seconds that any one step may take
 
 
@@ -115,6 +117,10 @@ class Run:
         self.seen = {(x, y): color_at(self.picture, x, y) for x, y, _ in points}
         return all(self.seen[x, y] == color for x, y, color in points)
 
+    def hang_painting(self, display):
+        command = [self.program, "wallpaper", "set", display, "museums", "--sources", "rijksmuseum"]
+        subprocess.run(command, env=self.environment, check=True, capture_output=True, timeout=PATIENCE)
+
     def show(self):
         self.start()
         wait_until("a settings file", lambda: is_document(self.settings), self.running)
@@ -127,12 +133,17 @@ class Run:
         self.start()
         try:
             wait_until("every display in its colour", lambda: self.is_painted(points), self.running)
+            *others, (last, _) = displays
+            self.hang_painting(last["id"])
+            points = list(centers([*others, (last, MUSEUM_COLOR)]))
+            wait_until("a museum's painting", lambda: self.is_painted(points), self.running)
         except Failure as failure:
             wanted = ", ".join(f"{color} at {x},{y} (seen {self.seen.get((x, y))})" for x, y, color in points)
             raise Failure(f"{failure}: {wanted}") from None
         quit_program(self.running)
-        for display, color in displays:
+        for display, color in others:
             print(f"{display['localizedName']} ({display['id']}): {color}")
+        print(f"{last['localizedName']} ({last['id']}): a painting of a museum")
 
     def close(self):
         if self.running and self.running.poll() is None:

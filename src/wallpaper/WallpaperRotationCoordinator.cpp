@@ -79,11 +79,9 @@ Task<void> WallpaperRotationCoordinator::attempt(std::string displayID) {
     const WallpaperApplyBatchResult batch =
         co_await wallpaperCoordinator_.enqueue(DisplayIDs{displayID}, WallpaperApplyReason::rotation);
     // As the settings are now: they may have changed meanwhile, by the attempt itself too.
-    const auto descriptors = rotationDescriptors(settingsModel_.settings().wallpaper);
-    const auto descriptor =
-        std::ranges::find(descriptors, displayID, &WallpaperRotationDescriptor::displayID);
-    if (!isMonitoring_ || descriptor == descriptors.end()) co_return;
-    schedule_.record(*descriptor, clock_.now(), !batch.hasFailure());
+    auto descriptor = rotationDescriptor(settingsModel_.settings().wallpaper, displayID);
+    if (!isMonitoring_ || !descriptor) co_return;
+    schedule_.record(*std::move(descriptor), clock_.now(), !batch.hasFailure());
 }
 
 }  // namespace quillmar

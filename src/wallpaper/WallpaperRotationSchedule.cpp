@@ -17,6 +17,12 @@ WallTime after(WallTime time, Seconds wait) {
     return time + std::chrono::round<std::chrono::microseconds>(std::min(wait, longestWait));
 }
 
+std::optional<WallpaperRotationDescriptor> descriptorOf(const DisplayWallpaperSettings& entry) {
+    const auto interval = entry.mode.rotationInterval();
+    if (!interval || !(*interval > Seconds::zero())) return std::nullopt;
+    return WallpaperRotationDescriptor{entry.displayID, *interval, entry.mode};
+}
+
 /// What a new entry's interval begins with: now, but for a picture whose time has run on since it was
 /// applied.
 WallTime baseOf(const WallpaperMode& mode, WallTime now) {
@@ -30,38 +36,41 @@ WallTime baseOf(const WallpaperMode& mode, WallTime now) {
 }  // namespace
 
 std::vector<WallpaperRotationDescriptor> rotationDescriptors(const WallpaperSettings& settings) {
-    std::map<std::string, WallpaperRotationDescriptor> byDisplay;
-    for (const DisplayWallpaperSettings& entry : settings.displays) {
-        const auto interval = entry.mode.rotationInterval();
-        if (interval && *interval > Seconds::zero()) {
-            byDisplay.insert_or_assign(entry.displayID,
-                                       WallpaperRotationDescriptor{entry.displayID, *interval, entry.mode});
-        } else {
-            byDisplay.erase(entry.displayID);
-        }
-    }
+    std::map<std::string_view, const DisplayWallpaperSettings*> lastEntries;
+    for (const DisplayWallpaperSettings& entry : settings.displays) lastEntries[entry.displayID] = &entry;
     std::vector<WallpaperRotationDescriptor> descriptors;
-    for (auto& [id, descriptor] : byDisplay) descriptors.push_back(std::move(descriptor));
+    for (const auto& [id, entry] : lastEntries) {
+        if (auto descriptor = descriptorOf(*entry)) descriptors.push_back(*std::move(descriptor));
+    }
     return descriptors;
 }
 
-void WallpaperRotationSchedule::update(const std::vector<WallpaperRotationDescriptor>& descriptors,
-                                       WallTime now, bool resets) {
+std::optional<WallpaperRotationDescriptor> rotationDescriptor(const WallpaperSettings& settings,
+                                                              const std::string& displayID) {
+    const auto last = std::find_if(settings.displays.rbegin(), settings.displays.rend(),
+                                   [&](const auto& entry) { return entry.displayID == displayID; });
+    return last == settings.displays.rend() ? std::nullopt : descriptorOf(*last);
+}
+
+void WallpaperRotationSchedule::update(std::vector<WallpaperRotationDescriptor> descriptors, WallTime now,
+                                       bool resets) {
     std::map<std::string, Entry> updated;
-    for (const WallpaperRotationDescriptor& descriptor : descriptors) {
-        const auto former = entries.find(descriptor.displayID);
-        Entry entry{descriptor, after(baseOf(descriptor.mode, now), descriptor.interval), 0};
-        if (!resets && former != entries.end() && former->second.descriptor == descriptor) {
-            entry = std::move(former->second);
+    for (WallpaperRotationDescriptor& descriptor : descriptors) {
+        const WallTime latest = after(now, descriptor.interval);
+        auto kept = entries.extract(descriptor.displayID);
+        if (resets || kept.empty() || kept.mapped().descriptor != descriptor) {
+            const WallTime next = after(baseOf(descriptor.mode, now), descriptor.interval);
+            const std::string id = descriptor.displayID;
+            updated[id] = {std::move(descriptor), std::min(next, latest), 0};
+        } else {
+            kept.mapped().nextAttemptDate = std::min(kept.mapped().nextAttemptDate, latest);
+            updated.insert(std::move(kept));
         }
-        entry.nextAttemptDate = std::min(entry.nextAttemptDate, after(now, descriptor.interval));
-        updated.emplace(descriptor.displayID, std::move(entry));
     }
     entries = std::move(updated);
 }
 
-void WallpaperRotationSchedule::record(const WallpaperRotationDescriptor& descriptor, WallTime now,
-                                       bool isSuccess) {
+void WallpaperRotationSchedule::record(WallpaperRotationDescriptor descriptor, WallTime now, bool isSuccess) {
     const auto former = entries.find(descriptor.displayID);
     int failures = 0;
     if (!isSuccess) {
@@ -73,7 +82,8 @@ void WallpaperRotationSchedule::record(const WallpaperRotationDescriptor& descri
     if (failures > 0 && failures < maximumFailureCount) {
         wait = std::min(retryWaits[static_cast<std::size_t>(failures) - 1], descriptor.interval);
     }
-    entries.insert_or_assign(descriptor.displayID, Entry{descriptor, after(now, wait), failures});
+    Entry& entry = entries[descriptor.displayID];
+    entry = {std::move(descriptor), after(now, wait), failures};
 }
 
 std::optional<WallTime> WallpaperRotationSchedule::nextDate() const {

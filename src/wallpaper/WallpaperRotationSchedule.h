@@ -19,6 +19,9 @@ struct WallpaperRotationDescriptor {
 
 /// Those of the settings, by display ID; of several entries with one ID the last counts.
 std::vector<WallpaperRotationDescriptor> rotationDescriptors(const WallpaperSettings& settings);
+/// That of one display; nothing when it does not change by itself.
+std::optional<WallpaperRotationDescriptor> rotationDescriptor(const WallpaperSettings& settings,
+                                                              const std::string& displayID);
 
 /// When each display is due.
 struct WallpaperRotationSchedule {
@@ -32,10 +35,10 @@ struct WallpaperRotationSchedule {
     /// Brings the entries in line with the descriptors: what is as before keeps its date, unless `resets`
     /// begins all anew; a new or changed one is due in an interval. None is ever further away than its
     /// interval, though the clock be set back.
-    void update(const std::vector<WallpaperRotationDescriptor>& descriptors, WallTime now, bool resets);
+    void update(std::vector<WallpaperRotationDescriptor> descriptors, WallTime now, bool resets);
     /// Notes an attempt: after a success the next is due in an interval, after a failure sooner, as long as
     /// not too many came in a row.
-    void record(const WallpaperRotationDescriptor& descriptor, WallTime now, bool isSuccess);
+    void record(WallpaperRotationDescriptor descriptor, WallTime now, bool isSuccess);
     /// Nothing when no display is to come.
     std::optional<WallTime> nextDate() const;
     /// The displays that are due, in the order of their IDs.

@@ -45,8 +45,12 @@ TEST(UrlEditingTest, anAuthorityReplacesSchemeHostAndPortAlone) {
 
 TEST(UrlEditingTest, aPathExtensionIsThatOfTheLastComponentInLowerCase) {
     const std::vector<std::pair<std::string, std::string>> rows = {
-        {"https://h/a.JPG?x=b.png", "jpg"}, {"https://h/a.tar.gz", "gz"}, {"https://h.com", ""},
-        {"https://h/a.b/c", ""},            {"https://h/.hidden", ""},    {"https://h/a.", ""},
+        {"https://h/a.JPG?x=b.png", "jpg"},
+        {"https://h/a.tar.gz", "gz"},
+        {"https://h.com", ""},
+        {"https://h/a.b/c", ""},
+        {"https://h/.hidden", ""},
+        {"https://h/a.", ""},
     };
     for (const auto& [text, extension] : rows) EXPECT_EQ(pathExtension(url(text)), extension) << text;
 }
