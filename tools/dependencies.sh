@@ -5,7 +5,7 @@
 packages=(
     # build
     clang-19 lld-19 libclang-rt-19-dev cmake ninja-build ccache pkg-config git python3
-    libfmt-dev nlohmann-json3-dev libglib2.0-dev libgtk-3-dev libsoup-3.0-dev
+    libfmt-dev nlohmann-json3-dev libglib2.0-dev libgtk-3-dev libsoup-3.0-dev ca-certificates
     libx11-dev libx11-xcb-dev libxcb1-dev libxext-dev libxfixes-dev libxi-dev libxrandr-dev libxss-dev
     libpng-dev libisal-dev zlib1g-dev libjpeg62-turbo-dev liblcms2-dev libpango1.0-dev libvips-dev
     # tests
@@ -17,7 +17,7 @@ packages=(
     # lint
     clang-format-19 shellcheck
     # benchmarks
-    feh libvips-tools
+    feh libvips-tools curl
 )
 
 # Prints the packages that are not installed, one a line.
