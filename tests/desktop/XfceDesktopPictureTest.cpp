@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/Desktop.h"
+#include "desktop/TransactionWorld.h"
 #include "linux/dbus/BlockingBus.h"
 #include "linux/desktop/VariantText.h"
 #include "linux/x11/X11DesktopPicture.h"
@@ -72,7 +72,31 @@ protected:
         return testing::AssertionFailure() << "the screen shows something else";
     }
 
+    /// Lets the desktop's program show pictures of the user's own. On a busy machine it sometimes starts deaf
+    /// to its settings, whoever changes them; then it is started anew.
+    bool startsWithTwoPictures() {
+        userSets("monitorDUMMY0/workspace0/image-style", "int -s 3");
+        userSets("monitorDUMMY1/workspace0/last-image", "string -s " + other_.string());
+        userSets("monitorDUMMY1/workspace0/backdrop-cycle-enable", "bool -s true");
+        const auto chooseLeft = [&](const std::filesystem::path& file) {
+            userSets("monitorDUMMY0/workspace0/last-image", "string -s " + file.string());
+        };
+        const auto startedAndListens = [&] {
+            chooseLeft(wide_);
+            xfdesktop_.emplace();
+            if (!shows(green, yellow)) return false;
+            chooseLeft(other_);
+            const bool listens = bool(shows(yellow, yellow));
+            chooseLeft(wide_);
+            return listens && shows(green, yellow);
+        };
+        return startedAndListens() || startedAndListens();
+    }
+
     Desktop desktop_;
+    std::filesystem::path wide_ = desktop_.solidPicture(300, 200, green);
+    std::filesystem::path other_ = desktop_.solidPicture(300, 200, yellow);
+    std::optional<Xfdesktop> xfdesktop_;
     Bus bus_ = blockingSessionBus();
     X11DesktopPicture root_{desktop_.folder() / "captures"};
     XfceDesktopPicture picture_{bus_, root_};
@@ -81,30 +105,9 @@ protected:
 };
 
 TEST_F(XfceDesktopPictureTest, twoMonitorsShowTwoPicturesAndGetBackWhatTheyHad) {
-    const auto wide = desktop_.solidPicture(300, 200, green);
-    const auto other = desktop_.solidPicture(300, 200, yellow);
-    userSets("monitorDUMMY0/workspace0/last-image", "string -s " + wide.string());
-    userSets("monitorDUMMY0/workspace0/image-style", "int -s 3");
-    userSets("monitorDUMMY1/workspace0/last-image", "string -s " + other.string());
-    userSets("monitorDUMMY1/workspace0/backdrop-cycle-enable", "bool -s true");
-    const auto chooseLeft = [&](const std::filesystem::path& file) {
-        userSets("monitorDUMMY0/workspace0/last-image", "string -s " + file.string());
-    };
-    // On a busy machine xfdesktop sometimes starts deaf to its settings, whoever changes them; then it is
-    // started anew.
-    std::optional<Xfdesktop> xfdesktop;
-    const auto startedAndListens = [&] {
-        chooseLeft(wide);
-        xfdesktop.emplace();
-        if (!shows(green, yellow)) return false;
-        chooseLeft(other);
-        const bool listens = bool(shows(yellow, yellow));
-        chooseLeft(wide);
-        return listens && shows(green, yellow);
-    };
-    ASSERT_TRUE(startedAndListens() || startedAndListens());
+    ASSERT_TRUE(startsWithTwoPictures());
     const std::string before = allSettings();
-    EXPECT_EQ(picture_.desktopImage(left_), wide);
+    EXPECT_EQ(picture_.desktopImage(left_), wide_);
     const auto options = picture_.desktopImageOptions(right_);
     const auto leftOptions = picture_.desktopImageOptions(left_);
 
@@ -117,11 +120,23 @@ TEST_F(XfceDesktopPictureTest, twoMonitorsShowTwoPicturesAndGetBackWhatTheyHad) 
     EXPECT_EQ(picture_.desktopImage(left_), leftFile);
     EXPECT_EQ(picture_.captureDesktopImage(right_), rightFile);
 
-    picture_.setDesktopImage(other, right_, options);
+    picture_.setDesktopImage(other_, right_, options);
     EXPECT_TRUE(shows(red, yellow));
-    picture_.setDesktopImage(wide, left_, leftOptions);
+    picture_.setDesktopImage(wide_, left_, leftOptions);
     EXPECT_TRUE(shows(green, yellow));
     EXPECT_EQ(allSettings(), before);
+}
+
+TEST_F(XfceDesktopPictureTest, aMonitorWhoseChangeFailsGetsBackThePictureOfTheUser) {
+    ASSERT_TRUE(startsWithTwoPictures());
+    TransactionWorld world(desktop_, picture_);
+    const auto result = world.applies({"#C80A14", "#0A14C8"});
+    EXPECT_EQ(result.failures.size(), 1u);
+    EXPECT_THAT(result.rollbackFailures, testing::IsEmpty());
+    EXPECT_TRUE(shows(red, yellow));
+    EXPECT_EQ(picture_.desktopImage(right_), other_);
+    EXPECT_THAT(world.applies({"#C80A14", "#0A14C8"}).failures, testing::IsEmpty());
+    EXPECT_TRUE(shows(red, blue));
 }
 
 TEST_F(XfceDesktopPictureTest, everyWorkspaceShowsThePicture) {

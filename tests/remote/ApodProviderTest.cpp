@@ -63,6 +63,7 @@ TEST_F(ApodProviderTest, aDayWithoutAPictureLeadsToTheNewestOneOfTheThirtyDaysBe
         {R"({"media_type": "image"})", window("2026-04-04", "2026-05-03")},
         {"<html>", window("2026-04-04", "2026-05-03")},
         {item("2010-01-10", "video"), window("2010-01-01", "2010-01-09")},
+        {item("9999-01-10", "video"), window("2026-04-05", "2026-05-04")},
     };
     web.answers("&start_date",
                 {"[" + item("2020-03-01") + "," + item("2020-03-03", "image", "first") + "," +

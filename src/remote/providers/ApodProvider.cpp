@@ -97,8 +97,11 @@ Task<APODItem> ApodProvider::latestItem(APODSettings settings) {
     const auto json = co_await fetch(request(settings));
     auto item = json ? parsedOrNothing(*json) : std::nullopt;
     if (item && isPicture(*item) && candidateImageURL(*item, settings.useHDImage)) co_return *item;
+    const sys_days today = dayOf(clock_.now());
     const auto date = item ? parseCalendarDay(item->date) : std::nullopt;
-    co_return co_await latestBefore(std::move(settings), date ? sys_days(*date) : dayOf(clock_.now()));
+    // A day far ahead would be walked back from through thousands of empty windows.
+    const sys_days anchor = date ? std::min(sys_days(*date), today + days(1)) : today;
+    co_return co_await latestBefore(std::move(settings), anchor);
 }
 
 Task<APODItem> ApodProvider::latestBefore(APODSettings settings, sys_days anchor) {
