@@ -1,5 +1,5 @@
-// Whatever a picture service answers is a value within its bounds, or a `JsonRecordError`. Built once for each parser: the
-// macro PARSER names it.
+// Whatever a picture service answers is a value within its bounds, or a `JsonRecordError`. Built once for
+// each parser: the macro PARSER names it.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>

@@ -7,7 +7,8 @@
 
 namespace quillmar {
 
-/// Tells the user that a picture service failed a display. Main thread. Never throws but for a cancelled task.
+/// Tells the user that a picture service failed a display. Main thread. Never throws but for a cancelled
+/// task.
 class RemoteWallpaperErrorNotifying {
 public:
     virtual ~RemoteWallpaperErrorNotifying() = default;

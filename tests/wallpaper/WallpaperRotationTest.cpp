@@ -243,6 +243,15 @@ TEST_F(WallpaperRotationTest, aMachineThatSleptMakesUpForNothingButIsDueOnce) {
     EXPECT_EQ(attemptsIn(60s), 1u);
 }
 
+TEST_F(WallpaperRotationTest, aTimerThatStoodStillWhileTheMachineSleptIsNotWaitedFor) {
+    starts({entry("A", slideshow(86399))});
+    loop.advance(10s);
+    clock.set(clock.now() + 24h);
+    EXPECT_EQ(attemptsIn(60s), 1u);
+    EXPECT_EQ(attemptsIn(23h), 0u);
+    expectOneTimer();
+}
+
 TEST_F(WallpaperRotationTest, aClockThatIsSetCostsAnIntervalAtMost) {
     starts({entry("A", slideshow(600))});
     clock.set(clock.now() - std::chrono::days(365));
@@ -269,6 +278,20 @@ TEST_F(WallpaperRotationTest, aChangeDuringAnAttemptCountsForWhatIsSetNow) {
     EXPECT_EQ(rotation->schedule().entries.at("A").consecutiveFailureCount, 2) << "but stays on the list";
 }
 
+TEST_F(WallpaperRotationTest, aStopAndAStartDuringAnAttemptBeginAnIntervalForEveryDisplay) {
+    starts({entry("A", slideshow(60)), entry("B", slideshow(60))});
+    applier.isHeld = true;
+    applier.failing = {"A"};
+    loop.advance(60s);
+    rotation->stop();
+    rotation->start();
+    applier.isHeld = false;
+    applier.held.resumeAll();
+    EXPECT_EQ(attemptsIn(59s), 0u);
+    expectOneTimer();
+    EXPECT_EQ(attemptsIn(1s), 2u);
+}
+
 TEST_F(WallpaperRotationTest, whenItIsStoppedOrItsOwnerEndsNothingIsLeft) {
     starts({entry("A", slideshow(60)), entry("B", slideshow(60))});
     applier.isHeld = true;
@@ -277,6 +300,7 @@ TEST_F(WallpaperRotationTest, whenItIsStoppedOrItsOwnerEndsNothingIsLeft) {
     applier.isHeld = false;
     applier.held.resumeAll();
     loop.settle();
+    EXPECT_THAT(applier.attempts, ElementsAre("A")) << "the tick ends with it";
     EXPECT_THAT(rotation->schedule().entries, IsEmpty());
     EXPECT_EQ(loop.pendingCount(), 0u);
     model->update([](AppSettings&) {});
