@@ -79,6 +79,9 @@ public:
         signals_.setQuitHandler(handler);
         sessionEnd_.setQuitHandler(std::move(handler));
     }
+    void setWakeHandler(std::function<void()> handler) override {
+        sessionEnd_.setWakeHandler(std::move(handler));
+    }
 
 private:
     UnixSignals signals_;

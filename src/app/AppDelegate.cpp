@@ -51,6 +51,8 @@ void AppDelegate::applicationDidFinishLaunching() {
     platform_.control.serve([this](ControlCall call) { return control_->handle(std::move(call)); });
     platform_.runningInstances.publish(
         [] { logInfo("Another start asked this instance to come to the front.", "lifecycle"); });
+    // The loop's time stands still while the machine sleeps; what fell due meanwhile is due now.
+    platform_.systemEvents.setWakeHandler([this] { subsystems_->wallpaperRotation.reschedule(); });
     startupTask_.start(startUp());
 }
 

@@ -1,6 +1,7 @@
 #include "app/RemoteErrorNotificationService.h"
 
 #include "diagnostics/Log.h"
+#include "remote/fetching/RemoteImageProviderError.h"
 
 namespace quillmar {
 namespace {
@@ -18,6 +19,21 @@ std::string providerName(WallpaperModeKind kind, GeneralLanguage language) {
         case WallpaperModeKind::windowsSpotlight: return "Windows Spotlight";
         default: return localized("Museums"_key, language);
     }
+}
+
+/// The museum that an error comes from, under its own name; nothing of an error that is no museum's.
+std::optional<std::string> museumOf(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const RemoteImageProviderError& failure) {
+        constexpr auto sources = enumNames(MuseumsSource{}).size();
+        for (std::size_t i = 0; i < sources; ++i) {
+            if (failure.provider() == displayText(static_cast<MuseumsSource>(i))) return failure.provider();
+        }
+    } catch (const std::exception&) {
+        // Only a service's own errors say whose they are.
+    }
+    return std::nullopt;
 }
 
 std::string contextOf(const std::string& displayID, const std::string& provider) {
@@ -89,7 +105,8 @@ void RemoteErrorNotificationService::noteDeliveryFailure(RemoteNotificationDeliv
 
 Task<void> RemoteErrorNotificationService::notify(std::exception_ptr error, DisplayInfo display,
                                                   WallpaperMode mode) {
-    co_await post(display.id, providerName(mode.kind(), language()), errorText(error, language()));
+    const std::string provider = museumOf(error).value_or(providerName(mode.kind(), language()));
+    co_await post(display.id, provider, errorText(error, language()));
 }
 
 void logNotificationDiagnostic(const RemoteErrorNotificationDiagnostic& diagnostic) {

@@ -2,6 +2,16 @@
 
 namespace quillmar {
 
+void RestoreFollowing::settingsWillBeReplaced() {
+    wasRotating_ = rotation_.isMonitoring();
+    rotation_.stop();
+}
+
+void RestoreFollowing::settingsReplacementDidEnd() {
+    // A start that was limited by unreadable settings stays so until the next one.
+    if (wasRotating_) rotation_.start();
+}
+
 Task<std::optional<std::string>> RestoreFollowing::updateLoginItem(bool) { co_return std::nullopt; }
 
 Task<std::vector<std::string>> RestoreFollowing::applyWallpapers() {

@@ -1,24 +1,32 @@
 #pragma once
 #include "settings/backup/BackupSettingsModel.h"
-#include "wallpaper/WallpaperCoordinator.h"
+#include "wallpaper/WallpaperRotationCoordinator.h"
 
 namespace quillmar {
 
-/// Makes the running program follow restored settings.
+/// Makes the running program follow restored settings. Wallpapers do not change by themselves meanwhile, and
+/// begin anew after it.
 class RestoreFollowing final : public SettingsRestoreFollowing {
 public:
-    explicit RestoreFollowing(WallpaperCoordinator& wallpapers) : wallpapers_(wallpapers) {}
+    RestoreFollowing(WallpaperCoordinator& wallpapers, WallpaperRotationCoordinator& rotation)
+        : wallpapers_(wallpapers), rotation_(rotation) {}
+    void settingsWillBeReplaced() override;
+    void settingsReplacementDidEnd() override;
     Task<std::optional<std::string>> updateLoginItem(bool launchAtLogin) override;
     Task<std::vector<std::string>> applyWallpapers() override;
     void lockScreenSettingsDidChange() override {}
 
 private:
     WallpaperCoordinator& wallpapers_;
+    WallpaperRotationCoordinator& rotation_;
+    bool wasRotating_ = false;
 };
 
 /// Where no program runs nothing follows: the next start reads the restored file.
 class NothingFollows final : public SettingsRestoreFollowing {
 public:
+    void settingsWillBeReplaced() override {}
+    void settingsReplacementDidEnd() override {}
     Task<std::optional<std::string>> updateLoginItem(bool) override { co_return std::nullopt; }
     Task<std::vector<std::string>> applyWallpapers() override { co_return std::vector<std::string>{}; }
     void lockScreenSettingsDidChange() override {}

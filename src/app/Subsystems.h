@@ -44,7 +44,7 @@ public:
     WallpaperRotationCoordinator wallpaperRotation;
     SerialExecutor backupExecutor;
     SettingsBackupService backupService{backupExecutor};
-    RestoreFollowing restoreFollowing{wallpaperCoordinator};
+    RestoreFollowing restoreFollowing{wallpaperCoordinator, wallpaperRotation};
 };
 
 }  // namespace quillmar

@@ -144,11 +144,16 @@ WallpaperApplyBatchResult WallpaperCoordinator::sliceFor(const Ticket& waiter,
 Task<WallpaperApplyBatchResult> WallpaperCoordinator::applyCurrentSettings(
     std::optional<DisplayIDs> displayIDs, WallpaperApplyReason reason) {
     const std::vector<DisplayInfo> connected = displays(displayIDs);
-    const auto modes = modesByDisplay(settingsModel_.settings().wallpaper);
+    // As they are now: a change of the settings meanwhile is another request's.
+    std::vector<WallpaperMode> modes;
+    for (const DisplayInfo& display : connected) {
+        const auto* entry = findEntry(settingsModel_.settings().wallpaper.displays, display.id);
+        modes.push_back(entry ? entry->mode : WallpaperMode{});
+    }
     WallpaperApplyBatchResult batch;
     addUnavailable(batch.displays, displayIDs, connected, reason);
-    for (const DisplayInfo& display : connected) {
-        batch.displays.push_back(co_await applyDisplay(display, modeOf(modes, display.id), reason));
+    for (std::size_t i = 0; i < connected.size(); ++i) {
+        batch.displays.push_back(co_await applyDisplay(connected[i], std::move(modes[i]), reason));
     }
     co_return batch;
 }
@@ -171,11 +176,11 @@ Task<WallpaperDisplayApplyResult> WallpaperCoordinator::applyDisplay(DisplayInfo
     }
     noteResult(result);
     if (failure) {
+        co_await notifyIfRemote(failure, display, mode);
         logWarning("A wallpaper apply operation failed.", "wallpaper", failure,
                    {{"display_id", display.id},
                     {"reason", std::string(enumName(reason))},
                     {"mode", std::string(enumName(mode.kind()))}});
-        co_await notifyIfRemote(failure, std::move(display), std::move(mode));
     }
     co_return result;
 }

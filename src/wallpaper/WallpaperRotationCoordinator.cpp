@@ -6,7 +6,7 @@
 namespace quillmar {
 namespace {
 
-constexpr std::chrono::milliseconds shortestDelay{100};
+constexpr std::chrono::microseconds shortestDelay{100'000};
 
 }  // namespace
 
@@ -30,6 +30,7 @@ void WallpaperRotationCoordinator::start() {
 
 void WallpaperRotationCoordinator::stop() {
     if (!std::exchange(isMonitoring_, false)) return;
+    ++generation_;
     observation_.cancel();
     timer_.cancel();
     schedule_.entries.clear();
@@ -70,17 +71,20 @@ Task<void> WallpaperRotationCoordinator::tick() {
         co_return;
     }
     isRotating_ = true;
-    for (const std::string& displayID : schedule_.dueDisplayIDs(clock_.now())) co_await attempt(displayID);
+    const int generation = generation_;
+    for (const std::string& displayID : schedule_.dueDisplayIDs(clock_.now())) {
+        if (generation == generation_) co_await attempt(displayID, generation);
+    }
     isRotating_ = false;
     reschedule();
 }
 
-Task<void> WallpaperRotationCoordinator::attempt(std::string displayID) {
+Task<void> WallpaperRotationCoordinator::attempt(std::string displayID, int generation) {
     const WallpaperApplyBatchResult batch =
         co_await wallpaperCoordinator_.enqueue(DisplayIDs{displayID}, WallpaperApplyReason::rotation);
     // As the settings are now: they may have changed meanwhile, by the attempt itself too.
     auto descriptor = rotationDescriptor(settingsModel_.settings().wallpaper, displayID);
-    if (!isMonitoring_ || !descriptor) co_return;
+    if (generation != generation_ || !descriptor) co_return;
     schedule_.record(*std::move(descriptor), clock_.now(), !batch.hasFailure());
 }
 

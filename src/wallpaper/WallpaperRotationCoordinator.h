@@ -20,7 +20,9 @@ public:
 
     /// Begins to follow the settings; nothing when it does already.
     void start();
+    /// Forgets every date. An attempt that is under way ends by itself, and nothing follows it.
     void stop();
+    bool isMonitoring() const { return isMonitoring_; }
     /// Looks anew at the settings and the clock: after a change of either, and when the machine woke up.
     void reschedule();
 
@@ -30,7 +32,7 @@ public:
 
 private:
     Task<void> tick();
-    Task<void> attempt(std::string displayID);
+    Task<void> attempt(std::string displayID, int generation);
     bool arePaused() const { return settingsModel_.settings().general.pauseRotations; }
 
     NotificationCenter& notifications_;
@@ -38,6 +40,7 @@ private:
     WallpaperCoordinator& wallpaperCoordinator_;
     const WallClock& clock_;
     bool isMonitoring_ = false;
+    int generation_ = 0;  ///< of the present monitoring: what an earlier one began counts no more
     bool isRotating_ = false;
     OneShotTimer timer_;
     WallpaperRotationSchedule schedule_;

@@ -270,6 +270,7 @@ TEST_F(AppDelegateTest, settingsThatCannotBeSavedAtQuitLetTheUserStay) {
     EXPECT_THAT(machine.process.exits, IsEmpty());
     EXPECT_THAT(log.lines, Contains("information [lifecycle] Application termination was cancelled."));
     EXPECT_EQ(machine.desktop.setCount, painted) << "not painted anew";
+    EXPECT_TRUE(delegate->subsystems()->wallpaperRotation.isMonitoring());
     machine.screens.unplug(2);
     machine.screens.onChange();
     fs::remove(machine.settingsFile().parent_path());
@@ -286,6 +287,30 @@ TEST_F(AppDelegateTest, settingsThatCannotBeSavedAtQuitLetTheUserStay) {
     machine.alerts.answerNextWith(1);
     machine.loop.settle();
     EXPECT_THAT(machine.process.exits, ElementsAre(0));
+}
+
+TEST_F(AppDelegateTest, wallpapersChangeByThemselvesFromTheStartToTheEndButNotUnderARestore) {
+    plugInTwo();
+    AppSettings settings = twoColors();
+    settings.wallpaper.displays[0].mode.value = SlideshowPresentationSettings{.rotationIntervalSeconds = 60};
+    putSettings(settings);
+    launch();
+    Subsystems& subsystems = *delegate->subsystems();
+    const auto& entries = subsystems.wallpaperRotation.schedule().entries;
+    ASSERT_EQ(entries.size(), 1u);
+    const WallTime before = entries.begin()->second.nextAttemptDate;
+    machine.loop.advance(10s);
+    subsystems.restoreFollowing.settingsWillBeReplaced();
+    EXPECT_THAT(entries, IsEmpty());
+    subsystems.restoreFollowing.settingsReplacementDidEnd();
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries.begin()->second.nextAttemptDate, before + 10s);
+
+    quitBySystem();
+    EXPECT_THAT(entries, IsEmpty());
+    subsystems.restoreFollowing.settingsWillBeReplaced();
+    subsystems.restoreFollowing.settingsReplacementDidEnd();
+    EXPECT_THAT(entries, IsEmpty()) << "a restore begins nothing that was not there";
 }
 
 TEST_F(AppDelegateTest, theMenuFollowsTheLanguageAndTheReadinessAndNothingElse) {

@@ -5,6 +5,7 @@
 #include "fakes/FakeSettingsStore.h"
 #include "fakes/RecordedLog.h"
 #include "fakes/VirtualLoop.h"
+#include "remote/fetching/RemoteImageProviderError.h"
 
 namespace quillmar {
 namespace {
@@ -44,6 +45,13 @@ TEST_F(RemoteErrorNotificationServiceTest, eachDisplayShowsItsLastFailure) {
     EXPECT_EQ(
         center.shown.at("remote-wallpaper-error-B"),
         (RemoteNotificationRequest{"remote-wallpaper-error-B", "Couldn’t update NASA EPIC", "no network"}));
+    const RemoteImageProviderError rijksmuseum(RemoteImageProviderError::Case::httpStatus, "Rijksmuseum",
+                                               503);
+    run(service.notify(std::make_exception_ptr(rijksmuseum), {.id = "A"}, {MuseumsSettings{}}));
+    EXPECT_EQ(center.shown.at("remote-wallpaper-error-A").title, "Couldn’t update Rijksmuseum");
+    const RemoteImageProviderError none(RemoteImageProviderError::Case::noUsableImage, "the enabled museums");
+    run(service.notify(std::make_exception_ptr(none), {.id = "A"}, {MuseumsSettings{}}));
+    EXPECT_EQ(center.shown.at("remote-wallpaper-error-A").title, "Couldn’t update Museums");
     model.update([](AppSettings& settings) { settings.general.language = GeneralLanguage::portuguese; });
     fails("A", {MuseumsSettings{}}, "no network");
     EXPECT_EQ(center.shown.at("remote-wallpaper-error-A").title, "Não foi possível atualizar Museus");

@@ -23,7 +23,14 @@ struct FakeFollowing final : SettingsRestoreFollowing {
     std::vector<std::string> steps;
     std::optional<std::string> loginItemFailure;
     std::vector<std::string> wallpaperFailures;
+    int replacementCount = 0;
+    bool isHoldingStill = false;
 
+    void settingsWillBeReplaced() override {
+        ++replacementCount;
+        isHoldingStill = true;
+    }
+    void settingsReplacementDidEnd() override { isHoldingStill = false; }
     Task<std::optional<std::string>> updateLoginItem(bool launchAtLogin) override {
         steps.push_back(launchAtLogin ? "login item on" : "login item off");
         co_return loginItemFailure;
@@ -180,7 +187,14 @@ TEST_F(BackupTest, aReadOnlyStateEndsWithARestoreThatReachesTheDisk) {
     EXPECT_FALSE(model->canPersist());
     EXPECT_TRUE(backup->importedDocument()) << "the loaded file stays for another try";
     EXPECT_THAT(following.steps, IsEmpty());
-    EXPECT_TRUE(confirm(Action::restore));
+    EXPECT_EQ(following.replacementCount, 1);
+    EXPECT_FALSE(following.isHoldingStill) << "what held still goes on after a failure too";
+    store.hold();
+    confirm(Action::restore);
+    EXPECT_TRUE(following.isHoldingStill);
+    store.letThrough();
+    loop.settle();
+    EXPECT_FALSE(following.isHoldingStill);
     EXPECT_TRUE(model->canPersist());
     EXPECT_FALSE(model->loadError());
 }

@@ -87,5 +87,35 @@ TEST(DBusSessionEndTest, withoutASessionManagerNothingIsHeardAndNothingFails) {
     EXPECT_EQ(failures, 0);
 }
 
+TEST(DBusSessionEndTest, aMachineThatWakesUpIsHeardAndOneThatShutsDownIsAWishToQuit) {
+    const Owned<char> address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+    g_setenv("DBUS_SYSTEM_BUS_ADDRESS", address.get(), TRUE);
+    const auto logind = Ref<GDBusConnection>::adopt(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr));
+    const Owned<GVariant> owned(g_dbus_connection_call_sync(
+        logind.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+        g_variant_new("(su)", "org.freedesktop.login1", 0), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
+        nullptr));
+    GlibMainLoop loop;
+    DBusSessionEnd session(loop);
+    int wakes = 0;
+    int quits = 0;
+    session.setQuitHandler([&](SystemQuitReason) { ++quits; });
+    session.setWakeHandler([&] { ++wakes; });
+    const auto emit = [&](const char* signal, bool begins) {
+        g_dbus_connection_emit_signal(logind.get(), nullptr, "/org/freedesktop/login1",
+                                      "org.freedesktop.login1.Manager", signal, g_variant_new("(b)", begins),
+                                      nullptr);
+    };
+    // Signals before it listens are lost.
+    ASSERT_TRUE(turnUntil([&] {
+        if (quits == 0) emit("PrepareForShutdown", true);
+        return quits > 0;
+    }));
+    emit("PrepareForSleep", true);
+    emit("PrepareForSleep", false);
+    ASSERT_TRUE(turnUntil([&] { return wakes > 0; }));
+    EXPECT_EQ(wakes, 1);
+}
+
 }  // namespace
 }  // namespace quillmar

@@ -32,7 +32,9 @@ public:
 class FakeSystemEvents final : public SystemEventsObserving {
 public:
     std::function<void(SystemQuitReason)> quit;
+    std::function<void()> wake;
     void setQuitHandler(std::function<void(SystemQuitReason)> handler) override { quit = std::move(handler); }
+    void setWakeHandler(std::function<void()> handler) override { wake = std::move(handler); }
 };
 
 class FakeRunningInstances final : public RunningInstances {

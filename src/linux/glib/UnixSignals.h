@@ -8,13 +8,13 @@ namespace quillmar {
 
 /// The system's wish to end, as the signals SIGINT, SIGTERM and SIGHUP. One instance at a time; while it has
 /// a handler the signals do nothing but call it.
-class UnixSignals final : public SystemEventsObserving {
+class UnixSignals {
 public:
     UnixSignals();
     UnixSignals(const UnixSignals&) = delete;
     UnixSignals& operator=(const UnixSignals&) = delete;
-    ~UnixSignals() override;
-    void setQuitHandler(std::function<void(SystemQuitReason)> handler) override;
+    ~UnixSignals();
+    void setQuitHandler(std::function<void(SystemQuitReason)> handler);
 
 private:
     struct Watch;

@@ -21,6 +21,20 @@ private:
     BackupSettingsModel& model_;
 };
 
+/// Lets the program hold still while the settings are replaced, whatever comes of it.
+class BackupSettingsModel::Replacing {
+public:
+    explicit Replacing(SettingsRestoreFollowing& following) : following_(following) {
+        following_.settingsWillBeReplaced();
+    }
+    Replacing(const Replacing&) = delete;
+    Replacing& operator=(const Replacing&) = delete;
+    ~Replacing() { following_.settingsReplacementDidEnd(); }
+
+private:
+    SettingsRestoreFollowing& following_;
+};
+
 std::string BackupSettingsModel::suggestedFileName() const {
     const LocalDateTime now = localDateTime(services_.clock.now());
     return fmt::format("Quillmar-Backup-{:04}{:02}{:02}-{:02}{:02}{:02}", now.year, now.month, now.day,
@@ -100,6 +114,7 @@ Task<bool> BackupSettingsModel::reset() {
 
 Task<bool> BackupSettingsModel::replaceSettings(AppSettings settings) {
     const auto hold = co_await services_.settingsModel.transactionGate().acquire();
+    const Replacing replacing(services_.following);
     co_return co_await services_.settingsModel.replaceSettings(std::move(settings));
 }
 

@@ -14,10 +14,13 @@
 
 namespace quillmar {
 
-/// What must follow in the running program when restored settings are on disk. Main thread.
+/// What happens in the running program before and after restored settings are on disk. Main thread.
 class SettingsRestoreFollowing {
 public:
     virtual ~SettingsRestoreFollowing() = default;
+    /// Work that writes into the settings by itself holds still between these two.
+    virtual void settingsWillBeReplaced() = 0;
+    virtual void settingsReplacementDidEnd() = 0;
     /// Makes the login item what the settings say; a text when that failed.
     virtual Task<std::optional<std::string>> updateLoginItem(bool launchAtLogin) = 0;
     /// Applies the wallpapers to all displays; a line for each display that failed.
@@ -77,6 +80,7 @@ public:
 
 private:
     class Working;
+    class Replacing;
     Task<bool> replaceSettings(AppSettings settings);
     Task<bool> restore();
     Task<bool> reset();
