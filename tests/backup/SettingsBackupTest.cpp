@@ -75,11 +75,12 @@ struct BackupTest : ::testing::Test {
     }
     template <class T>
     std::optional<T> run(Task<T> task) {
-        std::optional<T> value;
-        tasks.spawn([](Task<T> work, std::optional<T>* to) -> Task<void> { *to = co_await std::move(work); }(
-                                                               std::move(task), &value));
+        auto value = std::make_shared<std::optional<T>>();
+        tasks.spawn([](Task<T> work, std::shared_ptr<std::optional<T>> to) -> Task<void> {
+            *to = co_await std::move(work);
+        }(std::move(task), value));
         loop.settle();
-        return value;
+        return std::move(*value);
     }
     void run(Task<void> task) {
         tasks.spawn(std::move(task));

@@ -139,10 +139,9 @@ struct FakePlatform {
         ++flushes;
         co_return;
     }
-    static std::map<std::string, std::string, std::less<>> bundleKeys() {
-        std::map<std::string, std::string, std::less<>> keys = fakeServiceKeys();
-        keys["QuillmarSemanticVersion"] = "1.2.3";
-        keys["CFBundleName"] = "Quillmar";
+    static auto bundleKeys() {
+        auto keys = fakeServiceKeys();
+        keys.insert({{"QuillmarSemanticVersion", "1.2.3"}, {"CFBundleName", "Quillmar"}});
         return keys;
     }
     std::filesystem::path settingsFile() const { return folder.path() / "Quillmar/settings.json"; }

@@ -1,6 +1,7 @@
 #include "linux/gtk/GtkSession.h"
 
 #include <X11/Xlib.h>
+#include <gdk/gdkx.h>
 #include <gtk/gtk.h>
 
 #include <clocale>
@@ -14,8 +15,10 @@ namespace quillmar {
 
 namespace {
 
-/// Ends the process at once: leaving in good order would talk to the display server again.
-int connectionLost(Display*) {
+/// Ends the process at once: leaving in good order would talk to the display server again. Other connections
+/// than the session's own answer for themselves.
+int connectionLost(Display* display) {
+    if (display != gdk_x11_get_default_xdisplay()) return 0;
     constexpr const char* message = "The connection to the display server was lost.";
     logError(message, "lifecycle");
     std::fprintf(stderr, "quillmar: %s\n", message);

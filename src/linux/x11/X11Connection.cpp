@@ -9,6 +9,10 @@ namespace quillmar {
 X11Connection::X11Connection(const std::string& display)
     : display_(XOpenDisplay(display.empty() ? nullptr : display.c_str())) {
     if (!display_) throw std::runtime_error("No display server answered.");
+    // Who paints the desktop next ends the connection of the one before, be it still open, together with its
+    // pixmap. That is no reason to end the process, which is what the library would do: by then we have
+    // painted.
+    XSetIOErrorExitHandler(display_, [](Display*, void*) {}, nullptr);
 }
 
 X11Connection::~X11Connection() { XCloseDisplay(display_); }
