@@ -139,7 +139,7 @@ struct FakePlatform {
         ++flushes;
         co_return;
     }
-    static auto bundleKeys() {
+    static std::map<std::string, std::string, std::less<>> bundleKeys() {
         auto keys = fakeServiceKeys();
         keys.insert({{"QuillmarSemanticVersion", "1.2.3"}, {"CFBundleName", "Quillmar"}});
         return keys;
