@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <random>
 #include <vector>
 
@@ -18,6 +19,7 @@
 #include "linux/dbus/DBusRunningInstances.h"
 #include "linux/dbus/DBusSessionEnd.h"
 #include "linux/desktop/LinuxDesktopPicture.h"
+#include "linux/glib/ClockJumps.h"
 #include "linux/glib/GlibMainLoop.h"
 #include "linux/glib/JournalSystemLog.h"
 #include "linux/glib/PreferredLanguages.h"
@@ -71,7 +73,8 @@ std::size_t randomIndex(std::size_t count) {
     return std::uniform_int_distribution<std::size_t>(0, count - 1)(engine);
 }
 
-/// The process's signals and the session's end are the same wish.
+/// The process's signals and the session's end are the same wish. A clock that leaps wakes up too: what is
+/// due by it is due now.
 class AllSystemEvents final : public SystemEventsObserving {
 public:
     explicit AllSystemEvents(MainLoop& loop) : sessionEnd_(loop) {}
@@ -80,12 +83,14 @@ public:
         sessionEnd_.setQuitHandler(std::move(handler));
     }
     void setWakeHandler(std::function<void()> handler) override {
-        sessionEnd_.setWakeHandler(std::move(handler));
+        clockJumps_.reset();
+        if (handler) clockJumps_.emplace(std::move(handler));
     }
 
 private:
     UnixSignals signals_;
     DBusSessionEnd sessionEnd_;
+    std::optional<ClockJumps> clockJumps_;
 };
 
 class LoopControl final : public ApplicationControl {

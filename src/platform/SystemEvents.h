@@ -17,7 +17,8 @@ public:
     /// Calls back, from the main loop, each time the system asks the program to end. Replaces the former
     /// handler. Without a handler the program ends as the system would have it.
     virtual void setQuitHandler(std::function<void(SystemQuitReason)> handler) = 0;
-    /// Calls back, from the main loop, each time the machine has woken up. Replaces the former handler.
+    /// Calls back, from the main loop, each time the machine has woken up or its clock was set. Replaces the
+    /// former handler.
     virtual void setWakeHandler(std::function<void()> handler) = 0;
 };
 

@@ -2,11 +2,13 @@
 
 #include <glib.h>
 #include <gmock/gmock.h>
+#include <sys/timex.h>
 
 #include <csignal>
 #include <stdexcept>
 #include <thread>
 
+#include "linux/glib/ClockJumps.h"
 #include "linux/glib/UnixSignals.h"
 
 namespace quillmar {
@@ -134,6 +136,23 @@ TEST_F(GlibMainLoopTest, signalsOfTheSystemAreEventsOfTheLoop) {
     }
     EXPECT_THAT(reasons, ElementsAre(SystemQuitReason::terminated, SystemQuitReason::interrupted,
                                      SystemQuitReason::hungUp, SystemQuitReason::terminated));
+}
+
+TEST_F(GlibMainLoopTest, aClockThatWasSetIsAnEventEachTime) {
+    int jumps = 0;
+    const ClockJumps watch([&] { ++jumps; });
+    for (const long microseconds : {1, 999'999}) {
+        // Forth and back again: seconds may be negative, fractions of them may not.
+        timex change{};
+        change.modes = ADJ_SETOFFSET;
+        change.time = {microseconds == 1 ? 0 : -1, microseconds};
+        if (::adjtimex(&change) < 0) GTEST_SKIP() << "only an administrator may set the clock";
+        const int before = jumps;
+        while (jumps == before) g_main_context_iteration(nullptr, TRUE);
+    }
+    EXPECT_EQ(jumps, 2);
+    settle();
+    EXPECT_EQ(jumps, 2);
 }
 
 }  // namespace

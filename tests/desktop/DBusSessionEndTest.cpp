@@ -87,7 +87,7 @@ TEST(DBusSessionEndTest, withoutASessionManagerNothingIsHeardAndNothingFails) {
     EXPECT_EQ(failures, 0);
 }
 
-TEST(DBusSessionEndTest, aMachineThatWakesUpIsHeardAndOneThatShutsDownIsAWishToQuit) {
+TEST(DBusSessionEndTest, aMachineThatShutsDownIsAWishToQuit) {
     const Owned<char> address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
     g_setenv("DBUS_SYSTEM_BUS_ADDRESS", address.get(), TRUE);
     const auto logind = Ref<GDBusConnection>::adopt(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr));
@@ -97,24 +97,15 @@ TEST(DBusSessionEndTest, aMachineThatWakesUpIsHeardAndOneThatShutsDownIsAWishToQ
         nullptr));
     GlibMainLoop loop;
     DBusSessionEnd session(loop);
-    int wakes = 0;
     int quits = 0;
     session.setQuitHandler([&](SystemQuitReason) { ++quits; });
-    session.setWakeHandler([&] { ++wakes; });
-    const auto emit = [&](const char* signal, bool begins) {
-        g_dbus_connection_emit_signal(logind.get(), nullptr, "/org/freedesktop/login1",
-                                      "org.freedesktop.login1.Manager", signal, g_variant_new("(b)", begins),
-                                      nullptr);
-    };
     // Signals before it listens are lost.
-    ASSERT_TRUE(turnUntil([&] {
-        if (quits == 0) emit("PrepareForShutdown", true);
+    EXPECT_TRUE(turnUntil([&] {
+        g_dbus_connection_emit_signal(logind.get(), nullptr, "/org/freedesktop/login1",
+                                      "org.freedesktop.login1.Manager", "PrepareForShutdown",
+                                      g_variant_new("(b)", TRUE), nullptr);
         return quits > 0;
     }));
-    emit("PrepareForSleep", true);
-    emit("PrepareForSleep", false);
-    ASSERT_TRUE(turnUntil([&] { return wakes > 0; }));
-    EXPECT_EQ(wakes, 1);
 }
 
 }  // namespace

@@ -32,9 +32,7 @@ class DBusSessionEnd::Client {
 public:
     using Handler = std::function<void(SystemQuitReason)>;
 
-    /// `onWake` may change at any time.
-    Client(MainLoop& loop, Handler handler, const std::function<void()>& onWake)
-        : handler_(std::move(handler)), onWake_(onWake), tasks_(loop) {
+    Client(MainLoop& loop, Handler handler) : handler_(std::move(handler)), tasks_(loop) {
         tasks_.spawn(whereThere(joinSession()));
         tasks_.spawn(whereThere(watchMachine()));
     }
@@ -67,10 +65,8 @@ private:
     }
     Task<void> watchMachine() {
         const Bus bus = co_await systemBus();
-        for (const char* signal : {"PrepareForShutdown", "PrepareForSleep"}) {
-            subscribe(bus, "org.freedesktop.login1", "org.freedesktop.login1.Manager", signal,
-                      "/org/freedesktop/login1");
-        }
+        subscribe(bus, "org.freedesktop.login1", "org.freedesktop.login1.Manager", "PrepareForShutdown",
+                  "/org/freedesktop/login1");
     }
     void subscribe(const Bus& bus, const char* sender, const char* interface, const char* signal,
                    const char* path) {
@@ -92,10 +88,6 @@ private:
             gboolean begins = FALSE;
             g_variant_get(parameters, "(b)", &begins);
             if (begins) client->handler_(SystemQuitReason::terminated);
-        } else if (name == "PrepareForSleep") {
-            gboolean begins = FALSE;
-            g_variant_get(parameters, "(b)", &begins);
-            if (!begins && client->onWake_) client->onWake_();
         }
     }
     Task<void> agree() {
@@ -104,7 +96,6 @@ private:
     }
 
     Handler handler_;
-    const std::function<void()>& onWake_;
     Bus session_;
     std::string clientPath_;
     std::vector<std::pair<Bus, guint>> subscriptions_;
@@ -115,7 +106,7 @@ DBusSessionEnd::DBusSessionEnd(MainLoop& loop) : loop_(loop) {}
 DBusSessionEnd::~DBusSessionEnd() = default;
 
 void DBusSessionEnd::setQuitHandler(std::function<void(SystemQuitReason)> handler) {
-    client_ = handler ? std::make_unique<Client>(loop_, std::move(handler), onWake_) : nullptr;
+    client_ = handler ? std::make_unique<Client>(loop_, std::move(handler)) : nullptr;
 }
 
 }  // namespace quillmar

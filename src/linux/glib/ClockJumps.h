@@ -1,0 +1,25 @@
+#pragma once
+#include <functional>
+
+namespace quillmar {
+
+/// Hears when the wall clock leaps against the loop's time: the machine slept and woke up, or somebody set
+/// the clock. Main thread.
+class ClockJumps {
+public:
+    /// Where the kernel cannot tell, nothing is ever heard.
+    explicit ClockJumps(std::function<void()> handler);
+    ClockJumps(const ClockJumps&) = delete;
+    ClockJumps& operator=(const ClockJumps&) = delete;
+    ~ClockJumps();
+
+private:
+    void arm() const;
+    bool hasJumped() const;
+
+    std::function<void()> handler_;
+    int timer_ = -1;
+    unsigned int watch_ = 0;  ///< 0: none
+};
+
+}  // namespace quillmar
