@@ -11,7 +11,6 @@
 namespace quillmar {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using Status = RemoteNotificationAuthorizationStatus;
 
@@ -123,6 +122,16 @@ TEST_F(DBusNotificationsTest, aServerThatAnswersMayBeGivenNotificationsAndEachIs
                 HasSubstr("Notify('Quillmar', 0, '', 'Couldn’t update Bing', 'a &lt; b', []"));
     EXPECT_THAT(server.calls[0], HasSubstr("'sound-name': <'dialog-warning'>"));
     EXPECT_EQ(server.calls[2], "CloseNotification(7,)");
+}
+
+TEST_F(DBusNotificationsTest, anotherServersNotificationsAreLeftAlone) {
+    auto former = std::make_unique<NotificationServer>(std::vector<std::string>{});
+    EXPECT_EQ(add("A", "a"), "done");
+    former.reset();
+    NotificationServer server({});
+    EXPECT_EQ(run(notifications.removeDelivered("A")), "done");
+    EXPECT_EQ(status(), Status::authorized);
+    EXPECT_THAT(server.calls, testing::IsEmpty());
 }
 
 TEST_F(DBusNotificationsTest, aPlainServerGetsPlainText) {

@@ -17,7 +17,13 @@ public:
     Task<void> add(RemoteNotificationRequest request) override;
 
 private:
-    std::map<std::string, std::uint32_t> delivered_;  ///< the server's number of what is shown
+    /// What is shown, by the server that shows it and its number there. Another server, or the same one
+    /// started anew, has another unique name, and gives the number to somebody else's notification.
+    struct Shown {
+        std::string server;
+        std::uint32_t number;
+    };
+    std::map<std::string, Shown> delivered_;
 };
 
 }  // namespace quillmar
