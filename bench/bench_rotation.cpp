@@ -74,14 +74,45 @@ struct World {
     }
 };
 
-void measureWeek() {
+constexpr auto week = 24h * 7;
+
+std::vector<WallpaperMode> tenSlideshows() {
     SlideshowPresentationSettings slideshow;
     slideshow.rotationIntervalSeconds = 10;
-    World world(std::vector<WallpaperMode>(10, WallpaperMode{slideshow}));
+    return std::vector<WallpaperMode>(10, WallpaperMode{slideshow});
+}
+
+double secondsOfCpuSince(std::clock_t began) { return double(std::clock() - began) / CLOCKS_PER_SEC; }
+
+/// What the coordinator asks of the schedule in a week, without those who paint.
+void measureSchedule() {
+    const World world(tenSlideshows());
+    const WallpaperSettings& settings = world.model->settings().wallpaper;
+    WallpaperRotationSchedule schedule;
+    WallTime now = world.clock.now();
+    const WallTime end = now + week;
+    std::size_t count = 0;
+    const std::clock_t began = std::clock();
+    while (true) {
+        schedule.update(rotationDescriptors(settings), now, false);
+        now = schedule.nextDate().value();
+        if (now > end) break;
+        for (const std::string& displayID : schedule.dueDisplayIDs(now)) {
+            schedule.record(*rotationDescriptor(settings, displayID), now, true);
+            ++count;
+        }
+    }
+    std::cout << fmt::format(
+        "the schedule of ten displays every 10 s for a week: {} turns, {:.2f} s of CPU\n", count,
+        secondsOfCpuSince(began));
+}
+
+void measureWeek() {
+    World world(tenSlideshows());
     Duration shortest = 1h;
     std::size_t mostPending = 0;
     const std::clock_t began = std::clock();
-    const TimePoint end = world.loop.now() + 24h * 7;
+    const TimePoint end = world.loop.now() + week;
     while (world.loop.now() < end) {
         mostPending = std::max(mostPending, world.loop.pendingCount());
         const Duration next = world.loop.untilNext().value_or(1h);
@@ -89,9 +120,9 @@ void measureWeek() {
         world.loop.advance(next);
     }
     std::cout << fmt::format(
-        "ten displays every 10 s for a week: {} attempts, {:.2f} s of CPU, at most {} timer, none below "
+        "the same with coordinators and loop: {} attempts, {:.2f} s of CPU, at most {} timer, none below "
         "{:.1f} s\n",
-        world.applier.count, double(std::clock() - began) / CLOCKS_PER_SEC, mostPending,
+        world.applier.count, secondsOfCpuSince(began), mostPending,
         std::chrono::duration<double>(shortest).count());
 }
 
@@ -136,6 +167,7 @@ void countRequests(const std::string& name, WallpaperMode mode) {
 
 int main() {
     using namespace quillmar;
+    measureSchedule();
     measureWeek();
     std::cout << fmt::format("{:34} {:>6} {:>9} {:>9} {:>8}\n", "a day of", "turns", "metadata", "pictures",
                              "failures");
