@@ -61,6 +61,18 @@ _quillmar_backup() {
     esac
 }
 
+_quillmar_general() {
+    case $cword,${words[2]-},${words[cword - 1]} in
+        2,*) _quillmar_offer "$current" set --json ;;
+        *,set,--language) _quillmar_offer "$current" english portuguese ;;
+        *,set,--appTheme) _quillmar_offer "$current" automatic light dark ;;
+        *,set,*)
+            _quillmar_options "$current" --language --appTheme --launchAtLogin --showChangelogOnUpdate \
+                --showRemoteErrorNotifications --pauseRotations --showColorfulStatusIcon
+            ;;
+    esac
+}
+
 _quillmar_wallpaper() {
     local options=(--layout --background)
     local services=(apod nasa-epic bing spotlight unsplash wallhaven museums)
@@ -136,9 +148,10 @@ _quillmar() {
     cword=$((${#words[@]} - 1))
     current=${words[cword]}
     case $cword,${words[1]-} in
-        1,*) _quillmar_offer "$current" displays wallpaper status backup quit --version --help ;;
+        1,*) _quillmar_offer "$current" displays wallpaper status general backup quit --version --help ;;
         2,displays | 2,status) _quillmar_offer "$current" --json ;;
         *,backup) _quillmar_backup ;;
+        *,general) _quillmar_general ;;
         *,wallpaper) _quillmar_wallpaper ;;
     esac
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "app/SettingsReply.h"
 #include "base/Enum.h"
 
 namespace quillmar {
@@ -129,20 +130,15 @@ Task<ControlReply> BackupCommand::restore(Arguments arguments) {
         if (backup.importSections.empty()) co_return failed("The backup has none of these sections.");
     }
     backup.request(Action::restore);
-    if (!co_await backup.confirmPendingAction()) co_return refusedSave();
+    if (!co_await backup.confirmPendingAction()) co_return unsavedReply(services_.settingsModel);
     co_return replyOf(backup.notice());
 }
 
 Task<ControlReply> BackupCommand::reset() {
     BackupSettingsModel backup(services_);
     backup.request(Action::reset);
-    if (!co_await backup.confirmPendingAction()) co_return refusedSave();
+    if (!co_await backup.confirmPendingAction()) co_return unsavedReply(services_.settingsModel);
     co_return replyOf(backup.notice());
-}
-
-ControlReply BackupCommand::refusedSave() const {
-    return failed("The settings could not be saved and stay as they were: " +
-                  services_.settingsModel.saveError().value_or("unknown error"));
 }
 
 }  // namespace quillmar

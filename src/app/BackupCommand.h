@@ -23,7 +23,6 @@ private:
     Task<ControlReply> inspect(Arguments arguments);
     Task<ControlReply> restore(Arguments arguments);
     Task<ControlReply> reset();
-    ControlReply refusedSave() const;
 
     BackupSettingsModel::Services services_;
 };

@@ -3,9 +3,17 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <ostream>
 
 namespace quillmar {
+namespace {
+
+/// What the running program carries out.
+constexpr auto programCommands =
+    std::to_array<std::string_view>({"backup", "general", "wallpaper", "status", "quit"});
+
+}  // namespace
 
 CommandLine CommandLine::parse(std::span<const std::string_view> arguments) {
     if (arguments.empty()) return {};
@@ -20,7 +28,7 @@ CommandLine CommandLine::parse(std::span<const std::string_view> arguments) {
         line.command = Command::showHelp;
     } else if (first == "displays") {
         line.command = Command::listDisplays;
-    } else if (first == "backup" || first == "wallpaper" || first == "status" || first == "quit") {
+    } else if (std::ranges::find(programCommands, first) != programCommands.end()) {
         line.command = Command::askRunningProgram;
         line.arguments.assign(arguments.begin(), arguments.end());
         return line;
@@ -52,6 +60,9 @@ void printHelp(std::ostream& out) {
            "  wallpaper next [DISPLAY|all]\n"
            "                          show the next picture\n"
            "  status [--json]         say besides when each display changes next and what failed last\n"
+           "  general [--json]        list the general settings\n"
+           "  general set OPTION...   change some of them: --pauseRotations, --language portuguese,\n"
+           "                          --showRemoteErrorNotifications=false ...\n"
            "  backup export FILE      write the settings to a backup file\n"
            "  backup inspect FILE     say what a backup file holds\n"
            "  backup restore FILE     replace the settings by those of a backup file\n"

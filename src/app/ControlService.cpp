@@ -36,6 +36,7 @@ ControlService::ControlService(const Platform& platform, Subsystems& subsystems,
                       [files = &platform.backgroundPool](Url url) { return grantFor(files, std::move(url)); },
                   .readKey = [files = &platform.backgroundPool](
                                  std::filesystem::path file) { return readKey(files, std::move(file)); }}),
+      general_(subsystems.settingsModel, subsystems.remoteErrorNotifications),
       quit_(std::move(quit)),
       loop_(platform.loop) {}
 
@@ -66,6 +67,7 @@ Task<ControlReply> ControlService::handle(ControlCall call) {
     const std::string command = call.arguments.empty() ? "" : call.arguments.front();
     if (command == "backup") co_return co_await backup_.run(std::move(call));
     if (command == "wallpaper" || command == "status") co_return co_await wallpaper_.run(std::move(call));
+    if (command == "general") co_return co_await general_.run(std::move(call));
     if (command == "quit" && call.arguments.size() == 1) {
         // Later, so that the answer is on its way before the program is.
         quitting_ = Scheduled(loop_, quit_);

@@ -1,5 +1,6 @@
 #pragma once
 #include "app/BackupCommand.h"
+#include "app/GeneralCommand.h"
 #include "app/Subsystems.h"
 #include "app/WallpaperCommand.h"
 
@@ -19,6 +20,7 @@ private:
 
     BackupCommand backup_;
     WallpaperCommand wallpaper_;
+    GeneralCommand general_;
     std::function<void()> quit_;
     MainLoop& loop_;
     Scheduled quitting_;

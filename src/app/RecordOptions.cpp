@@ -18,6 +18,14 @@ std::optional<Number> numberOf(const std::string& text) {
 
 }  // namespace
 
+OptionWord OptionWord::parse(const std::string& word, const char* complaint) {
+    if (!word.starts_with("--")) throw UsageError(complaint);
+    const std::size_t end = std::min(word.find('='), word.size());
+    OptionWord option{word.substr(2, end - 2), std::nullopt};
+    if (end < word.size()) option.text = word.substr(end + 1);
+    return option;
+}
+
 const std::string& OptionValue::text() const {
     if (!text_) throw UsageError(fmt::format("\"--{}\" needs a value.", name_));
     return *text_;

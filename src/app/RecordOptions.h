@@ -18,6 +18,14 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// A word "--name" or "--name=value".
+struct OptionWord {
+    std::string name;
+    std::optional<std::string> text;
+    /// Throws `UsageError` with `complaint` for any other word, which may well be a key and is not repeated.
+    static OptionWord parse(const std::string& word, const char* complaint);
+};
+
 /// The value of one option of the command line, as the kinds of fields read it. Throws `UsageError`; the
 /// value itself is in no message, for it may be a key.
 class OptionValue {
@@ -71,15 +79,17 @@ public:
         : name_(std::move(name)), text_(std::move(text)), takeText_(std::move(takeText)) {}
 
     bool isKnown() const { return isKnown_; }
+    /// Fields that are records themselves are no options: what the program remembers, or a group of its own.
     template <class T>
     RecordOption& required(std::string_view key, T& field) {
-        if (key != name_) return *this;
-        isKnown_ = true;
-        if (!text_ && !std::is_same_v<T, bool>) text_ = takeText_();
-        OptionValue(name_, std::move(text_)).readInto(field);
+        if constexpr (requires(const OptionValue& value) { value.readInto(field); }) {
+            if (key != name_) return *this;
+            isKnown_ = true;
+            if (!text_ && !std::is_same_v<T, bool>) text_ = takeText_();
+            OptionValue(name_, std::move(text_)).readInto(field);
+        }
         return *this;
     }
-    /// Fields that are records themselves are what the program remembers, not what a user sets.
     template <class T>
     RecordOption& optional(std::string_view key, std::optional<T>& field) {
         if constexpr (requires(const OptionValue& value, T& present) { value.readInto(present); }) {

@@ -53,8 +53,10 @@ public:
         return lastDeliveryFailure_;
     }
 
-private:
+    /// As the desktop last said.
     bool isAuthorized() const;
+
+private:
     GeneralLanguage language() const { return settingsModel_.settings().general.language; }
     void noteDeliveryFailure(RemoteNotificationDeliveryFailure failure);
 

@@ -90,7 +90,7 @@ std::vector<DisplayInfo> WallpaperCommand::matching(const std::string& name) con
 
 Task<ControlReply> WallpaperCommand::set(std::vector<std::string> words, std::string workingDirectory) {
     if (words.size() < 2) throw UsageError("The display was not named.");
-    auto [mode, keyFile] = parseWallpaperMode(std::span(words).subspan(2), workingDirectory);
+    auto [mode, keyFile, namesKey] = parseWallpaperMode(std::span(words).subspan(2), workingDirectory);
     const DisplayIDs ids = idsOf(matching(words[1]));
     if (keyFile) *keyOf(mode).text = co_await services_.readKey(*std::move(keyFile));
     if (auto* image = std::get_if<ImagePresentationSettings>(&mode.value); image && image->imageURL) {
@@ -105,7 +105,11 @@ Task<ControlReply> WallpaperCommand::set(std::vector<std::string> words, std::st
     for (const std::string& id : ids) {
         DisplayWallpaperSettings* entry = findEntry(settings.displays, id);
         entry->selectMode(mode.kind());
-        entry->mode = mode;
+        WallpaperMode chosen = mode;
+        // The key that the display has for the service stays until another is named: nobody types it twice.
+        if (const ServiceKey key = keyOf(chosen); key.text && !keyFile && !namesKey)
+            *key.text = *keyOf(entry->mode).text;
+        entry->mode = std::move(chosen);
     }
     co_return replyOf(co_await services_.coordinator.apply(std::move(settings)), ids);
 }

@@ -108,21 +108,17 @@ SlideshowPresentationSettings slideshow(Words words, const std::filesystem::path
 /// be in a file instead, where no list of processes shows it.
 template <class Settings>
 WallpaperModeArguments remote(WallpaperModeKind kind, Words words, const std::filesystem::path& folder) {
-    WallpaperModeArguments arguments{WallpaperMode::defaultMode(kind), {}};
+    WallpaperModeArguments arguments{.mode = WallpaperMode::defaultMode(kind)};
     auto& settings = std::get<Settings>(arguments.mode.value);
     while (!words.isEmpty()) {
-        const std::string word = words.take("");
-        // Not repeated in the complaint: it may well be a key.
-        if (!word.starts_with("--")) throw UsageError("Only options stand behind the name of a service.");
-        const std::size_t end = std::min(word.find('='), word.size());
-        std::string name = word.substr(2, end - 2);
-        std::optional<std::string> text;
-        if (end < word.size()) text = word.substr(end + 1);
+        auto [name, text] =
+            OptionWord::parse(words.take(""), "Only options stand behind the name of a service.");
         const ServiceKey key = keyOf(arguments.mode);
         if (key.text && name == std::string(key.name) + "File") {
             arguments.keyFile = folder / (text ? *text : words.take("a file behind --" + name));
             continue;
         }
+        arguments.namesKey |= name == key.name;
         if (name == "background") name = "backgroundHexColor";
         if (name == "interval") name = "rotationIntervalSeconds";
         RecordOption option(name, std::move(text), [&words] { return words.takeIfAny(); });
@@ -160,9 +156,9 @@ WallpaperModeArguments parseWallpaperMode(std::span<const std::string> words,
     const std::string& name = words.front();
     const Words rest(name, words.subspan(1));
     using Kind = WallpaperModeKind;
-    if (name == "colour" || name == "color") return {{solidColor(rest)}, {}};
-    if (name == "image") return {{image(rest, folder)}, {}};
-    if (name == "slideshow") return {{slideshow(rest, folder)}, {}};
+    if (name == "colour" || name == "color") return {.mode = {solidColor(rest)}};
+    if (name == "image") return {.mode = {image(rest, folder)}};
+    if (name == "slideshow") return {.mode = {slideshow(rest, folder)}};
     if (name == "apod") return remote<APODSettings>(Kind::apod, rest, folder);
     if (name == "nasa-epic") return remote<NasaEpicSettings>(Kind::nasaEpic, rest, folder);
     if (name == "bing") return remote<BingSettings>(Kind::bing, rest, folder);
@@ -170,7 +166,7 @@ WallpaperModeArguments parseWallpaperMode(std::span<const std::string> words,
     if (name == "unsplash") return remote<UnsplashSettings>(Kind::unsplash, rest, folder);
     if (name == "wallhaven") return remote<WallhavenSettings>(Kind::wallhaven, rest, folder);
     if (name == "museums") return remote<MuseumsSettings>(Kind::museums, rest, folder);
-    if (name == "mode") return {decoded(rest), {}};
+    if (name == "mode") return {.mode = decoded(rest)};
     if (name == "disabled") {
         if (!rest.isEmpty()) rest.refuse(words[1]);
         return {};

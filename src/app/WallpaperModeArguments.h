@@ -12,6 +12,7 @@ namespace quillmar {
 struct WallpaperModeArguments {
     WallpaperMode mode;
     std::optional<std::filesystem::path> keyFile;  ///< where the key of the mode's service is written
+    bool namesKey = false;                         ///< the words say a key, or that there is none
 };
 
 /// The mode that words such as "image", "holiday.jpg", "--layout", "fill" name. Relative paths start from

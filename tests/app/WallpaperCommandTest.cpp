@@ -87,7 +87,13 @@ TEST_F(WallpaperCommandTest, aModeIsSetSavedAndAnsweredForTheDisplayThatWasNamed
 
 TEST_F(WallpaperCommandTest, aServicesKeyComesFromAFile) {
     EXPECT_EQ(run({"wallpaper", "set", "main", "unsplash", "--accessKeyFile", "../key"}).status, 0);
-    EXPECT_EQ(std::get<UnsplashSettings>(modeOf(1).value).accessKey, "key of /home/ana/../key");
+    const auto key = [this] { return std::get<UnsplashSettings>(modeOf(1).value).accessKey; };
+    EXPECT_EQ(key(), "key of /home/ana/../key");
+    run({"wallpaper", "set", "main", "bing"});
+    EXPECT_EQ(run({"wallpaper", "set", "main", "unsplash", "--filter", "topic"}).status, 0);
+    EXPECT_EQ(key(), "key of /home/ana/../key") << "nobody types it twice";
+    EXPECT_EQ(run({"wallpaper", "set", "main", "unsplash", "--accessKey="}).status, 0);
+    EXPECT_EQ(key(), "");
 }
 
 TEST_F(WallpaperCommandTest, theStatusSaysWhenADisplayChangesAndWhatFailedLast) {

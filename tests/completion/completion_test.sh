@@ -56,7 +56,7 @@ offers() {
 # As an interactive shell has it.
 COMP_WORDBREAKS=$' \t\n"\'><=;|&(:'
 
-offers '--help --version backup displays quit status wallpaper' ''
+offers '--help --version backup displays general quit status wallpaper' ''
 offers 'backup' b
 offers '--help --version' --
 offers '--json' displays ''
@@ -74,6 +74,9 @@ offers '' backup inspect file ''
 offers 'customMenu general hotCorners lockScreen screensaver wallpaper' backup export file --sections ''
 offers 'general,hotCorners' backup export file --sections general,h
 offers '' backup export file --sections general,gen
+
+offers '--pauseRotations' general set --language portuguese --pause
+offers 'automatic dark light' general set --appTheme ''
 
 offers '--json next set' wallpaper ''
 offers 'Dell\ U2720Q The\ \"small\"\ one all main' wallpaper set ''
