@@ -12,7 +12,7 @@ packages=(
     libgtest-dev libgmock-dev llvm-19 libxres-dev
     # test desktop
     xserver-xorg-core xserver-xorg-video-dummy openbox x11-xserver-utils x11-utils xdotool imagemagick dbus-daemon
-    dbus-bin fonts-dejavu-core hsetroot
+    dbus-bin fonts-dejavu-core hsetroot notification-daemon iproute2
     xfdesktop4 xfconf gsettings-desktop-schemas cinnamon-desktop-data mate-desktop-common duktape-dev
     # lint
     clang-format-19 shellcheck

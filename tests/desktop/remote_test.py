@@ -1,39 +1,19 @@
 """Pictures of services on the displays, and every way in which a service can fail, on real sockets."""
 
 import json
-import os
 import pathlib
-import sys
+import subprocess
 import threading
 import unittest
-import urllib.request
 
-from quillmar_desktop import BEFORE, PROGRAM, DesktopTest, run, wait_until, x11
+from quillmar_desktop import BEFORE, PROGRAM, run, wait_until, x11
+from services_desktop import ADDRESS, COLORS, DOWNLOAD_FAILED, ServicesTest, ask, leads_to, requests_for
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "services"))
-from services import COLORS  # noqa: E402
-
-ADDRESS = os.environ["QUILLMAR_SERVICES"]
 KEY = "correct-horse-battery-staple"
-DOWNLOAD_FAILED = "Quillmar could not download the image from Wallhaven."
 IMAGE_TOO_LARGE = "The provider image is larger than Quillmar's {} MB download limit."
 MUCH_METADATA = "Wallhaven returned more metadata than Quillmar can safely process."
 NO_IMAGE = "Wallhaven did not return an image matching the selected options."
 IMAGE_LIMIT, MUSEUM_LIMIT, METADATA_LIMIT = 31457280, 20971520, 5242880
-
-
-def ask(path, method="GET", body=None):
-    request = urllib.request.Request(ADDRESS + path, method=method, data=body and json.dumps(body).encode())
-    with urllib.request.urlopen(request) as answer:
-        return answer.read()
-
-
-def requests_for(part):
-    return [entry for entry in json.loads(ask("/_log")) if part in entry["path"]]
-
-
-def leads_to(address):
-    return {"where": "metadata", "kind": "body", "text": json.dumps({"data": [{"path": address}]})}
 
 
 # What is wrong, and what the command then says; None: nothing, the picture is shown.
@@ -74,29 +54,11 @@ FAULTS = [
 ]  # fmt: skip
 
 
-class RemoteTest(DesktopTest):
+class RemoteTest(ServicesTest):
     def setUp(self):
         super().setUp()
-        ask("/_fault", "DELETE")
-        ask("/_log", "DELETE")
-        self.runtime = self.home / "runtime"
-        self.images = self.folder / "Cache" / "Images"
         self.key = self.home / "key"
         self.key.write_text(KEY + "\n")
-
-    def set(self, display, *kind):
-        return run(PROGRAM, "wallpaper", "set", display, *kind, env=self.environment)
-
-    def set_well(self, display, *kind):
-        answer = self.set(display, *kind)
-        self.assertEqual(answer.returncode, 0, answer.stderr)
-
-    def status(self):
-        answer = run(PROGRAM, "status", "--json", env=self.environment, check=True).stdout
-        return {entry["display"]["localizedName"]: entry for entry in json.loads(answer)["displays"]}
-
-    def half_done(self):
-        return [*self.runtime.glob("*.download"), *self.images.glob(".*")]
 
     def test_every_service_shows_its_picture(self):
         program = self.start_and_wait()
@@ -187,8 +149,22 @@ class RemoteTest(DesktopTest):
         self.assertEqual(len(requests_for("/api/natural")), 1)
         self.quit(program)
 
+    def started(self, *command, output=subprocess.DEVNULL):
+        """Something of the desktop's own, until the test ends."""
+        process = subprocess.Popen(command, stdout=output, stderr=subprocess.DEVNULL)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.terminate)
+        return process
+
     def test_a_key_stands_nowhere_but_in_the_settings(self):
+        notices = self.home / "notices"
+        with notices.open("w") as file:
+            self.started("dbus-monitor", "--session", "interface=org.freedesktop.Notifications", output=file)
+        self.started("/usr/lib/notification-daemon/notification-daemon")
+        server = ("gdbus", "wait", "--session", "--timeout", "30", "org.freedesktop.Notifications")
+        self.assertEqual(run(*server).returncode, 0)
         program = self.start_and_wait()
+        run(PROGRAM, "general", "set", "--showRemoteErrorNotifications", env=self.environment, check=True)
         said = []
         for kind in (
             ("apod", "--apiKeyFile"),
@@ -203,12 +179,14 @@ class RemoteTest(DesktopTest):
                 said += [answer.stdout, answer.stderr]
                 ask("/_fault", "DELETE")
         self.assertTrue(requests_for(KEY))
-        for words in (("status",), ("status", "--json"), ("wallpaper", "--json")):
+        for words in (("status",), ("status", "--json"), ("wallpaper", "--json"), ("general", "--json")):
             said.append(run(PROGRAM, *words, env=self.environment).stdout)
         said.append(pathlib.Path(f"/proc/{program.pid}/cmdline").read_text())
         said.append(pathlib.Path(f"/proc/{program.pid}/environ").read_text())
         self.quit(program)
         said.append(program.complaint())
+        said.append(notices.read_text())
+        self.assertIn("Unsplash returned HTTP 500.", said[-1])
         for file in [*self.folder.glob("Logs/*"), *self.folder.glob("ErrorQueue/*")]:
             said.append(file.read_text())
         for text in said:

@@ -3,7 +3,8 @@
 usage: ./dev services COMMAND [ARGUMENT...]
 
 The command finds QUILLMAR_INFO, the bundle keys that lead to the server, and QUILLMAR_SERVICES, its address; how it is
-told to fail says tests/services/server.py. Ends with the command's status.
+told to fail says tests/services/server.py. QUILLMAR_SERVICES_ADDRESS names another address of this machine than the
+loopback one, to be reached under. Ends with the command's status.
 """
 
 import json
@@ -29,7 +30,9 @@ def main():
     if len(sys.argv) < 2 or sys.argv[1] in ("-h", "--help"):
         print(__doc__.strip())
         return 0 if len(sys.argv) > 1 else 2
-    with tempfile.TemporaryDirectory(prefix="quillmar-services.") as folder, running() as address:
+    with tempfile.TemporaryDirectory(prefix="quillmar-services.") as folder, running(
+        os.environ.get("QUILLMAR_SERVICES_ADDRESS")
+    ) as address:
         info = pathlib.Path(folder, "Info.json")
         info.write_text(json.dumps(bundle_keys(address), indent=2))
         environment = os.environ | {"QUILLMAR_INFO": str(info), "QUILLMAR_SERVICES": address}

@@ -134,10 +134,11 @@ class Server(http.server.ThreadingHTTPServer):
 
 
 @contextlib.contextmanager
-def running():
-    """The server on a free port of this machine: its address."""
-    server = Server(("127.0.0.1", 0), Handler)
-    root = f"http://127.0.0.1:{server.server_port}"
+def running(address=None):
+    """The server on a free port of this machine, reached under the given address of it and all others, or by this
+    machine alone: where it is."""
+    server = Server(("0.0.0.0" if address else "127.0.0.1", 0), Handler)
+    root = f"http://{address or '127.0.0.1'}:{server.server_port}"
     server.state = State(root)
     threading.Thread(target=server.serve_forever, daemon=True).start()
     try:
