@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "app/WallpaperModeArguments.h"
 #include "base/Text.h"
@@ -26,13 +27,13 @@ constexpr std::string_view usage =
     "  disabled\n"
     "LAYOUT is center, tile, stretch, fit or fill.\n";
 
-/// A line for each display that was asked for, and for each other one that failed.
-ControlReply replyOf(const WallpaperApplyBatchResult& batch, const DisplayIDs& asked) {
+/// A line for each display.
+ControlReply replyOf(const WallpaperApplyBatchResult& batch) {
     ControlReply reply;
     for (const WallpaperDisplayApplyResult& display : batch.displays) {
         if (display.isFailed()) {
             reply.errors += fmt::format("{}: {}\n", display.displayName, *display.failureMessage);
-        } else if (asked.contains(display.displayID)) {
+        } else {
             reply.output += fmt::format("{}: applied\n", display.displayName);
         }
     }
@@ -49,6 +50,18 @@ bool isJsonAsked(const std::vector<std::string>& words) {
     const bool isAsked = words.size() == 1 && words.front() == "--json";
     if (!isAsked && !words.empty()) throw UsageError(fmt::format("There is no option \"{}\".", words.back()));
     return isAsked;
+}
+
+/// Gives the displays the mode. With `keepsKey` the key that a display has for the service stays: nobody
+/// types it twice.
+void choose(const WallpaperMode& mode, bool keepsKey, const DisplayIDs& ids, WallpaperSettings& settings) {
+    settings.ensureEntries(std::vector<std::string>(ids.begin(), ids.end()));
+    for (const std::string& id : ids) {
+        DisplayWallpaperSettings* entry = findEntry(settings.displays, id);
+        entry->selectMode(mode.kind());
+        WallpaperMode former = std::exchange(entry->mode, mode);
+        if (std::string* key = keyOf(entry->mode).text; key && keepsKey) *key = *keyOf(former).text;
+    }
 }
 
 DisplayIDs idsOf(const std::vector<DisplayInfo>& displays) {
@@ -100,24 +113,16 @@ Task<ControlReply> WallpaperCommand::set(std::vector<std::string> words, std::st
         slideshow && slideshow->folderURL) {
         slideshow->folderBookmark = co_await services_.grantFor(*slideshow->folderURL);
     }
-    WallpaperSettings settings = services_.settingsModel.settings().wallpaper;
-    settings.ensureEntries(std::vector<std::string>(ids.begin(), ids.end()));
-    for (const std::string& id : ids) {
-        DisplayWallpaperSettings* entry = findEntry(settings.displays, id);
-        entry->selectMode(mode.kind());
-        WallpaperMode chosen = mode;
-        // The key that the display has for the service stays until another is named: nobody types it twice.
-        if (const ServiceKey key = keyOf(chosen); key.text && !keyFile && !namesKey)
-            *key.text = *keyOf(entry->mode).text;
-        entry->mode = std::move(chosen);
-    }
-    co_return replyOf(co_await services_.coordinator.apply(std::move(settings)), ids);
+    const auto change = [ids, chosen = std::move(mode), keepsKey = !keyFile && !namesKey](auto& settings) {
+        choose(chosen, keepsKey, ids, settings);
+    };
+    co_return replyOf(co_await services_.coordinator.apply(change, ids));
 }
 
 Task<ControlReply> WallpaperCommand::showNext(std::vector<std::string> words) {
     if (words.size() > 2) throw UsageError(fmt::format("\"wallpaper next\" does not take \"{}\".", words[2]));
     const DisplayIDs ids = idsOf(matching(words.size() == 2 ? words[1] : "all"));
-    co_return replyOf(co_await services_.coordinator.enqueue(ids, WallpaperApplyReason::rotation), ids);
+    co_return replyOf(co_await services_.coordinator.enqueue(ids, WallpaperApplyReason::rotation));
 }
 
 ControlReply WallpaperCommand::list(const std::vector<std::string>& words) const {

@@ -65,11 +65,22 @@ Task<WallpaperApplyBatchResult> WallpaperCoordinator::enqueue(std::optional<Disp
 }
 
 Task<WallpaperApplyBatchResult> WallpaperCoordinator::apply(WallpaperSettings settings) {
+    co_return co_await addToLine(
+        [wanted = std::move(settings)](WallpaperSettings& present) { present = wanted; }, std::nullopt);
+}
+
+Task<WallpaperApplyBatchResult> WallpaperCoordinator::apply(WallpaperSettingsChange change,
+                                                            DisplayIDs displayIDs) {
+    co_return co_await addToLine(std::move(change), std::move(displayIDs));
+}
+
+Task<WallpaperApplyBatchResult> WallpaperCoordinator::addToLine(WallpaperSettingsChange change,
+                                                                std::optional<DisplayIDs> displayIDs) {
     if (gate_.isLockScreenOverrideActive) {
-        co_return suppressedBatch(std::nullopt, WallpaperApplyReason::userInitiated);
+        co_return suppressedBatch(displayIDs, WallpaperApplyReason::userInitiated);
     }
     auto ticket = std::make_shared<Ticket>();
-    pendingRequests_.push_back(PendingSettingsRequest{std::move(settings), ticket});
+    pendingRequests_.push_back(PendingSettingsRequest{std::move(change), std::move(displayIDs), ticket});
     startDraining();
     co_return co_await answer(ticket);
 }
@@ -111,7 +122,8 @@ Task<void> WallpaperCoordinator::drain() {
         PendingRequest request = std::move(pendingRequests_.front());
         pendingRequests_.pop_front();
         if (auto* settings = std::get_if<PendingSettingsRequest>(&request)) {
-            resolve(*settings->waiter, co_await runSettingsTransaction(std::move(settings->settings)));
+            resolve(*settings->waiter, co_await runSettingsTransaction(std::move(settings->change),
+                                                                       std::move(settings->displayIDs)));
             continue;
         }
         const auto& current = std::get<PendingCurrentRequest>(request);
@@ -185,18 +197,20 @@ Task<WallpaperDisplayApplyResult> WallpaperCoordinator::applyDisplay(DisplayInfo
     co_return result;
 }
 
-Task<WallpaperApplyBatchResult> WallpaperCoordinator::runSettingsTransaction(WallpaperSettings settings) {
+Task<WallpaperApplyBatchResult> WallpaperCoordinator::runSettingsTransaction(
+    WallpaperSettingsChange change, std::optional<DisplayIDs> displayIDs) {
+    constexpr auto reason = WallpaperApplyReason::userInitiated;
     WallpaperApplyBatchResult batch;
     const GeneralLanguage spoken = language();
-    if (gate_.isLockScreenOverrideActive) {
-        co_return suppressedBatch(std::nullopt, WallpaperApplyReason::userInitiated);
-    }
+    if (gate_.isLockScreenOverrideActive) co_return suppressedBatch(displayIDs, reason);
     if (!settingsTransactionApplier_) {
         batch.transactionFailureMessage =
             localized("Quillmar could not start the wallpaper transaction."_key, spoken);
         co_return batch;
     }
     const WallpaperSettings previous = settingsModel_.settings().wallpaper;
+    WallpaperSettings settings = previous;
+    change(settings);
     if (!co_await commitWallpaper(settings)) {
         batch.transactionFailureMessage = localized(
             "Quillmar could not save the wallpaper settings. Review the settings save error before trying "
@@ -204,20 +218,21 @@ Task<WallpaperApplyBatchResult> WallpaperCoordinator::runSettingsTransaction(Wal
             spoken);
         co_return batch;
     }
+    const std::vector<DisplayInfo> connected = displays(displayIDs);
     const auto modes = modesByDisplay(settings);
     std::vector<WallpaperApplyRequest> requests;
-    for (DisplayInfo& display : displayProvider_.displays()) {
-        WallpaperMode mode = modeOf(modes, display.id);
-        requests.push_back({std::move(display), std::move(mode)});
-    }
+    for (const DisplayInfo& display : connected) requests.push_back({display, modeOf(modes, display.id)});
     const WallpaperSettingsTransactionResult result =
         co_await settingsTransactionApplier_->applyTransaction(std::move(requests), modesByDisplay(previous));
     batch = batchOf(result, spoken);
     for (const WallpaperDisplayApplyResult& display : batch.displays) noteResult(display);
+    addUnavailable(batch.displays, displayIDs, connected, reason);
     co_await reportFailures(&result);
-    if (!result.failures.empty()) {
-        DisplayIDs failed;
-        for (const auto& failure : result.failures) failed.insert(failure.request.display.id);
+    DisplayIDs failed;
+    for (const WallpaperDisplayApplyResult& display : batch.displays) {
+        if (display.isFailed()) failed.insert(display.displayID);
+    }
+    if (!failed.empty()) {
         if (!co_await commitWallpaper(mergedAfterFailure(settings, previous, failed))) {
             batch.transactionFailureMessage = localized(
                 "Quillmar could not roll back the failed wallpaper change. Review the settings save error "

@@ -1,5 +1,6 @@
 #pragma once
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,6 +16,8 @@
 #include "wallpaper/WallpaperSettingsTransactionService.h"
 
 namespace quillmar {
+
+using WallpaperSettingsChange = std::function<void(WallpaperSettings&)>;
 
 struct WallpaperFailure {
     std::string message;
@@ -34,9 +37,12 @@ public:
     /// Applies what the settings say to the given displays, or to all of them.
     Task<WallpaperApplyBatchResult> enqueue(std::optional<DisplayIDs> displayIDs,
                                             WallpaperApplyReason reason);
-    /// The settings transaction: saves `settings` and applies them as one step; displays that fail are taken
-    /// back, on screen and in the settings.
+    /// The settings transaction: saves `settings` and applies them to all displays as one step; displays that
+    /// fail are taken back, on screen and in the settings.
     Task<WallpaperApplyBatchResult> apply(WallpaperSettings settings);
+    /// As above, with a change of what the settings say when its turn has come, applied to the given displays
+    /// alone. One of them that is gone by then fails.
+    Task<WallpaperApplyBatchResult> apply(WallpaperSettingsChange change, DisplayIDs displayIDs);
     /// True from the start of work until the line is empty.
     bool isApplying() const { return isApplying_; }
     /// What each display's last application failed of, by display ID; none for one that succeeded.
@@ -55,7 +61,8 @@ private:
         std::vector<std::shared_ptr<Ticket>> waiters;
     };
     struct PendingSettingsRequest {
-        WallpaperSettings settings;
+        WallpaperSettingsChange change;
+        std::optional<DisplayIDs> displayIDs;  ///< absent: all displays
         std::shared_ptr<Ticket> waiter;
     };
     using PendingRequest = std::variant<PendingCurrentRequest, PendingSettingsRequest>;
@@ -69,7 +76,10 @@ private:
                                                          WallpaperApplyReason reason);
     Task<WallpaperDisplayApplyResult> applyDisplay(DisplayInfo display, WallpaperMode mode,
                                                    WallpaperApplyReason reason);
-    Task<WallpaperApplyBatchResult> runSettingsTransaction(WallpaperSettings settings);
+    Task<WallpaperApplyBatchResult> addToLine(WallpaperSettingsChange change,
+                                              std::optional<DisplayIDs> displayIDs);
+    Task<WallpaperApplyBatchResult> runSettingsTransaction(WallpaperSettingsChange change,
+                                                           std::optional<DisplayIDs> displayIDs);
     Task<bool> commitWallpaper(WallpaperSettings settings);
     static WallpaperApplyBatchResult batchOf(const WallpaperSettingsTransactionResult& result,
                                              GeneralLanguage spoken);

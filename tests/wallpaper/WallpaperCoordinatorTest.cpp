@@ -147,6 +147,36 @@ TEST_F(WallpaperCoordinatorTest, nothingMergesAcrossASettingsTransaction) {
                                            "prepare B", "set B disabled", "apply A #cccccc"));
 }
 
+TEST_F(WallpaperCoordinatorTest, changesOfSingleDisplaysThatOverlapAllStandAndTouchNoOtherDisplay) {
+    const auto changes = [this](const std::string& id, const std::string& color) {
+        const auto change = [id, color](WallpaperSettings& settings) {
+            findEntry(settings.displays, id)->mode.value = SolidColorPresentationSettings{color};
+        };
+        auto handle = tasks.start(coordinator->apply(change, {id}));
+        loop.settle();
+        return handle;
+    };
+    applier.hold();
+    const auto first = changes("A", "#111111");
+    const auto second = changes("B", "#222222");
+    const auto third = changes("B", "#333333");
+    applier.letThrough();
+    EXPECT_THAT(lines(result(first)), ElementsAre("A: applied"));
+    EXPECT_THAT(lines(result(second)), ElementsAre("B: applied"));
+    EXPECT_THAT(lines(result(third)), ElementsAre("B: applied"));
+    EXPECT_THAT(applier.calls, ElementsAre("prepare A", "set A #111111", "prepare B", "set B #222222",
+                                           "prepare B", "set B #333333"));
+    EXPECT_EQ(store.onDisk.wallpaper, colors({{"A", "#111111"}, {"B", "#333333"}}));
+
+    applier.hold();
+    const auto running = changes("A", "#444444");
+    const auto late = changes("B", "#555555");
+    displays.present.pop_back();
+    applier.letThrough();
+    EXPECT_THAT(lines(result(late)), ElementsAre("B: The display with ID B is no longer connected."));
+    EXPECT_EQ(store.onDisk.wallpaper, colors({{"A", "#444444"}, {"B", "#333333"}})) << "as it shows";
+}
+
 TEST_F(WallpaperCoordinatorTest, theLockScreenRefusesWhatComesAndWhatIsNotYetReached) {
     applier.hold();
     const auto running = enqueue(std::nullopt);
