@@ -194,6 +194,7 @@ Task<void> AppDelegate::shutDown() {
     cacheMaintenanceScheduler_.stop();
     displayCoordinator().stop();
     subsystems_->wallpaperRotation.stop();
+    subsystems_->restoreFollowing.stop();
 
     AppSettingsModel& model = subsystems_->settingsModel;
     bool isSaved = false;

@@ -12,6 +12,8 @@ public:
         : wallpapers_(wallpapers), rotation_(rotation) {}
     void settingsWillBeReplaced() override;
     void settingsReplacementDidEnd() override;
+    /// The program is about to end: a restore that ends later begins nothing any more.
+    void stop() { wasRotating_ = false; }
     Task<std::optional<std::string>> updateLoginItem(bool launchAtLogin) override;
     Task<std::vector<std::string>> applyWallpapers() override;
     void lockScreenSettingsDidChange() override {}
