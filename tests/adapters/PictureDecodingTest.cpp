@@ -61,11 +61,11 @@ TEST_F(PictureDecodingTest, everyFormatShowsItsFirstPicture) {
         {"JPEG", samples::jpeg(quadrants(16, 8))},
         {"progressive JPEG", samples::jpeg(quadrants(16, 8), {.isProgressive = true})},
         {"CMYK JPEG", samples::jpeg(quadrants(16, 8), {.isCmyk = true})},
-        {"WebP", samples::webp()},
-        {"TIFF", samples::tiff()},
-        {"GIF of two frames", samples::gif()},
-        {"AVIF", samples::avif()},
-        {"HEIC", samples::heic()},
+        {"WebP", samples::file("quadrants.webp")},
+        {"TIFF", samples::file("quadrants.tiff")},
+        {"GIF of two frames", samples::file("two-frames.gif")},
+        {"AVIF", samples::file("quadrants.avif")},
+        {"HEIC", samples::file("quadrants.heic")},
     };
     for (const auto& [name, file] : files) {
         SCOPED_TRACE(name);
@@ -124,7 +124,7 @@ TEST_F(PictureDecodingTest, bitmapsStandOnTheirHeadUnlessTheyAreNegative) {
 
 TEST_F(PictureDecodingTest, coloursComeOutAsTheirProfileMeansThem) {
     const Rgb picture = plain({200, 100, 50});
-    const Bytes profile = samples::displayP3Profile();
+    const Bytes profile = samples::file("display-p3.icc");
     const RgbColor converted{215, 93, 31};
     EXPECT_THAT(stretched(samples::png(picture, {.profile = profile}), 8, 8).at(4, 4), isAbout(converted, 2));
     EXPECT_THAT(stretched(samples::png(picture, {.depth = 16, .profile = profile}), 8, 8).at(4, 4),
@@ -173,8 +173,8 @@ TEST_F(PictureDecodingTest, aFileThatIsNoWholePictureIsRefused) {
         {"half.jpg", half(jpeg)},
         {"half-progressive.jpg", half(progressive)},
         {"half.png", half(png)},
-        {"half.webp", half(samples::webp())},
-        {"half.heic", half(samples::heic())},
+        {"half.webp", half(samples::file("quadrants.webp"))},
+        {"half.heic", half(samples::file("quadrants.heic"))},
         {"damaged.jpg", damaged(jpeg, jpeg.size() / 2, {0xff, 0xd9, 0xff, 0xd9})},
         {"bomb.jpg", damaged(jpeg, frame, {0xea, 0x60, 0xea, 0x60})},
         {"bomb.png", damaged(png, 16, {0, 0, 0xea, 0x60, 0, 0, 0xea, 0x60})},

@@ -1,5 +1,7 @@
 #include "PictureSamples.h"
 
+#include "base/Files.h"
+
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -137,6 +139,11 @@ Bytes png(const Rgb& picture, const PngOptions& options) {
     png_write_end(png, info);
     png_destroy_write_struct(&png, &info);
     return file;
+}
+
+Bytes file(const char* name) {
+    const std::string content = readFile(std::filesystem::path(QUILLMAR_PICTURE_SAMPLES) / name, 1 << 20);
+    return {content.begin(), content.end()};
 }
 
 Rgb readPng(const std::filesystem::path& file) {

@@ -45,14 +45,8 @@ Bytes png(const Rgb& picture, const PngOptions& options = {});
 /// Reads a PNG file with a foreign decoder.
 Rgb readPng(const std::filesystem::path& file);
 
-/// Small files of formats that the tests do not write themselves: 16 by 8 pixels in quadrants; the GIF's
-/// second frame has other colours.
-Bytes webp();
-Bytes tiff();
-Bytes gif();
-Bytes avif();
-Bytes heic();
-/// A profile with wider primaries than sRGB's.
-Bytes displayP3Profile();
+/// A file of tests/adapters/samples: a picture of 16 by 8 pixels in quadrants, in a format that the tests do
+/// not write themselves (the GIF's second frame has other colours), or a colour profile.
+Bytes file(const char* name);
 
 }  // namespace quillmar::samples
