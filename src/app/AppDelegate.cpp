@@ -66,6 +66,8 @@ Task<void> AppDelegate::startUp() {
     platform_.usageReporting.sendMessage("app_launch");
     platform_.usageReporting.sendMessage("display_count_" +
                                          std::to_string(subsystems_->displays.displays().size()));
+    // Before the sweep, which spares what is shown.
+    recallPicturesOfServices();
     co_await sweepCacheAtStart();
     cacheMaintenanceScheduler_.start();
     co_await throwIfCancelled();
@@ -105,6 +107,16 @@ std::optional<FilePaths> AppDelegate::filesOfSettings() const {
     const AppSettingsModel& model = subsystems_->settingsModel;
     if (!model.canPersist()) return std::nullopt;
     return referencedFiles(model.settings());
+}
+
+/// A service may take its time or be out of reach: until it answers, its displays show what they showed last.
+void AppDelegate::recallPicturesOfServices() {
+    const auto& entries = subsystems_->settingsModel.settings().wallpaper.displays;
+    for (const ConnectedDisplay& display : subsystems_->displays.connectedDisplays()) {
+        const auto* entry = findEntry(entries, display.info.id);
+        if (entry && isRemote(entry->mode.kind()))
+            platform_.desktopPicture.recallDesktopImage(display.screen);
+    }
 }
 
 Task<void> AppDelegate::applyWallpapersAtStart() {
@@ -157,6 +169,7 @@ DisplayConfigurationChangeCoordinator& AppDelegate::displayCoordinator() {
 }
 
 Task<TopologyApplyResult> AppDelegate::applyWallpapers() {
+    recallPicturesOfServices();
     co_return summaryOf(co_await subsystems_->wallpaperCoordinator.enqueue(
         std::nullopt, WallpaperApplyReason::userInitiated));
 }

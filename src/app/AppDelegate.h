@@ -50,6 +50,7 @@ private:
     Task<void> sweepCacheAtStart();
     Task<void> sweepCachePeriodically();
     std::optional<FilePaths> filesOfSettings() const;
+    void recallPicturesOfServices();
     Task<void> applyWallpapersAtStart();
     Task<TopologyApplyResult> applyWallpapers();
     Task<void> shutDown();

@@ -28,6 +28,10 @@ public:
     /// The options that go with either, to be handed back when the file is set again. Throws
     /// `std::runtime_error` when the desktop does not answer.
     virtual DesktopImageOptions desktopImageOptions(const Screen& screen) = 0;
+    /// Shows again what `setDesktopImage` gave the screen last, where the desktop has forgotten it since:
+    /// with the session, or when the monitor was unplugged. Nothing where it has not, or where the file is
+    /// gone. Failures are logged.
+    virtual void recallDesktopImage(const Screen& screen) = 0;
 };
 
 }  // namespace quillmar

@@ -108,6 +108,20 @@ TEST_F(AppDelegateTest, everyDisplayGetsItsColourAtStartAndWhenItComesBack) {
     EXPECT_THAT(shown(2), HasSubstr("1280x720-445566"));
 }
 
+TEST_F(AppDelegateTest, untilAServiceAnswersItsDisplaysShowWhatTheyShowedLast) {
+    plugInTwo();
+    AppSettings settings = twoColors();
+    settings.wallpaper.displays[1].mode.value = BingSettings{};
+    putSettings(settings);
+    launch();
+    EXPECT_THAT(machine.desktop.recalled, ElementsAre(2u));
+    EXPECT_THAT(shown(2), "") << "the service did not answer";
+    machine.screens.unplug(1);
+    machine.screens.onChange();
+    machine.loop.advance(1s);
+    EXPECT_THAT(machine.desktop.recalled, ElementsAre(2u, 2u));
+}
+
 TEST_F(AppDelegateTest, aDisplayThatCannotBePaintedAtStartIsLoggedAndHoldsNothingUp) {
     plugInTwo();
     putSettings(twoColors());

@@ -35,5 +35,27 @@ TEST(LinuxDesktopPictureTest, theDesktopsOwnWayIsTakenWhereItAnswersAndElseTheRo
     EXPECT_FALSE(paintsTheRoot("KDE"));
 }
 
+TEST(LinuxDesktopPictureTest, theRootWindowShowsAgainWhatASessionOrAPlugHasLost) {
+    Desktop desktop;
+    const Screen left = desktop.screen("DUMMY0");
+    const Screen right = desktop.screen("DUMMY1");
+    const auto file = desktop.solidPicture(1920, 1080, red);
+    const LinuxDesktopPicture::Folders folders{desktop.folder() / "captures", desktop.folder() / "composed"};
+    LinuxDesktopPicture({}, folders).setDesktopImage(file, left, {});
+    // The next session: a root window that another program has painted, and another process of ours.
+    EXPECT_EQ(runProgram("hsetroot -solid '#123456' >/dev/null"), 0);
+    LinuxDesktopPicture picture({}, folders);
+    picture.recallDesktopImage(right);
+    EXPECT_EQ(picture.desktopImage(right), std::nullopt) << "it never had one";
+    picture.recallDesktopImage(left);
+    EXPECT_EQ(desktop.pixel(1919, 1079), red);
+    EXPECT_EQ(picture.desktopImage(left), file);
+
+    EXPECT_EQ(runProgram("hsetroot -solid '#123456' >/dev/null"), 0);
+    std::filesystem::remove(file);
+    picture.recallDesktopImage(left);
+    EXPECT_NE(desktop.pixel(0, 0), red);
+}
+
 }  // namespace
 }  // namespace quillmar

@@ -149,6 +149,18 @@ TEST_P(SpannedDesktopPictureTest, whatTheUserChoosesLaterCounts) {
     EXPECT_THAT(shown(), testing::ElementsAre(green, blue, around));
 }
 
+TEST_P(SpannedDesktopPictureTest, aMonitorThatIsPluggedInAgainIsComposedAgain) {
+    picture_->setDesktopImage(desktop_.solidPicture(1280, 1024, blue), right_, {});
+    desktop_.arrange("--output DUMMY1 --off");
+    picture_->setDesktopImage(desktop_.solidPicture(1920, 1080, red), left_, {});
+    desktop_.arrange("--output DUMMY1 --mode 1280x1024 --pos 1920x0");
+    picture_->recallDesktopImage(right_);
+    EXPECT_THAT(shown(), testing::ElementsAre(red, blue, around));
+    const auto composed = shownFile();
+    picture_->recallDesktopImage(left_);
+    EXPECT_EQ(shownFile(), composed) << "it is whole already";
+}
+
 TEST_P(SpannedDesktopPictureTest, aBadFileChangesNothing) {
     picture_->setDesktopImage(desktop_.solidPicture(1920, 1080, red), left_, {});
     const auto before = shownFile();

@@ -36,6 +36,7 @@ public:
     DesktopImageOptions desktopImageOptions(const Screen& screen) override {
         return real_.desktopImageOptions(screen);
     }
+    void recallDesktopImage(const Screen& screen) override { real_.recallDesktopImage(screen); }
 
 private:
     DesktopPicturing& real_;

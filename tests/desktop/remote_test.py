@@ -197,6 +197,11 @@ class RemoteTest(ServicesTest):
         program = self.start_and_wait()
         self.set_well("DUMMY0", "bing", "--layout", "fill")
         ask("/_fault", "POST", {"where": "metadata", "kind": "500"})
+        # The next session begins with an empty desktop.
+        self.quit(program)
+        self.paint(BEFORE)
+        program = self.start_and_wait()
+        self.assertEqual(x11.color(960, 900), "#" + COLORS["bing"].upper())
         answer = run(PROGRAM, "wallpaper", "next", "DUMMY0", env=self.environment)
         self.assertEqual(answer.stderr, "DUMMY0: Bing returned HTTP 500.\n")
         self.assertEqual(x11.color(960, 900), "#" + COLORS["bing"].upper())

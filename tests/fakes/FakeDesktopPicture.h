@@ -2,6 +2,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "platform/DesktopPicture.h"
 
@@ -12,6 +13,7 @@ class FakeDesktopPicture final : public DesktopPicturing {
 public:
     std::map<std::uint32_t, std::filesystem::path> shown;
     std::map<std::uint32_t, DesktopImageOptions> options;
+    std::vector<std::uint32_t> recalled;
     int setCount = 0;
 
     void refuses(std::uint32_t screen, std::string reason) { refusals_[screen] = std::move(reason); }
@@ -35,6 +37,7 @@ public:
         return desktopImage(screen);
     }
     DesktopImageOptions desktopImageOptions(const Screen& screen) override { return options[screen.number]; }
+    void recallDesktopImage(const Screen& screen) override { recalled.push_back(screen.number); }
 
 private:
     std::map<std::uint32_t, std::string> refusals_;

@@ -2,6 +2,7 @@
 
 #include <ranges>
 
+#include "diagnostics/Log.h"
 #include "linux/dbus/BlockingBus.h"
 #include "linux/desktop/PlasmaDesktopPicture.h"
 #include "linux/desktop/SpannedDesktopPicture.h"
@@ -44,12 +45,28 @@ std::unique_ptr<DesktopPicturing> ownWay(const Environment& environment,
 
 LinuxDesktopPicture::LinuxDesktopPicture(const Environment& environment, const Folders& folders)
     : root_(folders.captures),
+      lastShown_(folders.composed / "last-shown.json"),
       own_(ownWay(environment, folders.composed, root_)),
       chosen_(own_ ? *own_ : root_) {}
 
 void LinuxDesktopPicture::setDesktopImage(const std::filesystem::path& file, const Screen& screen,
                                           const DesktopImageOptions& options) {
     chosen_.setDesktopImage(file, screen, options);
+    if (!own_) lastShown_.note(screen, file);
+}
+
+void LinuxDesktopPicture::recallDesktopImage(const Screen& screen) {
+    if (own_) {
+        own_->recallDesktopImage(screen);
+        return;
+    }
+    if (root_.desktopImage(screen)) return;
+    try {
+        if (const auto last = lastShown_.pictureOf(screen)) root_.setDesktopImage(*last, screen, {});
+    } catch (const std::exception&) {
+        logWarning("The last desktop picture could not be shown again.", "wallpaper",
+                   std::current_exception());
+    }
 }
 
 std::optional<std::filesystem::path> LinuxDesktopPicture::desktopImage(const Screen& screen) {

@@ -1,6 +1,7 @@
 #pragma once
 #include <memory>
 
+#include "linux/desktop/LastShownPictures.h"
 #include "linux/x11/X11DesktopPicture.h"
 #include "storage/ApplicationDirectories.h"
 
@@ -13,7 +14,7 @@ public:
     /// Where files are kept; each folder is made when needed.
     struct Folders {
         std::filesystem::path captures;  ///< pictures of others that no file is known for
-        std::filesystem::path composed;  ///< one picture for all monitors, and nothing else
+        std::filesystem::path composed;  ///< one picture for all monitors, and no other PNG file
     };
     /// The desktop's names are those of XDG_CURRENT_DESKTOP in `environment`. Waits for the session bus.
     LinuxDesktopPicture(const Environment& environment, const Folders& folders);
@@ -23,9 +24,11 @@ public:
     std::optional<std::filesystem::path> desktopImage(const Screen& screen) override;
     std::optional<std::filesystem::path> captureDesktopImage(const Screen& screen) override;
     DesktopImageOptions desktopImageOptions(const Screen& screen) override;
+    void recallDesktopImage(const Screen& screen) override;
 
 private:
     X11DesktopPicture root_;
+    LastShownPictures lastShown_;            ///< of the root window
     std::unique_ptr<DesktopPicturing> own_;  ///< the desktop's own way; none: the root window's
     DesktopPicturing& chosen_;
 };

@@ -19,6 +19,8 @@ public:
     std::optional<std::filesystem::path> desktopImage(const Screen& screen) override;
     std::optional<std::filesystem::path> captureDesktopImage(const Screen& screen) override;
     DesktopImageOptions desktopImageOptions(const Screen& screen) override;
+    /// The desktop has a memory of its own.
+    void recallDesktopImage(const Screen&) override {}
 
 private:
     Bus bus_;

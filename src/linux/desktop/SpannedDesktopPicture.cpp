@@ -7,6 +7,7 @@
 #include "base/Uuid.h"
 #include "diagnostics/Log.h"
 #include "linux/desktop/DesktopFile.h"
+#include "linux/picture/PngReader.h"
 #include "linux/x11/X11Connection.h"
 #include "linux/x11/X11Outputs.h"
 #include "wallpaper/CanvasLayout.h"
@@ -101,6 +102,21 @@ std::optional<std::filesystem::path> SpannedDesktopPicture::captureDesktopImage(
 DesktopImageOptions SpannedDesktopPicture::desktopImageOptions(const Screen& screen) {
     const SpannedState state = presentState();
     return state.monitors.contains(screen.connector) ? DesktopImageOptions() : state.ownOptions;
+}
+
+void SpannedDesktopPicture::recallDesktopImage(const Screen& screen) {
+    const SpannedState state = presentState();
+    const auto own = state.monitors.find(screen.connector);
+    if (own == state.monitors.end() || !existingFile(own->second)) return;
+    try {
+        const PixelRect bounds = boundsOf(partsOf(state));
+        const PngReader composed(state.composed, PngReader::PixelOrder::redGreenBlueUnused);
+        if (composed.width() == bounds.width && composed.height() == bounds.height) return;
+        setDesktopImage(own->second, screen, {});
+    } catch (const std::exception&) {
+        logWarning("The last desktop picture could not be shown again.", "wallpaper",
+                   std::current_exception());
+    }
 }
 
 /// Another picture than the composed one is what the user has chosen since: all monitors show that.

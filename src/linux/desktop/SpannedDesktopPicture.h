@@ -22,6 +22,8 @@ public:
     std::optional<std::filesystem::path> desktopImage(const Screen& screen) override;
     std::optional<std::filesystem::path> captureDesktopImage(const Screen& screen) override;
     DesktopImageOptions desktopImageOptions(const Screen& screen) override;
+    /// Composes anew for monitors that are arranged in another way than when the picture was made.
+    void recallDesktopImage(const Screen& screen) override;
 
 private:
     SpannedState presentState() const;

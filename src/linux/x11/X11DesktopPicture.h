@@ -21,6 +21,8 @@ public:
     /// A root window that nobody has painted counts as black.
     std::optional<std::filesystem::path> captureDesktopImage(const Screen& screen) override;
     DesktopImageOptions desktopImageOptions(const Screen&) override { return {}; }
+    /// What the root window showed lives in the X server alone: there is nothing to recall.
+    void recallDesktopImage(const Screen&) override {}
 
 private:
     std::filesystem::path captured(_XDisplay* display, const PixelRect& area, const Screen& screen) const;
