@@ -22,6 +22,7 @@
 #include "linux/glib/ClockJumps.h"
 #include "linux/glib/GlibMainLoop.h"
 #include "linux/glib/JournalSystemLog.h"
+#include "linux/glib/NetworkReturn.h"
 #include "linux/glib/PreferredLanguages.h"
 #include "linux/glib/SystemWallClock.h"
 #include "linux/glib/UnixSignals.h"
@@ -87,10 +88,16 @@ public:
         if (handler) clockJumps_.emplace(std::move(handler));
     }
 
+    void setNetworkHandler(std::function<void()> handler) override {
+        networkReturn_.reset();
+        if (handler) networkReturn_.emplace(std::move(handler));
+    }
+
 private:
     UnixSignals signals_;
     DBusSessionEnd sessionEnd_;
     std::optional<ClockJumps> clockJumps_;
+    std::optional<NetworkReturn> networkReturn_;
 };
 
 class LoopControl final : public ApplicationControl {

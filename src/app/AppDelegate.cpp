@@ -7,6 +7,9 @@
 namespace quillmar {
 namespace {
 
+/// From the first route to names that can be resolved.
+constexpr std::chrono::seconds networkSettleDelay{3};
+
 TopologyApplyResult summaryOf(const WallpaperApplyBatchResult& batch) {
     return {.hasFailure = batch.hasFailure(), .failureCount = batch.failedDisplayCount()};
 }
@@ -20,6 +23,7 @@ AppDelegate::AppDelegate(const Platform& platform, std::unique_ptr<ApplicationIn
       applicationMenuController_(platform.bundle.displayName(), std::move(installMenu)),
       quitController_([this] { terminate(QuitSource::other); }),
       cacheMaintenanceScheduler_(platform.loop, [this] { return sweepCachePeriodically(); }),
+      networkSettling_(platform.loop),
       startupTask_(platform.loop),
       tasks_(platform.loop) {}
 
@@ -82,6 +86,7 @@ Task<void> AppDelegate::startUp() {
     co_await applyWallpapersAtStart();
     // Only now: the first application itself must not look like a change of the arrangement.
     displayCoordinator().start();
+    followNetwork();
     logInfo("Application startup completed.", "lifecycle");
 }
 
@@ -109,14 +114,36 @@ std::optional<FilePaths> AppDelegate::filesOfSettings() const {
     return referencedFiles(model.settings());
 }
 
+std::vector<ConnectedDisplay> AppDelegate::displaysOfServices() const {
+    const auto& entries = subsystems_->settingsModel.settings().wallpaper.displays;
+    std::vector<ConnectedDisplay> displays = subsystems_->displays.connectedDisplays();
+    std::erase_if(displays, [&](const ConnectedDisplay& display) {
+        const auto* entry = findEntry(entries, display.info.id);
+        return !entry || !isRemote(entry->mode.kind());
+    });
+    return displays;
+}
+
 /// A service may take its time or be out of reach: until it answers, its displays show what they showed last.
 void AppDelegate::recallPicturesOfServices() {
-    const auto& entries = subsystems_->settingsModel.settings().wallpaper.displays;
-    for (const ConnectedDisplay& display : subsystems_->displays.connectedDisplays()) {
-        const auto* entry = findEntry(entries, display.info.id);
-        if (entry && isRemote(entry->mode.kind()))
-            platform_.desktopPicture.recallDesktopImage(display.screen);
+    for (const ConnectedDisplay& display : displaysOfServices())
+        platform_.desktopPicture.recallDesktopImage(display.screen);
+}
+
+/// At login, and after the machine was moved, the network is often there later than its user.
+void AppDelegate::followNetwork() {
+    platform_.systemEvents.setNetworkHandler([this] {
+        networkSettling_.set(networkSettleDelay, [this] { tasks_.spawn(retryFailedServices()); });
+    });
+}
+
+Task<void> AppDelegate::retryFailedServices() {
+    WallpaperCoordinator& wallpapers = subsystems_->wallpaperCoordinator;
+    DisplayIDs failed;
+    for (const ConnectedDisplay& display : displaysOfServices()) {
+        if (wallpapers.lastFailures().contains(display.info.id)) failed.insert(display.info.id);
     }
+    if (!failed.empty()) co_await wallpapers.enqueue(std::move(failed), WallpaperApplyReason::userInitiated);
 }
 
 Task<void> AppDelegate::applyWallpapersAtStart() {
@@ -206,6 +233,8 @@ TerminateReply AppDelegate::applicationShouldTerminate(QuitSource source) {
 Task<void> AppDelegate::shutDown() {
     cacheMaintenanceScheduler_.stop();
     displayCoordinator().stop();
+    platform_.systemEvents.setNetworkHandler({});
+    networkSettling_.cancel();
     subsystems_->wallpaperRotation.stop();
     subsystems_->restoreFollowing.stop();
 
@@ -245,6 +274,7 @@ Task<bool> AppDelegate::keepsRunningAfterFailedSave() {
 void AppDelegate::resumeAfterCancelledTermination() {
     cacheMaintenanceScheduler_.start();
     displayCoordinator().start();
+    followNetwork();
     subsystems_->wallpaperRotation.start();
     logInfo("Application termination was cancelled.", "lifecycle");
 }

@@ -1,6 +1,7 @@
 #pragma once
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "app/ApplicationInstanceLock.h"
 #include "app/ApplicationMenuController.h"
@@ -9,6 +10,7 @@
 #include "app/ControlService.h"
 #include "app/Platform.h"
 #include "app/Subsystems.h"
+#include "async/Timer.h"
 #include "display/DisplayConfigurationChangeCoordinator.h"
 #include "storage/CacheMaintenanceScheduler.h"
 
@@ -50,7 +52,10 @@ private:
     Task<void> sweepCacheAtStart();
     Task<void> sweepCachePeriodically();
     std::optional<FilePaths> filesOfSettings() const;
+    std::vector<ConnectedDisplay> displaysOfServices() const;
     void recallPicturesOfServices();
+    void followNetwork();
+    Task<void> retryFailedServices();
     Task<void> applyWallpapersAtStart();
     Task<TopologyApplyResult> applyWallpapers();
     Task<void> shutDown();
@@ -69,6 +74,7 @@ private:
     CacheMaintenanceScheduler cacheMaintenanceScheduler_;
     std::optional<ControlService> control_;
     std::optional<DisplayConfigurationChangeCoordinator> displayCoordinator_;
+    OneShotTimer networkSettling_;
     ApplicationStartupTask startupTask_;
     TaskScope tasks_;
 };

@@ -20,6 +20,9 @@ public:
     /// Calls back, from the main loop, each time the machine has woken up or its clock was set. Replaces the
     /// former handler.
     virtual void setWakeHandler(std::function<void()> handler) = 0;
+    /// Calls back, from the main loop, each time the machine has a network again after it had none. Replaces
+    /// the former handler; an empty one ends it.
+    virtual void setNetworkHandler(std::function<void()> handler) = 0;
 };
 
 }  // namespace quillmar

@@ -122,6 +122,38 @@ TEST_F(AppDelegateTest, untilAServiceAnswersItsDisplaysShowWhatTheyShowedLast) {
     EXPECT_THAT(machine.desktop.recalled, ElementsAre(2u, 2u));
 }
 
+TEST_F(AppDelegateTest, aNetworkThatComesAfterTheStartBringsThePicturesThatFailed) {
+    plugInTwo();
+    machine.environment["XDG_RUNTIME_DIR"] = machine.folder.path();
+    AppSettings settings = twoColors();
+    settings.wallpaper.displays[1].mode.value = BingSettings{};
+    putSettings(settings);
+    machine.web.refuses("bing.example");
+    launch();
+    const std::size_t asked = machine.web.requests.size();
+    machine.web.accepts("bing.example");
+    machine.web.serves("/HPImageArchive", {.body = R"({"images":[{"url":"/th?id=1"}]})"});
+    machine.web.serves("/th?id=1", {.body = "a picture"});
+    for (int i = 0; i < 5; ++i) {
+        machine.systemEvents.network();  // routes come one after the other
+        machine.loop.advance(1s);
+    }
+    EXPECT_EQ(machine.web.requests.size(), asked) << "not before they have settled";
+    machine.loop.advance(3s);
+    EXPECT_EQ(machine.web.requests.size(), asked + 2);
+    EXPECT_THAT(shown(2), HasSubstr("image-v2"));
+    EXPECT_THAT(delegate->subsystems()->wallpaperCoordinator.lastFailures(), IsEmpty());
+
+    const int before = machine.desktop.setCount;
+    machine.systemEvents.network();
+    machine.loop.advance(10s);
+    EXPECT_EQ(machine.desktop.setCount, before) << "nothing failed";
+    machine.systemEvents.network();
+    quitBySystem();
+    EXPECT_FALSE(machine.systemEvents.network);
+    EXPECT_THAT(machine.process.exits, ElementsAre(0));
+}
+
 TEST_F(AppDelegateTest, aDisplayThatCannotBePaintedAtStartIsLoggedAndHoldsNothingUp) {
     plugInTwo();
     putSettings(twoColors());

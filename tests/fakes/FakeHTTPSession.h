@@ -34,6 +34,7 @@ public:
     void serves(std::string part, FakeAnswer answer) { served_[std::move(part)] = std::move(answer); }
     /// Requests whose URL contains `part` find nobody.
     void refuses(std::string part) { refused_.push_back(std::move(part)); }
+    void accepts(const std::string& part) { std::erase(refused_, part); }
     /// No body goes on until it is let through.
     void hold() { isHeld_ = true; }
     void letThrough() {

@@ -33,8 +33,10 @@ class FakeSystemEvents final : public SystemEventsObserving {
 public:
     std::function<void(SystemQuitReason)> quit;
     std::function<void()> wake;
+    std::function<void()> network;
     void setQuitHandler(std::function<void(SystemQuitReason)> handler) override { quit = std::move(handler); }
     void setWakeHandler(std::function<void()> handler) override { wake = std::move(handler); }
+    void setNetworkHandler(std::function<void()> handler) override { network = std::move(handler); }
 };
 
 class FakeRunningInstances final : public RunningInstances {
