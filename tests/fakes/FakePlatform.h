@@ -1,10 +1,8 @@
 #pragma once
-#include <deque>
-#include <optional>
 #include <vector>
 
 #include "app/Platform.h"
-#include "async/WaitList.h"
+#include "fakes/FakeAlerts.h"
 #include "fakes/FakeDesktopPicture.h"
 #include "fakes/FakeExecutors.h"
 #include "fakes/FakeHTTPSession.h"
@@ -48,28 +46,6 @@ public:
         co_return true;
     }
     void publish(std::function<void()> callback) override { onActivate = std::move(callback); }
-};
-
-/// A user who answers alerts with the buttons that the test chooses, and leaves them open when it chooses
-/// none.
-class FakeAlerts final : public AlertPresenting {
-public:
-    std::vector<Alert> shown;
-    void answerNextWith(std::size_t button) {
-        answers_.push_back(button);
-        answered_.resumeAll();
-    }
-    Task<std::size_t> runModal(Alert alert) override {
-        shown.push_back(std::move(alert));
-        while (answers_.empty()) co_await answered_.wait();
-        const std::size_t answer = answers_.front();
-        answers_.pop_front();
-        co_return answer;
-    }
-
-private:
-    std::deque<std::size_t> answers_;
-    WaitList answered_;
 };
 
 class FakeUsageReporting final : public UsageReporting {
