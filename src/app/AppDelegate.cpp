@@ -73,6 +73,7 @@ Task<void> AppDelegate::startUp() {
     // Before the sweep, which spares what is shown.
     recallPicturesOfServices();
     co_await sweepCacheAtStart();
+    co_await subsystems_->remoteImageFetcher.removeLeftovers();
     cacheMaintenanceScheduler_.start();
     co_await throwIfCancelled();
 

@@ -216,6 +216,17 @@ TEST_F(RemoteImageFetcherTest, cancelledOrAbandonedAtAnyStepItLeavesNothingHalfD
     }
 }
 
+TEST_F(RemoteImageFetcherTest, whatAKilledProcessHasLeftIsClearedAwayAndNothingElse) {
+    fs::create_directories(cache);
+    for (const fs::path& name : {temporary / "Quillmar-1B4E28BA.download", temporary / "Other-1.download",
+                                 cache / ".1B4E28BA.download", cache / "remote-1.download"}) {
+        std::ofstream(name) << "half a pic";
+    }
+    tasks.spawn(fetcher.removeLeftovers());
+    loop.settle();
+    EXPECT_THAT(leftFiles(), testing::UnorderedElementsAre("Other-1.download", "remote-1.download"));
+}
+
 TEST_F(RemoteImageFetcherTest, metadataIsReadWholeAndBelowItsLimit) {
     const auto limitBytes = static_cast<std::size_t>(RemoteImageFetching::maximumMetadataBytes);
     struct Row {

@@ -9,9 +9,22 @@
 #include "base/Uuid.h"
 
 namespace quillmar {
+namespace {
+
+constexpr std::string_view extension = ".download";
+
+}  // namespace
+
+std::string downloadFileName(std::string_view prefix) {
+    return std::string(prefix) + Uuid::random().string() + std::string(extension);
+}
+
+bool isDownloadFileName(std::string_view name, std::string_view prefix) {
+    return name.starts_with(prefix) && name.ends_with(extension);
+}
 
 DownloadFile::DownloadFile(const std::filesystem::path& folder)
-    : path_(folder / ("Quillmar-" + Uuid::random().string() + ".download")),
+    : path_(folder / downloadFileName(downloadPrefix)),
       descriptor_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600)) {
     if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), path_);
 }

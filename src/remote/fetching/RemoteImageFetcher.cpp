@@ -8,7 +8,6 @@
 #include "base/Files.h"
 #include "base/Hash.h"
 #include "base/UrlEditing.h"
-#include "base/Uuid.h"
 #include "remote/fetching/Redirects.h"
 #include "remote/fetching/RemoteImageProviderError.h"
 #include "storage/LastUsedStamp.h"
@@ -39,10 +38,13 @@ bool isInCache(const fs::path& file, const PictureRendering& pictures) {
     return false;
 }
 
+/// Hidden, so that no sweep takes half a picture for one.
+constexpr std::string_view stagingPrefix = ".";
+
 /// Gives the download its name in one step. False when it cannot, and nobody else has done it meanwhile.
 bool moveIntoPlace(const fs::path& download, const fs::path& destination) {
     if (isReadable(destination)) return true;
-    const fs::path staging = destination.parent_path() / ("." + Uuid::random().string() + ".download");
+    const fs::path staging = destination.parent_path() / downloadFileName(stagingPrefix);
     std::error_code failure;
     if (fs::copy_file(download, staging, failure)) fs::rename(staging, destination, failure);
     if (!failure) return true;
@@ -51,7 +53,23 @@ bool moveIntoPlace(const fs::path& download, const fs::path& destination) {
     return isReadable(destination);
 }
 
+void removeDownloads(const fs::path& folder, std::string_view prefix) {
+    std::error_code ignored;  // what stays is tried again at the next start
+    for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end;
+         entry.increment(ignored)) {
+        std::error_code failure;
+        if (isDownloadFileName(entry->path().filename().string(), prefix)) fs::remove(entry->path(), failure);
+    }
+}
+
 }  // namespace
+
+Task<void> RemoteImageFetcher::removeLeftovers() {
+    co_await files_.run([folders = folders_] {
+        removeDownloads(folders.temporary, downloadPrefix);
+        removeDownloads(folders.cache, stagingPrefix);
+    });
+}
 
 std::string remoteImageFileName(const Url& url) {
     std::string extension = pathExtension(url);

@@ -27,6 +27,8 @@ public:
           folders_(std::move(folders)) {}
 
     const std::filesystem::path& cacheDirectory() const { return folders_.cache; }
+    /// Removes what downloads of a process that was killed have left. Before the first download.
+    Task<void> removeLeftovers();
 
     using RemoteImageFetching::downloadImage;
     using RemoteImageFetching::fetchMetadata;
