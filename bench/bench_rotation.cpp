@@ -7,20 +7,13 @@
 #include "fakes/FakeExecutors.h"
 #include "fakes/FakeRemoteImageFetching.h"
 #include "fakes/FakeServices.h"
-#include "fakes/FakeSettingsStore.h"
-#include "fakes/VirtualLoop.h"
+#include "fakes/RotatingDisplays.h"
 #include "remote/RemoteImageResolver.h"
-#include "wallpaper/WallpaperRotationCoordinator.h"
 
 namespace quillmar {
 namespace {
 
 using namespace std::chrono_literals;
-
-struct Displays final : DisplayProviding {
-    std::vector<DisplayInfo> present;
-    std::vector<DisplayInfo> displays() const override { return present; }
-};
 
 /// Asks the services for what displays want to show, or takes it as shown.
 struct Applier final : WallpaperApplying {
@@ -45,32 +38,16 @@ struct Applier final : WallpaperApplying {
 };
 
 /// Displays with modes, rotating.
-struct World {
-    VirtualLoop loop;
-    VirtualWallClock clock{loop};
-    NotificationCenter notifications;
-    FakeSettingsStore store;
-    CacheFileProtection cacheFiles;
-    Displays displays;
-    Applier applier;
-    WallpaperApplicationGate gate;
-    std::optional<AppSettingsModel> model;
-    std::optional<WallpaperCoordinator> wallpapers;
-    std::optional<WallpaperRotationCoordinator> rotation;
-
+struct World : RotatingDisplays<Applier> {
     explicit World(const std::vector<WallpaperMode>& modes) {
+        std::vector<DisplayWallpaperSettings> entries;
         for (const WallpaperMode& mode : modes) {
-            DisplayWallpaperSettings entry;
+            auto& entry = entries.emplace_back();
             entry.displayID = fmt::format("display:{}", displays.present.size());
             entry.mode = mode;
             displays.present.push_back({.id = entry.displayID, .frame = {0, 0, 1920, 1080}});
-            store.onDisk.wallpaper.displays.push_back(std::move(entry));
         }
-        model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
-        wallpapers.emplace(loop, displays, applier, nullptr, *model, gate, clock);
-        rotation.emplace(loop, notifications, *model, *wallpapers, clock);
-        loop.settle();
-        rotation->start();
+        starts(std::move(entries));
     }
 };
 

@@ -3,6 +3,7 @@
 #include "async/TaskScope.h"
 #include "fakes/FakeNotificationCenter.h"
 #include "fakes/FakeSettingsStore.h"
+#include "fakes/TaskOutcome.h"
 #include "fakes/VirtualLoop.h"
 
 namespace quillmar {
@@ -23,12 +24,7 @@ struct GeneralCommandTest : ::testing::Test {
 
     ControlReply run(std::vector<std::string> words) {
         words.insert(words.begin(), "general");
-        ControlReply reply{.status = -1};
-        tasks.spawn([](GeneralCommand* on, ControlCall call, ControlReply* to) -> Task<void> {
-            *to = co_await on->run(std::move(call));
-        }(&command, {std::move(words), "/"}, &reply));
-        loop.settle();
-        return reply;
+        return outcomeOf(loop, tasks, command.run({std::move(words), "/"}))->value.value();
     }
 };
 

@@ -6,6 +6,7 @@
 #include "fakes/FakeScreens.h"
 #include "fakes/FakeSettingsStore.h"
 #include "fakes/FakeWallpaperApplier.h"
+#include "fakes/TaskOutcome.h"
 #include "fakes/VirtualLoop.h"
 
 namespace quillmar {
@@ -49,16 +50,8 @@ struct WallpaperCommandTest : ::testing::Test {
         for (const std::uint32_t number : {1u, 2u}) applier.shown[FakeScreens::displayID(number)] = "before";
     }
     ControlReply run(Words arguments) {
-        ControlReply reply{.status = -1};
-        tasks.spawn([](WallpaperCommand* on, ControlCall call, ControlReply* to) -> Task<void> {
-            try {
-                *to = co_await on->run(std::move(call));
-            } catch (const std::exception& error) {
-                *to = {.status = 1, .errors = error.what()};
-            }
-        }(&command, {std::move(arguments), "/home/ana"}, &reply));
-        loop.settle();
-        return reply;
+        const auto outcome = outcomeOf(loop, tasks, command.run({std::move(arguments), "/home/ana"}));
+        return outcome->value.value_or(ControlReply{.status = 1, .errors = outcome->text});
     }
     const WallpaperMode& modeOf(std::uint32_t number) const {
         return findEntry(model.settings().wallpaper.displays, FakeScreens::displayID(number))->mode;

@@ -4,6 +4,7 @@
 #include "base/Files.h"
 #include "fakes/FakeExecutors.h"
 #include "fakes/FakeSettingsStore.h"
+#include "fakes/TaskOutcome.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 #include "settings/backup/BackupSettingsModel.h"
@@ -74,17 +75,8 @@ struct BackupTest : ::testing::Test {
         loop.settle();
     }
     template <class T>
-    std::optional<T> run(Task<T> task) {
-        auto value = std::make_shared<std::optional<T>>();
-        tasks.spawn([](Task<T> work, std::shared_ptr<std::optional<T>> to) -> Task<void> {
-            *to = co_await std::move(work);
-        }(std::move(task), value));
-        loop.settle();
-        return std::move(*value);
-    }
-    void run(Task<void> task) {
-        tasks.spawn(std::move(task));
-        loop.settle();
+    auto run(Task<T> task) {
+        return std::move(outcomeOf(loop, tasks, std::move(task))->value);
     }
     bool confirm(Action action) {
         backup->request(action);

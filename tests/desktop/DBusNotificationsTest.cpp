@@ -19,12 +19,6 @@ class NotificationServer {
 public:
     explicit NotificationServer(std::vector<std::string> capabilities)
         : capabilities_(std::move(capabilities)) {
-        const Owned<char> address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
-        bus_ = Ref<GDBusConnection>::adopt(g_dbus_connection_new_for_address_sync(
-            address.get(),
-            static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-            nullptr, nullptr, nullptr));
         static constexpr GDBusInterfaceVTable methods{&called, nullptr, nullptr, {}};
         const Owned<GDBusNodeInfo> description(g_dbus_node_info_new_for_xml(
             R"(<node><interface name="org.freedesktop.Notifications">
@@ -39,10 +33,6 @@ public:
             nullptr));
         g_dbus_connection_register_object(bus_.get(), "/org/freedesktop/Notifications",
                                           description->interfaces[0], &methods, this, nullptr, nullptr);
-        const Owned<GVariant> owned(g_dbus_connection_call_sync(
-            bus_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-            "RequestName", g_variant_new("(su)", "org.freedesktop.Notifications", 0), nullptr,
-            G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr));
     }
     ~NotificationServer() { g_dbus_connection_close_sync(bus_.get(), nullptr, nullptr); }
     NotificationServer(const NotificationServer&) = delete;
@@ -75,7 +65,7 @@ private:
     }
 
     std::vector<std::string> capabilities_;
-    Ref<GDBusConnection> bus_;
+    Ref<GDBusConnection> bus_ = ownConnection("org.freedesktop.Notifications");
     std::uint32_t number_ = 6;
 };
 

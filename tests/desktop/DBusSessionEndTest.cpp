@@ -14,22 +14,12 @@ namespace {
 class SessionManager {
 public:
     SessionManager() {
-        const Owned<char> address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
-        bus_ = Ref<GDBusConnection>::adopt(g_dbus_connection_new_for_address_sync(
-            address.get(),
-            static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-            nullptr, nullptr, nullptr));
         offer("/org/gnome/SessionManager", R"(<node><interface name="org.gnome.SessionManager">
             <method name="RegisterClient"><arg type="s" direction="in"/><arg type="s" direction="in"/>
             <arg type="o" direction="out"/></method></interface></node>)");
         offer(client, R"(<node><interface name="org.gnome.SessionManager.ClientPrivate">
             <method name="EndSessionResponse"><arg type="b" direction="in"/><arg type="s" direction="in"/></method>
             </interface></node>)");
-        const Owned<GVariant> owned(g_dbus_connection_call_sync(
-            bus_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-            "RequestName", g_variant_new("(su)", "org.gnome.SessionManager", 0), nullptr,
-            G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr));
     }
     void emit(const char* signal, GVariant* parameters) {
         g_dbus_connection_emit_signal(bus_.get(), nullptr, client, "org.gnome.SessionManager.ClientPrivate",
@@ -53,7 +43,7 @@ private:
         const bool registers = std::string_view(method) == "RegisterClient";
         g_dbus_method_invocation_return_value(invocation, registers ? g_variant_new("(o)", client) : nullptr);
     }
-    Ref<GDBusConnection> bus_;
+    Ref<GDBusConnection> bus_ = ownConnection("org.gnome.SessionManager");
 };
 
 TEST(DBusSessionEndTest, theSessionManagerIsAnsweredAndItsEndIsAWishToQuit) {
@@ -90,11 +80,7 @@ TEST(DBusSessionEndTest, withoutASessionManagerNothingIsHeardAndNothingFails) {
 TEST(DBusSessionEndTest, aMachineThatShutsDownIsAWishToQuit) {
     const Owned<char> address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
     g_setenv("DBUS_SYSTEM_BUS_ADDRESS", address.get(), TRUE);
-    const auto logind = Ref<GDBusConnection>::adopt(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr));
-    const Owned<GVariant> owned(g_dbus_connection_call_sync(
-        logind.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
-        g_variant_new("(su)", "org.freedesktop.login1", 0), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
-        nullptr));
+    const auto logind = ownConnection("org.freedesktop.login1");
     GlibMainLoop loop;
     DBusSessionEnd session(loop);
     int quits = 0;

@@ -1,4 +1,6 @@
 #pragma once
+#include <gio/gio.h>
+
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -8,6 +10,7 @@
 
 #include "base/Bytes.h"
 #include "base/HexColor.h"
+#include "linux/glib/Ref.h"
 #include "platform/Screens.h"
 
 namespace quillmar {
@@ -22,6 +25,9 @@ void openGtkSession();
 
 /// Turns GLib's main loop until `condition` holds; false when it does not within 10 s of real time.
 bool turnUntil(const std::function<bool()>& condition);
+
+/// A connection of its own to the session bus, under a name that others know it by.
+Ref<GDBusConnection> ownConnection(const char* name);
 
 /// Another process of this test program, in one of the roles of `desktopMain.cpp`.
 class OtherProcess {

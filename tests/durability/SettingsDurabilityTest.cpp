@@ -12,6 +12,7 @@
 #include "async/ThreadPool.h"
 #include "fakes/FakeExecutors.h"
 #include "fakes/FullDocument.h"
+#include "fakes/TaskOutcome.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 #include "linux/glib/GlibMainLoop.h"
@@ -126,14 +127,10 @@ protected:
         VirtualLoop loop;
         InlineExecutor executor;
         SettingsStore store(file_, documents_.numbered(0), executor);
-        std::optional<SettingsLoadResult> result;
         TaskScope tasks(loop);
-        tasks.spawn([](SettingsStore& from, std::optional<SettingsLoadResult>& to) -> Task<void> {
-            to = co_await from.load();
-        }(store, result));
-        loop.settle();
-        if (const auto failure = loop.takeFailure()) std::rethrow_exception(failure);
-        return result.value().settings;
+        const auto outcome = outcomeOf(loop, tasks, store.load());
+        if (!outcome->value) throw std::runtime_error(outcome->text);
+        return outcome->value->settings;
     }
 
     std::vector<std::string> litter() const {

@@ -8,6 +8,7 @@
 #include "fakes/FakeExecutors.h"
 #include "fakes/FakeHTTPSession.h"
 #include "fakes/FakePictureRendering.h"
+#include "fakes/TaskOutcome.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 #include "remote/fetching/RemoteImageProviderError.h"
@@ -39,28 +40,15 @@ struct RemoteImageFetcherTest : ::testing::Test {
         files.runsAtOnce = true;
         fs::create_directories(temporary);
     }
-    template <class T>
-    TaskHandle<void> starts(Task<T> work, std::string* outcome) {
-        return tasks.start([](Task<T> task, std::string* to) -> Task<void> {
-            try {
-                if constexpr (std::is_same_v<T, fs::path>) {
-                    *to = (co_await std::move(task)).filename();
-                } else {
-                    *to = co_await std::move(task);
-                }
-            } catch (const CancellationError&) {
-                *to = "cancelled";
-            } catch (const std::exception& error) {
-                *to = error.what();
-            }
-        }(std::move(work), outcome));
+    static std::string textOf(const TaskOutcome<std::string>& outcome) {
+        return outcome.value.value_or(outcome.text);
+    }
+    static std::string textOf(const TaskOutcome<fs::path>& outcome) {
+        return outcome.value ? outcome.value->filename().string() : outcome.text;
     }
     template <class T>
     std::string run(Task<T> work) {
-        std::string outcome = "waiting";
-        starts(std::move(work), &outcome);
-        loop.settle();
-        return outcome;
+        return textOf(*outcomeOf(loop, tasks, std::move(work)));
     }
     std::string downloaded(const std::string& url) {
         return run(fetcher.downloadImage(service, *Url::parse(url), limit));
@@ -156,28 +144,26 @@ TEST_F(RemoteImageFetcherTest, aDiskThatRefusesIsADownloadThatFailed) {
 
 TEST_F(RemoteImageFetcherTest, aServerThatFallsSilentIsGivenUpAfterHalfAMinute) {
     web.serves("/a.png", {.body = std::string(100000, 'p'), .fallsSilentAt = 70000});
-    std::string outcome;
-    starts(fetcher.downloadImage(service, *Url::parse("https://h/a.png"), limit), &outcome);
+    const auto outcome =
+        outcomeOf(loop, tasks, fetcher.downloadImage(service, *Url::parse("https://h/a.png"), limit));
     loop.advance(std::chrono::seconds(29));
-    EXPECT_EQ(outcome, "");
+    EXPECT_EQ(outcome->text, "waiting");
     EXPECT_THAT(leftFiles(), SizeIs(1));
     loop.advance(std::chrono::seconds(1));
-    EXPECT_EQ(outcome, refusal);
+    EXPECT_EQ(outcome->text, refusal);
     EXPECT_THAT(leftFiles(), IsEmpty());
 }
 
 TEST_F(RemoteImageFetcherTest, twoWhoAskAtOnceGetOneFile) {
     web.serves("/a.png", {.body = std::string(100000, 'p')});
     web.hold();
-    std::string first;
-    std::string second;
-    starts(fetcher.downloadImage(service, *Url::parse("https://h/a.png"), limit), &first);
-    starts(fetcher.downloadImage(service, *Url::parse("https://h/a.png"), limit), &second);
-    loop.settle();
+    const Url url = *Url::parse("https://h/a.png");
+    const auto first = outcomeOf(loop, tasks, fetcher.downloadImage(service, url, limit));
+    const auto second = outcomeOf(loop, tasks, fetcher.downloadImage(service, url, limit));
     web.letThrough();
     loop.settle();
-    EXPECT_EQ(first, remoteImageFileName(*Url::parse("https://h/a.png")));
-    EXPECT_EQ(second, first);
+    EXPECT_EQ(textOf(*first), remoteImageFileName(url));
+    EXPECT_EQ(textOf(*second), textOf(*first));
     EXPECT_THAT(leftFiles(), SizeIs(1));
 }
 
@@ -186,26 +172,17 @@ TEST_F(RemoteImageFetcherTest, cancelledOrAbandonedAtAnyStepItLeavesNothingHalfD
     files.runsAtOnce = false;
     for (const bool isAbandoned : {false, true}) {
         for (int step = 0; step < 5; ++step) {
-            std::string outcome = "waiting";
             auto owner = std::make_unique<TaskScope>(loop);
-            auto handle =
-                owner->start([](RemoteImageFetcher* from, RemoteService of, std::string* to) -> Task<void> {
-                    try {
-                        co_await from->downloadImage(of, *Url::parse("https://h/a.png"), limit);
-                        *to = "done";
-                    } catch (const CancellationError&) {
-                        *to = "cancelled";
-                    }
-                }(&fetcher, service, &outcome));
-            loop.settle();
+            const auto outcome = outcomeOf(
+                loop, *owner, fetcher.downloadImage(service, *Url::parse("https://h/a.png"), limit));
             for (int i = 0; i < step; ++i) {
                 files.releaseOne();
                 loop.settle();
             }
-            isAbandoned ? owner.reset() : handle.cancel();
+            isAbandoned ? owner.reset() : owner->cancelAll();
             files.releaseAll();
             loop.settle();
-            EXPECT_EQ(outcome, isAbandoned ? "waiting" : "cancelled") << step;
+            EXPECT_EQ(outcome->text, isAbandoned ? "waiting" : "cancelled") << step;
             EXPECT_EQ(web.openBodies, 0) << step;
             // Whole is what the last step has moved into place before it heard.
             const auto left = leftFiles();

@@ -4,6 +4,7 @@
 
 #include "async/Sleep.h"
 #include "fakes/FakeSettingsStore.h"
+#include "fakes/TaskOutcome.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 
@@ -48,12 +49,7 @@ struct AppSettingsModelTest : ::testing::Test {
         return tasks.start(model->commit(std::move(mutation)));
     }
     std::optional<bool> outcome(TaskHandle<bool> handle) {
-        std::optional<bool> value;
-        tasks.spawn([](TaskHandle<bool> from, std::optional<bool>* to) -> Task<void> {
-            *to = co_await from.value();
-        }(handle, &value));
-        loop.settle();
-        return value;
+        return outcomeOf(loop, tasks, handle.value())->value;
     }
     std::vector<std::string> savedMarks() const {
         std::vector<std::string> texts;

@@ -10,6 +10,7 @@
 #include "async/TaskScope.h"
 #include "base/Files.h"
 #include "fakes/FakeExecutors.h"
+#include "fakes/TaskOutcome.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 #include "settings/records/SettingsCodec.h"
@@ -29,29 +30,17 @@ struct SettingsStoreTest : ::testing::Test {
     SettingsStore store{file, defaults, executor};
     TaskScope tasks{loop};
 
+    /// The words of a failure; empty for none.
     template <class T>
-    std::string run(Task<T> task, T* result) {
-        std::string failure;
-        tasks.spawn([](Task<T> work, T* to, std::string* reason) -> Task<void> {
-            try {
-                *to = co_await std::move(work);
-            } catch (const std::exception& error) {
-                *reason = error.what();
-            }
-        }(std::move(task), result, &failure));
-        loop.settle();
-        return failure;
+    std::string run(Task<T> task, T* result = nullptr) {
+        const auto outcome = outcomeOf(loop, tasks, std::move(task));
+        if constexpr (!std::is_void_v<T>) {
+            if (outcome->value) *result = *outcome->value;
+        }
+        return outcome->text == "done" ? "" : outcome->text;
     }
     std::string load(SettingsLoadResult* result) { return run(store.load(), result); }
-    std::string save(const AppSettings& settings) {
-        bool done = false;
-        return run(
-            [](SettingsStore* to, AppSettings document) -> Task<bool> {
-                co_await to->save(std::move(document));
-                co_return true;
-            }(&store, settings),
-            &done);
-    }
+    std::string save(const AppSettings& settings) { return run(store.save(settings)); }
     void put(std::string_view text) {
         fs::create_directories(file.parent_path());
         std::ofstream(file, std::ios::binary) << text;

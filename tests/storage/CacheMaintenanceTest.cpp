@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "fakes/FakeExecutors.h"
+#include "fakes/TaskOutcome.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 #include "storage/CacheFileLease.h"
@@ -42,12 +43,7 @@ struct CacheMaintenanceTest : ::testing::Test {
         return file;
     }
     CacheSweepResult resultOf(Task<CacheSweepResult> sweep) {
-        CacheSweepResult result{-1, -1};
-        tasks.spawn([](Task<CacheSweepResult> work, CacheSweepResult* to) -> Task<void> {
-            *to = co_await std::move(work);
-        }(std::move(sweep), &result));
-        loop.settle();
-        return result;
+        return outcomeOf(loop, tasks, std::move(sweep))->value.value();
     }
     CacheSweepResult sweep() { return resultOf(service.sweep(referenced, protectedFiles, clock.now())); }
     CacheSweepResult periodicSweep() {

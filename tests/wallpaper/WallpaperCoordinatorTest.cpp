@@ -1,7 +1,9 @@
 #include "wallpaper/WallpaperCoordinator.h"
 
+#include "fakes/FakeDisplays.h"
 #include "fakes/FakeSettingsStore.h"
 #include "fakes/FakeWallpaperApplier.h"
+#include "fakes/TaskOutcome.h"
 #include "fakes/VirtualLoop.h"
 
 namespace quillmar {
@@ -15,12 +17,6 @@ constexpr auto rotation = WallpaperApplyReason::rotation;
 constexpr auto userInitiated = WallpaperApplyReason::userInitiated;
 constexpr const char* skipped =
     "The wallpaper request was skipped while the Lock Screen override was active.";
-
-struct TwoDisplays final : DisplayProviding {
-    std::vector<DisplayInfo> present{{.id = "A", .localizedName = "Left"},
-                                     {.id = "B", .localizedName = "Right"}};
-    std::vector<DisplayInfo> displays() const override { return present; }
-};
 
 WallpaperSettings colors(std::vector<std::pair<std::string, std::string>> rows) {
     WallpaperSettings settings;
@@ -49,7 +45,7 @@ struct WallpaperCoordinatorTest : ::testing::Test {
     VirtualWallClock clock{loop};
     NotificationCenter notifications;
     FakeSettingsStore store;
-    TwoDisplays displays;
+    FakeDisplays displays;
     FakeWallpaperApplier applier;
     WallpaperSettingsTransactionService transactions{applier};
     WallpaperApplicationGate gate;
@@ -59,6 +55,7 @@ struct WallpaperCoordinatorTest : ::testing::Test {
     TaskScope tasks{loop};
 
     void SetUp() override {
+        displays.present = {{.id = "A", .localizedName = "Left"}, {.id = "B", .localizedName = "Right"}};
         store.onDisk.wallpaper = colors({{"A", "#aaaaaa"}, {"B", "#bbbbbb"}});
         applier.shown = {{"A", "before A"}, {"B", "before B"}};
         model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
@@ -72,14 +69,7 @@ struct WallpaperCoordinatorTest : ::testing::Test {
         return handle;
     }
     WallpaperApplyBatchResult result(TaskHandle<WallpaperApplyBatchResult> handle) {
-        WallpaperApplyBatchResult batch;
-        tasks.spawn(
-            [](TaskHandle<WallpaperApplyBatchResult> from, WallpaperApplyBatchResult* to) -> Task<void> {
-                *to = co_await from.value();
-            }(handle, &batch));
-        loop.settle();
-        EXPECT_TRUE(handle.isFinished());
-        return batch;
+        return outcomeOf(loop, tasks, handle.value())->value.value();
     }
     WallpaperApplyBatchResult apply(WallpaperSettings settings) {
         return result(tasks.start(coordinator->apply(std::move(settings))));

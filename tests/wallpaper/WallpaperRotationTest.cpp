@@ -1,7 +1,6 @@
 #include "wallpaper/WallpaperRotationCoordinator.h"
 
-#include "fakes/FakeSettingsStore.h"
-#include "fakes/VirtualLoop.h"
+#include "fakes/RotatingDisplays.h"
 
 namespace quillmar {
 namespace {
@@ -119,33 +118,9 @@ struct Applier final : WallpaperApplying {
     }
 };
 
-struct Displays final : DisplayProviding {
-    std::vector<DisplayInfo> present{{.id = "A"}, {.id = "B"}};
-    std::vector<DisplayInfo> displays() const override { return present; }
-};
+struct WallpaperRotationTest : ::testing::Test, RotatingDisplays<Applier> {
+    WallpaperRotationTest() { displays.present = {{.id = "A"}, {.id = "B"}}; }
 
-struct WallpaperRotationTest : ::testing::Test {
-    VirtualLoop loop;
-    VirtualWallClock clock{loop};
-    NotificationCenter notifications;
-    FakeSettingsStore store;
-    CacheFileProtection cacheFiles;
-    Displays displays;
-    Applier applier;
-    WallpaperApplicationGate gate;
-    std::optional<AppSettingsModel> model;
-    std::optional<WallpaperCoordinator> wallpapers;
-    std::optional<WallpaperRotationCoordinator> rotation;
-
-    void starts(std::vector<DisplayWallpaperSettings> entries) {
-        store.onDisk.wallpaper.displays = std::move(entries);
-        model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
-        wallpapers.emplace(loop, displays, applier, nullptr, *model, gate, clock);
-        rotation.emplace(loop, notifications, *model, *wallpapers, clock);
-        loop.settle();
-        rotation->start();
-        loop.settle();
-    }
     /// How many attempts the time brings.
     std::size_t attemptsIn(Duration time) {
         const std::size_t before = applier.attempts.size();

@@ -8,6 +8,7 @@
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeRemoteImageProvider.h"
 #include "fakes/FakeScreens.h"
+#include "fakes/TaskOutcome.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 #include "modes/WallpaperApplicationError.h"
@@ -45,21 +46,12 @@ struct WallpaperServiceTest : ::testing::Test {
         return {displays.displays().at(display),
                 WallpaperMode{SolidColorPresentationSettings{std::move(color)}}};
     }
-    /// Runs the task as far as it goes; "waiting" when that is not its end, else its error's text or "done".
+    /// Runs the task as far as it goes; what it gives by then goes to `result`.
     template <class T>
     std::string run(Task<T> task, T* result = nullptr) {
-        auto outcome = std::make_shared<std::string>("waiting");
-        tasks.spawn([](Task<T> work, T* to, std::shared_ptr<std::string> text) -> Task<void> {
-            try {
-                T value = co_await std::move(work);
-                if (to) *to = std::move(value);
-                *text = "done";
-            } catch (const std::exception& error) {
-                *text = error.what();
-            }
-        }(std::move(task), result, outcome));
-        loop.settle();
-        return *outcome;
+        const auto outcome = outcomeOf(loop, tasks, std::move(task));
+        if (result && outcome->value) *result = *outcome->value;
+        return outcome->text;
     }
     template <class T>
     std::string runToEnd(Task<T> task, T* result = nullptr) {
@@ -129,20 +121,11 @@ TEST_F(WallpaperServiceTest, aCacheThatCannotBeMadeOrWrittenIsNamedWithItsPlaceA
 
 TEST_F(WallpaperServiceTest, aDisplayThatIsUnpluggedWhileItsPictureIsRenderedFailsAlone) {
     const WallpaperApplyRequest request = solid(0, "#123456");
-    auto outcome = tasks.start(service.apply(request));
-    loop.settle();
+    const auto outcome = outcomeOf(loop, tasks, service.apply(request));
     screens.unplug(1);
     executor.releaseAll();
-    std::string text;
-    tasks.spawn([](TaskHandle<WallpaperApplyOutcome> from, std::string* to) -> Task<void> {
-        try {
-            co_await from.value();
-        } catch (const std::exception& error) {
-            *to = error.what();
-        }
-    }(outcome, &text));
     loop.settle();
-    EXPECT_EQ(text, gone(1));
+    EXPECT_EQ(outcome->text, gone(1));
     EXPECT_EQ(desktop.setCount, 0);
     EXPECT_EQ(run(service.apply(request)), gone(1)) << "not even rendered";
     EXPECT_EQ(executor.heldCount(), 0u);
@@ -205,17 +188,17 @@ TEST_F(WallpaperServiceTest, nothingInTheCacheCanBeSweptWhileAPictureIsPrepared)
     for (const bool fails : {false, true}) {
         rendering.fails = fails;
         const std::string color = fails ? "#222222" : "#111111";
-        PreparedWallpaperApplication prepared;
-        EXPECT_EQ(run(service.prepare(solid(0, color)), &prepared), "waiting");
+        const auto prepared = outcomeOf(loop, tasks, service.prepare(solid(0, color)));
+        EXPECT_EQ(prepared->text, "waiting");
         EXPECT_FALSE(canSweepOther());
         executor.releaseAll();
         loop.settle();
         EXPECT_TRUE(canSweepOther()) << "whether it fails or not";
-        ASSERT_EQ(prepared.image.has_value(), !fails);
+        ASSERT_EQ(prepared->value.has_value(), !fails);
         if (fails) continue;
-        const fs::path picture = resolvedPath(prepared.image->image);
+        const fs::path picture = resolvedPath(prepared->value->image->image);
         EXPECT_FALSE(cacheFiles.removeIfFree(picture)) << "its own lease took over";
-        prepared.image.reset();
+        prepared->value.reset();
         EXPECT_TRUE(cacheFiles.removeIfFree(picture));
     }
 }
@@ -287,12 +270,12 @@ TEST_F(WallpaperServiceRemoteTest, aServiceThatFailsLeavesTheDesktopAlone) {
 
 TEST_F(WallpaperServiceRemoteTest, theSourceIsKeptWhileItIsRenderedAndLongerOnlyWhenItIsToBeRemembered) {
     const fs::path source = remoteImages.image;
-    PreparedWallpaperApplication prepared;
-    EXPECT_EQ(run(service.prepare(remote()), &prepared), "waiting");
+    const auto prepared = outcomeOf(loop, tasks, service.prepare(remote()));
+    EXPECT_EQ(prepared->text, "waiting");
     EXPECT_FALSE(cacheFiles.removeIfFree(source));
     executor.releaseAll();
     loop.settle();
-    EXPECT_FALSE(prepared.image->selectionLease);
+    EXPECT_FALSE(prepared->value.value().image->selectionLease);
     remoteImages.selection = WindowsSpotlightSelection{.imageURL = Url::fromFilePath(source)};
     WallpaperApplyOutcome outcome;
     EXPECT_EQ(runToEnd(service.apply(remote()), &outcome), "done");
@@ -304,20 +287,12 @@ TEST_F(WallpaperServiceRemoteTest, theSourceIsKeptWhileItIsRenderedAndLongerOnly
 
 TEST_F(WallpaperServiceRemoteTest, aDisplayThatIsUnpluggedWhileItsServiceAnswersFailsAlone) {
     remoteImages.hold();
-    std::string text;
-    tasks.spawn([](Task<WallpaperApplyOutcome> work, std::string* to) -> Task<void> {
-        try {
-            co_await std::move(work);
-        } catch (const std::exception& error) {
-            *to = error.what();
-        }
-    }(service.apply(remote()), &text));
-    loop.settle();
+    const auto outcome = outcomeOf(loop, tasks, service.apply(remote()));
     screens.unplug(1);
     executor.runsAtOnce = true;
     remoteImages.letThrough();
     loop.settle();
-    EXPECT_EQ(text, gone(1));
+    EXPECT_EQ(outcome->text, gone(1));
     EXPECT_EQ(desktop.setCount, 0);
 }
 
