@@ -34,9 +34,6 @@ public:
         g_dbus_connection_register_object(bus_.get(), "/org/freedesktop/Notifications",
                                           description->interfaces[0], &methods, this, nullptr, nullptr);
     }
-    ~NotificationServer() { g_dbus_connection_close_sync(bus_.get(), nullptr, nullptr); }
-    NotificationServer(const NotificationServer&) = delete;
-    NotificationServer& operator=(const NotificationServer&) = delete;
 
     std::vector<std::string> calls;  ///< those that change what is shown
     bool isSilent = false;
@@ -65,7 +62,7 @@ private:
     }
 
     std::vector<std::string> capabilities_;
-    Ref<GDBusConnection> bus_ = ownConnection("org.freedesktop.Notifications");
+    OwnConnection bus_{"org.freedesktop.Notifications"};
     std::uint32_t number_ = 6;
 };
 

@@ -43,7 +43,7 @@ private:
         const bool registers = std::string_view(method) == "RegisterClient";
         g_dbus_method_invocation_return_value(invocation, registers ? g_variant_new("(o)", client) : nullptr);
     }
-    Ref<GDBusConnection> bus_ = ownConnection("org.gnome.SessionManager");
+    OwnConnection bus_{"org.gnome.SessionManager"};
 };
 
 TEST(DBusSessionEndTest, theSessionManagerIsAnsweredAndItsEndIsAWishToQuit) {
@@ -80,7 +80,7 @@ TEST(DBusSessionEndTest, withoutASessionManagerNothingIsHeardAndNothingFails) {
 TEST(DBusSessionEndTest, aMachineThatShutsDownIsAWishToQuit) {
     const Owned<char> address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
     g_setenv("DBUS_SYSTEM_BUS_ADDRESS", address.get(), TRUE);
-    const auto logind = ownConnection("org.freedesktop.login1");
+    const OwnConnection logind("org.freedesktop.login1");
     GlibMainLoop loop;
     DBusSessionEnd session(loop);
     int quits = 0;

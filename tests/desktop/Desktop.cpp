@@ -46,18 +46,19 @@ bool turnUntil(const std::function<bool()>& condition) {
     return holds;
 }
 
-Ref<GDBusConnection> ownConnection(const char* name) {
+OwnConnection::OwnConnection(const char* name) {
     const Owned<char> address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
-    auto bus = Ref<GDBusConnection>::adopt(g_dbus_connection_new_for_address_sync(
+    bus_ = Ref<GDBusConnection>::adopt(g_dbus_connection_new_for_address_sync(
         address.get(),
         static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
         nullptr, nullptr, nullptr));
     const Owned<GVariant> owned(g_dbus_connection_call_sync(
-        bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+        bus_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
         g_variant_new("(su)", name, 0), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr));
-    return bus;
 }
+
+OwnConnection::~OwnConnection() { g_dbus_connection_close_sync(bus_.get(), nullptr, nullptr); }
 
 OtherProcess::OtherProcess(std::vector<std::string> role) {
     role.insert(role.begin(), "/proc/self/exe");

@@ -26,8 +26,18 @@ void openGtkSession();
 /// Turns GLib's main loop until `condition` holds; false when it does not within 10 s of real time.
 bool turnUntil(const std::function<bool()>& condition);
 
-/// A connection of its own to the session bus, under a name that others know it by.
-Ref<GDBusConnection> ownConnection(const char* name);
+/// A connection of its own to the session bus, under a name that others know it by until it ends.
+class OwnConnection {
+public:
+    explicit OwnConnection(const char* name);
+    OwnConnection(const OwnConnection&) = delete;
+    OwnConnection& operator=(const OwnConnection&) = delete;
+    ~OwnConnection();
+    GDBusConnection* get() const { return bus_.get(); }
+
+private:
+    Ref<GDBusConnection> bus_;
+};
 
 /// Another process of this test program, in one of the roles of `desktopMain.cpp`.
 class OtherProcess {
