@@ -115,20 +115,19 @@ std::optional<FilePaths> AppDelegate::filesOfSettings() const {
     return referencedFiles(model.settings());
 }
 
-std::vector<ConnectedDisplay> AppDelegate::displaysOfServices() const {
+DisplayIDs AppDelegate::displaysOfServices() const {
     const auto& entries = subsystems_->settingsModel.settings().wallpaper.displays;
-    std::vector<ConnectedDisplay> displays = subsystems_->displays.connectedDisplays();
-    std::erase_if(displays, [&](const ConnectedDisplay& display) {
-        const auto* entry = findEntry(entries, display.info.id);
-        return !entry || !isRemote(entry->mode.kind());
-    });
-    return displays;
+    DisplayIDs ids;
+    for (const DisplayInfo& display : subsystems_->displays.displays()) {
+        const auto* entry = findEntry(entries, display.id);
+        if (entry && isRemote(entry->mode.kind())) ids.insert(display.id);
+    }
+    return ids;
 }
 
 /// A service may take its time or be out of reach: until it answers, its displays show what they showed last.
 void AppDelegate::recallPicturesOfServices() {
-    for (const ConnectedDisplay& display : displaysOfServices())
-        platform_.desktopPicture.recallDesktopImage(display.screen);
+    for (const std::string& id : displaysOfServices()) subsystems_->wallpaperService.recallDesktop(id);
 }
 
 /// At login, and after the machine was moved, the network is often there later than its user.
@@ -140,10 +139,8 @@ void AppDelegate::followNetwork() {
 
 Task<void> AppDelegate::retryFailedServices() {
     WallpaperCoordinator& wallpapers = subsystems_->wallpaperCoordinator;
-    DisplayIDs failed;
-    for (const ConnectedDisplay& display : displaysOfServices()) {
-        if (wallpapers.lastFailures().contains(display.info.id)) failed.insert(display.info.id);
-    }
+    DisplayIDs failed = displaysOfServices();
+    std::erase_if(failed, [&](const std::string& id) { return !wallpapers.lastFailures().contains(id); });
     if (!failed.empty()) co_await wallpapers.enqueue(std::move(failed), WallpaperApplyReason::userInitiated);
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 #include <memory>
 #include <optional>
-#include <vector>
 
 #include "app/ApplicationInstanceLock.h"
 #include "app/ApplicationMenuController.h"
@@ -52,7 +51,7 @@ private:
     Task<void> sweepCacheAtStart();
     Task<void> sweepCachePeriodically();
     std::optional<FilePaths> filesOfSettings() const;
-    std::vector<ConnectedDisplay> displaysOfServices() const;
+    DisplayIDs displaysOfServices() const;
     void recallPicturesOfServices();
     void followNetwork();
     Task<void> retryFailedServices();

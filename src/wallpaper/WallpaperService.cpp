@@ -89,6 +89,14 @@ void WallpaperService::restoreDesktop(const WallpaperDesktopSnapshot& snapshot) 
     setDesktop(snapshot.image, screenOf(snapshot.displayID), snapshot.options);
 }
 
+void WallpaperService::recallDesktop(const std::string& displayID) {
+    const auto screen = displays_.screen(displayID);
+    if (!screen || gate_.isLockScreenOverrideActive) return;
+    desktop_.recallDesktopImage(*screen);
+    if (const auto shown = desktop_.desktopImage(*screen))
+        desktopLeases_.insert_or_assign(displayID, CacheFileLease(cacheFiles_, *shown));
+}
+
 Screen WallpaperService::screenOf(const std::string& displayID) const {
     auto screen = displays_.screen(displayID);
     if (!screen) throw Error(Error::Case::unavailableDisplay, displayID);

@@ -33,6 +33,9 @@ public:
     Task<WallpaperApplyOutcome> applyPrepared(PreparedWallpaperApplication application) override;
     WallpaperDesktopSnapshot captureDesktop(const std::string& displayID) override;
     void restoreDesktop(const WallpaperDesktopSnapshot& snapshot) override;
+    /// Shows again what the display showed last, where the desktop has forgotten it: until its picture is
+    /// there.
+    void recallDesktop(const std::string& displayID);
     /// Renders the request's picture into the cache without touching the desktop.
     Task<PreparedWallpaperImage> prepareImage(WallpaperApplyRequest request);
 

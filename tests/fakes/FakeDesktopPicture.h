@@ -13,6 +13,7 @@ class FakeDesktopPicture final : public DesktopPicturing {
 public:
     std::map<std::uint32_t, std::filesystem::path> shown;
     std::map<std::uint32_t, DesktopImageOptions> options;
+    std::map<std::uint32_t, std::filesystem::path> remembered;  ///< of the last session
     std::vector<std::uint32_t> recalled;
     int setCount = 0;
 
@@ -37,7 +38,10 @@ public:
         return desktopImage(screen);
     }
     DesktopImageOptions desktopImageOptions(const Screen& screen) override { return options[screen.number]; }
-    void recallDesktopImage(const Screen& screen) override { recalled.push_back(screen.number); }
+    void recallDesktopImage(const Screen& screen) override {
+        recalled.push_back(screen.number);
+        if (const auto last = remembered.find(screen.number); last != remembered.end()) shown.insert(*last);
+    }
 
 private:
     std::map<std::uint32_t, std::string> refusals_;

@@ -203,6 +203,22 @@ TEST_F(WallpaperServiceTest, nothingInTheCacheCanBeSweptWhileAPictureIsPrepared)
     }
 }
 
+TEST_F(WallpaperServiceTest, whatIsRecalledIsKeptToo) {
+    const fs::path last = cache / "last.png";
+    fs::create_directories(cache);
+    std::ofstream(last) << "x";
+    desktop.remembered = {{1, last}, {2, last}};
+    gate.isLockScreenOverrideActive = true;
+    service.recallDesktop(FakeScreens::displayID(1));
+    EXPECT_TRUE(desktop.shown.empty());
+    gate.isLockScreenOverrideActive = false;
+    service.recallDesktop(FakeScreens::displayID(1));
+    service.recallDesktop("display:unplugged");
+    EXPECT_EQ(shown(1), "last.png");
+    EXPECT_EQ(shown(2), "");
+    EXPECT_FALSE(cacheFiles.removeIfFree(resolvedPath(last)));
+}
+
 TEST_F(WallpaperServiceTest, theFileThatADisplayShowsIsKeptUntilAnotherIsSetOnThatDisplay) {
     runToEnd(service.apply(solid(0, "#111111")));
     const fs::path first = resolvedPath(desktop.shown[1]);
