@@ -1,10 +1,9 @@
 #include <gmock/gmock.h>
 #include <png.h>
 
-#include <filesystem>
 #include <fstream>
 
-#include "base/Uuid.h"
+#include "fakes/TemporaryFolder.h"
 #include "linux/picture/LinuxPictureRendering.h"
 #include "linux/picture/PngEncoder.h"
 #include "linux/picture/PngReader.h"
@@ -81,20 +80,6 @@ TEST(PngEncoderTest, aRepeatedRowIsTheRowAboveIt) {
     EXPECT_THAT(rows.last(30), Each(7));
 }
 
-TEST(PngEncoderTest, allPixelsAreInOneChunk) {
-    const Bytes file = encoded(1000, 900, noise(1000 * 900 * 3));
-    std::string chunks;
-    for (std::size_t at = 8; at + 12 <= file.size();) {
-        const std::size_t length = static_cast<std::size_t>(file[at]) << 24 |
-                                   static_cast<std::size_t>(file[at + 1]) << 16 |
-                                   static_cast<std::size_t>(file[at + 2]) << 8 | file[at + 3];
-        chunks.append(reinterpret_cast<const char*>(&file[at + 4]), 4) += ' ';
-        at += length + 12;
-        if (at == file.size()) chunks += "end";
-    }
-    EXPECT_EQ(chunks, "IHDR IDAT IEND end");
-}
-
 TEST(PngEncoderTest, anIncompletePictureIsNotHandedOut) {
     MemoryOutput output;
     PngEncoder encoder(2, 2, output);
@@ -120,18 +105,15 @@ TEST(LinuxPictureRenderingTest, aSolidPictureHasItsColourInEveryPixel) {
 
 class PngReaderTest : public testing::Test {
 protected:
-    PngReaderTest() { std::filesystem::create_directories(folder_); }
-    ~PngReaderTest() override { std::filesystem::remove_all(folder_); }
-
     std::filesystem::path save(std::span<const std::uint8_t> bytes) {
-        const auto file = folder_ / "picture.png";
+        const auto file = folder_.path() / "picture.png";
         std::ofstream(file, std::ios::binary)
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         return file;
     }
     /// Writes a PNG of another kind than the program's own: 2 by 2 pixels with these samples.
     std::filesystem::path saveKind(int colorType, int depth, int interlace, std::vector<Bytes> rows) {
-        const auto file = folder_ / "kind.png";
+        const auto file = folder_.path() / "kind.png";
         std::FILE* out = std::fopen(file.c_str(), "wb");
         png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
         png_infop info = png_create_info_struct(png);
@@ -166,8 +148,7 @@ protected:
         return "no failure";
     }
 
-    std::filesystem::path folder_ =
-        std::filesystem::temp_directory_path() / ("quillmar-png-" + Uuid::random().string());
+    TemporaryFolder folder_;
 };
 
 TEST_F(PngReaderTest, everyKindOfPictureComesOutAsOpaquePixels) {
@@ -215,13 +196,14 @@ TEST_F(PngReaderTest, aBadFileFailsWithItsPathAndTheReason) {
     damaged[damaged.size() / 2] ^= 0xff;
     Bytes huge = whole;
     huge[16] = 0x7f;
-    EXPECT_THAT(failureOf(folder_ / "missing.png"), HasSubstr("missing.png: No such file or directory"));
+    EXPECT_THAT(failureOf(folder_.path() / "missing.png"),
+                HasSubstr("missing.png: No such file or directory"));
     EXPECT_THAT(failureOf(save({})), HasSubstr("picture.png: "));
     EXPECT_THAT(failureOf(save(asBytes("GIF89a, not what it says"))), HasSubstr("Not a PNG file"));
     EXPECT_THAT(failureOf(save(std::span(whole).first(whole.size() / 2))), HasSubstr("picture.png: "));
     EXPECT_THAT(failureOf(save(damaged)), HasSubstr("picture.png: "));
     EXPECT_THAT(failureOf(save(huge)), HasSubstr("picture.png: "));
-    EXPECT_THAT(failureOf(folder_), HasSubstr(folder_.string()));
+    EXPECT_THAT(failureOf(folder_.path()), HasSubstr(folder_.path().string()));
 }
 
 }  // namespace

@@ -87,27 +87,6 @@ TEST_F(AppDelegateTest, aFirstStartMakesTheSettingsAndTouchesNoDesktop) {
     EXPECT_THAT(machine.usage.messages, ElementsAre("Quillmar@1.2.3", "app_launch", "display_count_2"));
 }
 
-TEST_F(AppDelegateTest, everyDisplayGetsItsColourAtStartAndWhenItComesBack) {
-    plugInTwo();
-    putSettings(twoColors());
-    launch();
-    EXPECT_THAT(shown(1), HasSubstr("1920x1080-112233"));
-    EXPECT_THAT(shown(2), HasSubstr("1280x1024-445566"));
-    EXPECT_EQ(machine.desktop.setCount, 2);
-
-    machine.screens.onChange();
-    machine.loop.advance(1s);
-    EXPECT_EQ(machine.desktop.setCount, 2) << "nothing changed";
-
-    machine.screens.unplug(2);
-    machine.screens.onChange();
-    machine.loop.advance(1s);
-    machine.screens.plugIn(2, {1920, 0, 1280, 720});
-    machine.screens.onChange();
-    machine.loop.advance(1s);
-    EXPECT_THAT(shown(2), HasSubstr("1280x720-445566"));
-}
-
 TEST_F(AppDelegateTest, untilAServiceAnswersItsDisplaysShowWhatTheyShowedLast) {
     plugInTwo();
     AppSettings settings = twoColors();
@@ -154,18 +133,6 @@ TEST_F(AppDelegateTest, aNetworkThatComesAfterTheStartBringsThePicturesThatFaile
     EXPECT_THAT(machine.process.exits, ElementsAre(0));
 }
 
-TEST_F(AppDelegateTest, aDisplayThatCannotBePaintedAtStartIsLoggedAndHoldsNothingUp) {
-    plugInTwo();
-    putSettings(twoColors());
-    machine.desktop.refuses(1, "The display is no longer connected.");
-    launch();
-    EXPECT_THAT(shown(2), HasSubstr("445566"));
-    EXPECT_THAT(log.lines,
-                Contains("error [wallpaper] One or more wallpapers failed to apply during startup. "
-                         "failure_count=1"));
-    EXPECT_THAT(log.lines, Contains(HasSubstr("Application startup completed.")));
-}
-
 TEST_F(AppDelegateTest, aSecondStartForwardsAndEndsWithoutTouchingAnything) {
     const auto first = takeLock();
     launch();
@@ -179,14 +146,6 @@ TEST_F(AppDelegateTest, aSecondStartForwardsAndEndsWithoutTouchingAnything) {
     EXPECT_THAT(machine.usage.messages, IsEmpty());
     EXPECT_EQ(menusInstalled, 0);
     EXPECT_FALSE(fs::exists(machine.settingsFile()));
-}
-
-TEST_F(AppDelegateTest, theLockIsFreeAgainWhenTheFirstInstanceIsGone) {
-    auto first = takeLock();
-    EXPECT_FALSE(takeLock());
-    first.reset();
-    EXPECT_TRUE(takeLock());
-    EXPECT_FALSE(ApplicationInstanceLock::take(machine.folder.path() / "gone", "x"));
 }
 
 TEST_F(AppDelegateTest, unreadableSettingsLeadToTheAlertAndAStartThatDrivesNothing) {

@@ -109,19 +109,5 @@ TEST_F(ExecutorTest, workThatBeganIsWaitedForByACancelledTask) {
     EXPECT_THAT(log, ElementsAre("done"));
 }
 
-TEST_F(ExecutorTest, theFailureOfWorkIsThrownWhereItIsAwaited) {
-    InlineExecutor executor;
-    TaskScope scope(loop);
-    scope.spawn([](Executor* on, std::vector<std::string>* words) -> Task<void> {
-        try {
-            co_await on->run([] { throw std::runtime_error("no space"); });
-        } catch (const std::runtime_error& error) {
-            words->push_back(error.what());
-        }
-    }(&executor, &log));
-    loop.settle();
-    EXPECT_THAT(log, ElementsAre("no space"));
-}
-
 }  // namespace
 }  // namespace quillmar

@@ -61,38 +61,5 @@ TEST_F(TimeTest, aRepeatingTimerMayCancelItself) {
     EXPECT_EQ(loop.pendingCount(), 0u);
 }
 
-TEST_F(TimeTest, callbacksOfOneMomentRunInTheOrderOfTheirScheduling) {
-    std::string order;
-    const Scheduled later(loop, loop.now() + 2s, [&] { order += 'c'; });
-    const Scheduled first(loop, loop.now() + 1s, [&] { order += 'a'; });
-    const Scheduled second(loop, loop.now() + 1s, [&] { order += 'b'; });
-    loop.jump(1h);
-    EXPECT_EQ(order, "abc");
-}
-
-TEST_F(TimeTest, aDayOfTimersIsAMatterOfTheirCountAndNotOfTime) {
-    RepeatingTimer fast(loop);
-    RepeatingTimer slow(loop);
-    fast.start(100ms, [&] { calls.resize(1); });
-    slow.start(30min, [&] { called(); });
-    loop.advance(24h);
-    EXPECT_EQ(loop.ranCount(), 864'000u + 48u);
-}
-
-TEST_F(TimeTest, aSleeperIsNotMovedWhenTheWallClockIsSetBack) {
-    VirtualWallClock clock(loop);
-    const WallTime before = clock.now();
-    TaskScope scope(loop);
-    scope.spawn([](TimeTest* test) -> Task<void> {
-        co_await sleepFor(60s);
-        test->called();
-    }(this));
-    loop.advance(30s);
-    clock.set(before - 24h);
-    loop.advance(30s);
-    EXPECT_THAT(calls, ElementsAre(60s));
-    EXPECT_EQ(clock.now(), before - 24h + 30s);
-}
-
 }  // namespace
 }  // namespace quillmar

@@ -43,17 +43,6 @@ protected:
     DBusRunningInstances instances_;
 };
 
-TEST_F(DBusRunningInstancesTest, anotherInstanceIsFoundOnceItIsThere) {
-    EXPECT_FALSE(activatesOther());
-    OtherProcess other({"instance"});
-    ASSERT_TRUE(turnUntil([&] { return nameIsOwned(); }));
-    EXPECT_TRUE(activatesOther());
-    EXPECT_EQ(other.line(), "activated");
-    EXPECT_EQ(other.wait(), 0);
-    ASSERT_TRUE(turnUntil([&] { return !nameIsOwned(); }));
-    EXPECT_FALSE(activatesOther());
-}
-
 TEST_F(DBusRunningInstancesTest, anInstanceDoesNotFindItselfButIsFound) {
     int activations = 0;
     instances_.publish([&] { ++activations; });
@@ -90,12 +79,6 @@ TEST_F(DBusRunningInstancesTest, anInstanceThatDoesNotAnswerIsGivenUpAfterTwoSec
     time.advance(1ms);
     EXPECT_TRUE(turnUntil([&] { return found.has_value(); }));
     EXPECT_EQ(found, false);
-}
-
-TEST_F(DBusRunningInstancesTest, withoutABusAnInstanceIsAloneAndRunsOn) {
-    OtherProcess lonely({"lonely-instance"});
-    EXPECT_EQ(lonely.line(), "alone");
-    EXPECT_EQ(lonely.wait(), 0);
 }
 
 }  // namespace

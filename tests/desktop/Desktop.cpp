@@ -182,11 +182,6 @@ std::pair<unsigned long, int> Desktop::memory() const {
     return {total, count};
 }
 
-void Desktop::endClientOf(unsigned long window) const {
-    XKillClient(connection_->display, window);
-    XSync(connection_->display, False);
-}
-
 std::filesystem::path Desktop::solidPicture(int width, int height, RgbColor color) const {
     const Bytes png = LinuxPictureRendering().solidColorPng(width, height, color);
     const auto file = folder_ / (Uuid::random().string() + ".png");

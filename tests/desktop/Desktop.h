@@ -83,7 +83,6 @@ public:
     std::vector<RgbColor> pixels(int x, int y, int width, int height) const;
     /// Memory of all pixmaps in the X server, and the number of its clients, gone ones with pixmaps included.
     std::pair<unsigned long, int> memory() const;
-    void endClientOf(unsigned long window) const;
 
     std::filesystem::path folder() const { return folder_; }
     /// A PNG file of one colour.

@@ -68,21 +68,6 @@ TEST_F(GtkScreensTest, withoutAPrimaryTheFirstScreenIsIt) {
     EXPECT_NE(screens_->primaryScreenNumber(), 0u);
 }
 
-TEST_F(GtkScreensTest, aScreenKeepsItsIdentityOffAndOnMovedAndResized) {
-    const auto left = named("DUMMY0").uuid;
-    const auto right = named("DUMMY1").uuid;
-    ASSERT_TRUE(left && right);
-    EXPECT_NE(left, right);
-
-    arrange("--output DUMMY1 --off", [&] { return count() == 1; });
-    EXPECT_EQ(named("DUMMY0").uuid, left);
-    arrange("--output DUMMY1 --mode 1280x720 --pos 1920x300 --primary",
-            [&] { return count() == 2 && named("DUMMY1").frame.height == 720; });
-    EXPECT_EQ(named("DUMMY0").uuid, left);
-    EXPECT_EQ(named("DUMMY1").uuid, right);
-    EXPECT_EQ(GtkScreens().screens(), screens_->screens());
-}
-
 TEST_F(GtkScreensTest, aMonitorKeepsItsIdentityOnAnotherConnectorAndATwinTakesIt) {
     setEdid("DUMMY0", edid(1));
     setEdid("DUMMY1", edid(2));
@@ -119,20 +104,6 @@ TEST_F(GtkScreensTest, panelsLeaveTheRestOfTheScreenVisible) {
     EXPECT_EQ(named("DUMMY0").frame.height, 1080);
     gtk_widget_destroy(panel);
     EXPECT_TRUE(turnUntil([&] { return named("DUMMY0").visibleFrame.height == 1080; }));
-}
-
-TEST(GtkSessionTest, aProgramEndsWithTheDisplayServer) {
-    const Desktop desktop;
-    OtherProcess program({"window"});
-    desktop.endClientOf(std::stoul(program.line()));
-    EXPECT_EQ(program.line(), "quillmar: The connection to the display server was lost.");
-    EXPECT_EQ(program.wait(), 1);
-}
-
-TEST(GtkSessionTest, withoutADisplayServerTheFailureSaysSo) {
-    OtherProcess program({"blind-session"});
-    EXPECT_THAT(program.line(), testing::StartsWith("No display server could be reached."));
-    EXPECT_EQ(program.wait(), 0);
 }
 
 }  // namespace

@@ -2,19 +2,9 @@
 
 import unittest
 
-from quillmar_desktop import BEFORE, DesktopTest, run_checked
+from quillmar_desktop import BEFORE, FIRST_ARRANGEMENT, DesktopTest, arrange
 
 FIRST, SECOND = "#1F6F8B", "#D98E04"
-FIRST_ARRANGEMENT = (
-    *("--output", "DUMMY0", "--mode", "1920x1080", "--pos", "0x0", "--primary"),
-    *("--output", "DUMMY1", "--mode", "1280x1024", "--pos", "1920x0"),
-)
-
-
-def arrange(*arguments):
-    run_checked("xrandr", *arguments)
-    # Without this question GDK overlooks an output that was just enabled.
-    run_checked("xrandr", "-q")
 
 
 class DisplaysTest(DesktopTest):

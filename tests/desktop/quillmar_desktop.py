@@ -20,6 +20,10 @@ DESKTOP = pathlib.Path(__file__).resolve().parents[2] / "tools" / "desktop.sh"
 PATIENCE = 40.0  # seconds that any one step may take; nothing here asserts how long one took
 BEFORE = "#20242B"  # what the desktop shows before the program paints
 ALERT = "Quillmar Couldn’t Load Settings"
+FIRST_ARRANGEMENT = (
+    *("--output", "DUMMY0", "--mode", "1920x1080", "--pos", "0x0", "--primary"),
+    *("--output", "DUMMY1", "--mode", "1280x1024", "--pos", "1920x0"),
+)
 NOBODY = ("setpriv", "--reuid=65534", "--regid=65534", "--clear-groups")
 
 ACQUIRED = "Primary application instance acquired."
@@ -45,6 +49,12 @@ def run(*command, **options):
 
 def run_checked(*command):
     return run(*command, check=True).stdout
+
+
+def arrange(*arguments):
+    run_checked("xrandr", *arguments)
+    # Without this question GDK overlooks an output that was just enabled.
+    run_checked("xrandr", "-q")
 
 
 class X11:

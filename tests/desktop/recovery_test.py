@@ -1,16 +1,11 @@
-"""Settings and folders that cannot be used, and a program that is killed while it writes."""
+"""Settings and folders that cannot be used."""
 
-import contextlib
 import json
 import os
-import random
-import re
 import shutil
-import subprocess
-import time
 import unittest
 
-from quillmar_desktop import LIMITED, NOBODY, PATIENCE, PROGRAM, TERMINATING
+from quillmar_desktop import LIMITED, NOBODY, PROGRAM, TERMINATING
 from quillmar_desktop import DesktopTest, run, run_checked, wait_until
 
 COLORS = {"DUMMY0": "#1F6F8B", "DUMMY1": "#D98E04"}
@@ -128,45 +123,6 @@ class BadSettingsTest(DesktopTest):
         self.quit(program)
         self.assert_untouched_desktop()
         self.assertEqual(self.settings.read_bytes(), written)
-
-
-class KilledTest(DesktopTest):
-    # Every making of the settings draws new ones.
-    IDENTIFIER = re.compile("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}")
-
-    def content(self):
-        """The settings without the identifiers in them; None when there are none."""
-        if not self.settings.exists():
-            return None
-        return json.loads(self.IDENTIFIER.sub("", self.settings.read_text(encoding="utf-8")))
-
-    def files(self):
-        return {path.name for path in self.folder.glob("*settings*")}
-
-    def kill(self, pause, sees_settings):
-        """Kills a start after a pause: from its begin, or from when it has a first file of settings open."""
-        before = self.files()
-        program = self.start()
-        end = time.monotonic() + PATIENCE
-        while sees_settings and self.files() <= before:
-            self.assertLess(time.monotonic(), end)
-        with contextlib.suppress(subprocess.TimeoutExpired):
-            program.wait(pause)
-        self.end(program)
-
-    def test_a_hundred_kills_leave_whole_settings_or_none_and_no_litter(self):
-        self.quit(self.start_and_wait())
-        whole = self.content()
-        moments = random.Random(5)
-        for turn in range(100):
-            is_creating = turn % 2 == 0
-            if is_creating:
-                self.settings.unlink(missing_ok=True)
-            self.kill(moments.uniform(0, 0.002 if is_creating else 0.3), sees_settings=is_creating)
-            self.assertIn(self.content(), (None, whole), f"after kill {turn}")
-            if turn % 10 == 9:
-                self.quit(self.start_and_wait())
-                self.assertEqual((self.content(), self.files()), (whole, {"settings.json"}))
 
 
 if __name__ == "__main__":

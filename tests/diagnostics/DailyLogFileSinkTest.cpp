@@ -1,14 +1,13 @@
 #include "diagnostics/DailyLogFileSink.h"
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <csignal>
 #include <fstream>
 
 #include "base/Files.h"
 #include "base/JsonRecord.h"
+#include "fakes/FullDisk.h"
 #include "fakes/LocalTimeZone.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
@@ -150,26 +149,6 @@ TEST_F(DailyLogFileSinkTest, aTailIsTheEndOfTheNewestDaysFileAndAlwaysText) {
     EXPECT_THAT(sink.tail(20).value(), testing::EndsWith("T09:30:00Z\"}\n"));
 }
 
-/// Writing beyond the size fails, as on a full disk, until it ends.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t size) {
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{size, before_.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-    ~FullDisk() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-
-private:
-    void (*handler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before_{};
-};
-
 TEST_F(DailyLogFileSinkTest, aFullDiskCostsWholeLinesAndNothingElse) {
     sink.prepare();
     appends("first", "2026-05-04T09:00:00Z");
@@ -180,18 +159,6 @@ TEST_F(DailyLogFileSinkTest, aFullDiskCostsWholeLinesAndNothingElse) {
     }
     appends("last", "2026-05-04T09:00:03Z");
     EXPECT_THAT(messagesOf("2026-05-04"), ElementsAre("first", "last"));
-}
-
-TEST_F(DailyLogFileSinkTest, aFolderThatCannotBeMadeOrHasGoneIsAFailureOfTheCall) {
-    DailyLogFileSink nowhere("/proc/self/Logs", clock);
-    EXPECT_THROW(nowhere.prepare(), std::system_error);
-    sink.prepare();
-    appends("monday", "2026-05-04T09:00:00Z");
-    std::filesystem::remove_all(logs);
-    EXPECT_THROW(appends("tuesday", "2026-05-05T09:00:00Z"), std::system_error);
-    sink.prepare();
-    appends("tuesday again", "2026-05-05T09:00:00Z");
-    EXPECT_THAT(messagesOf("2026-05-05"), ElementsAre("tuesday again"));
 }
 
 }  // namespace

@@ -5,11 +5,10 @@
 
 #include <fstream>
 
+#include "async/Sleep.h"
 #include "async/ThreadPool.h"
 #include "base/JsonRecord.h"
-#include "diagnostics/HTTPErrorReporter.h"
 #include "fakes/FakeExecutors.h"
-#include "fakes/FakeHTTPSession.h"
 #include "fakes/LocalTimeZone.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
@@ -202,45 +201,6 @@ TEST_F(DiagnosticPipelineTest, ofAStormOfErrorsTheNewestFiftyDifferentOnesAreRep
     EXPECT_THAT(reporter.calls, SizeIs(52 + 51));  // the first was on its way already
     EXPECT_EQ(reporter.calls[52], "slow 0");
     EXPECT_EQ(reporter.calls[53], "slow 20");
-}
-
-TEST_F(DiagnosticPipelineTest,
-       tenThousandErrorsAndASilentServerKeepTheirBoundsAndThenEverythingLeftIsDelivered) {
-    FakeHTTPSession server(loop);
-    server.neverAnswers();
-    const Scrubber scrubber;
-    const std::filesystem::path queue = support.path() / "ErrorQueue";
-    HTTPErrorReporter real(loop, clock, files, server, scrubber, queue,
-                           Url::parse("https://reports.example/"));
-    DiagnosticPipeline whole(loop, clock, files, real, folder);
-    files.runsAtOnce = false;
-    for (int i = 0; i < 10000; ++i)
-        whole.record(entry(fmt::format("error {}!", i), DiagnosticLevel::error), true);
-    files.runsAtOnce = true;
-    files.releaseAll();
-    loop.advance(std::chrono::hours(1));
-
-    std::uintmax_t bytes = 0;
-    std::size_t count = 0;
-    for (const auto& file : std::filesystem::directory_iterator(queue)) {
-        bytes += file.file_size();
-        ++count;
-    }
-    EXPECT_LE(bytes, 5242880u);
-    EXPECT_EQ(count, 50u);
-
-    const std::size_t attempts = server.requests.size();
-    server.answers({200});
-    loop.advance(std::chrono::hours(1));
-    ASSERT_EQ(server.requests.size(), attempts + 50);
-    const auto began = server.secondsOfRequests[attempts];
-    for (std::size_t i = 0; i < 50; ++i) {
-        const Bytes& body = server.requests[attempts + i].body;
-        EXPECT_THAT(std::string(body.begin(), body.end()),
-                    testing::HasSubstr(fmt::format("\"error {}!\"", 9950 + i)));
-        EXPECT_EQ(server.secondsOfRequests[attempts + i] - began, static_cast<std::int64_t>(i / 3 * 30));
-    }
-    EXPECT_TRUE(std::filesystem::is_empty(queue));
 }
 
 TEST_F(DiagnosticPipelineTest, entriesOfManyThreadsArriveWholeAndEachThreadsInItsOrder) {

@@ -40,7 +40,6 @@ bool VirtualLoop::runOneDue(TimePoint end) {
         now_ = std::max(now_, *due);
         callback = queue_.takeDue(now_, queue_.nextSerial());
     }
-    ++ranCount_;
     callback();
     return true;
 }

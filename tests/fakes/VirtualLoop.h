@@ -34,8 +34,6 @@ public:
     std::size_t pendingCount() const;
     /// Time until the first pending callback.
     std::optional<Duration> untilNext() const;
-    /// How many callbacks have run.
-    std::size_t ranCount() const { return ranCount_; }
 
 private:
     bool runOneDue(TimePoint end);
@@ -44,7 +42,6 @@ private:
     TimerQueue queue_;
     TimePoint now_{std::chrono::hours(1000)};
     std::exception_ptr failure_;
-    std::size_t ranCount_ = 0;
 };
 
 /// A calendar clock that follows a virtual loop until it is set.

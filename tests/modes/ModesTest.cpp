@@ -14,15 +14,6 @@ std::optional<double> interval(const WallpaperMode& mode) {
     return seconds ? std::optional(seconds->count()) : std::nullopt;
 }
 
-TEST(ModesTest, everyKindStartsWithAModeOfItsOwn) {
-    for (const auto kind : allCases<WallpaperModeKind>()) {
-        EXPECT_EQ(WallpaperMode::defaultMode(kind).kind(), kind) << enumName(kind);
-    }
-    for (const auto kind : allCases<ManagedScreensaverModeKind>()) {
-        EXPECT_EQ(ManagedScreensaverMode::defaultMode(kind).kind(), kind) << enumName(kind);
-    }
-}
-
 TEST(ModesTest, kindsOfOneNameShareTheirSettings) {
     for (const auto kind : allCases<LockScreenModeKind>()) {
         const LockScreenMode mode = LockScreenMode::defaultMode(kind);

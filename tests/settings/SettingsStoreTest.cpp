@@ -1,15 +1,14 @@
 #include "settings/SettingsStore.h"
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <fstream>
 
 #include "async/TaskScope.h"
 #include "base/Files.h"
 #include "fakes/FakeExecutors.h"
+#include "fakes/FullDisk.h"
 #include "fakes/TaskOutcome.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
@@ -72,26 +71,6 @@ TEST_F(SettingsStoreTest, aFirstRunMakesTheFileAndASecondReadsIt) {
     EXPECT_THAT(filesBeside(), testing::ElementsAre("settings.json"));
 }
 
-TEST_F(SettingsStoreTest, aFileThatCannotBeReadIsLeftAsItIs) {
-    std::string text = encodeSettings(defaults);
-    std::string otherSchema = text;
-    otherSchema.replace(otherSchema.find("\"schemaVersion\": 1"), 18, "\"schemaVersion\": 2");
-    std::string wrongType = text;
-    wrongType.replace(wrongType.find("\"pauseRotations\": false"), 23, "\"pauseRotations\": \"no\"");
-    const std::vector<std::pair<std::string, std::string>> rows = {
-        {"", "the document is not valid JSON"},
-        {text.substr(0, text.size() / 2), "the document is not valid JSON"},
-        {otherSchema, "This settings file uses schema 2, but this build of Quillmar requires schema 1."},
-        {wrongType, "general.pauseRotations: expected true or false, found a text"},
-    };
-    for (const auto& [content, reason] : rows) {
-        put(content);
-        SettingsLoadResult result;
-        EXPECT_THAT(load(&result), HasSubstr(reason));
-        EXPECT_EQ(bytes(), content);
-    }
-}
-
 TEST_F(SettingsStoreTest, whatIsNoReadableFileIsNamedWithItsReason) {
     SettingsLoadResult result;
     fs::create_directories(file);
@@ -122,16 +101,10 @@ TEST_F(SettingsStoreTest, aSaveThatRunsOutOfSpaceLeavesTheOldFileAndNoLitter) {
     AppSettings changed = defaults;
     changed.lastLaunchedAppVersion = "9.9.9";
 
-    struct rlimit old{};
-    ::getrlimit(RLIMIT_FSIZE, &old);
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    const struct rlimit small{100, old.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    const std::string failure = save(changed);
-    ::setrlimit(RLIMIT_FSIZE, &old);
-    std::signal(SIGXFSZ, oldHandler);
-
-    EXPECT_EQ(failure, file.string() + ": File too large");
+    {
+        const FullDisk disk(100);
+        EXPECT_EQ(save(changed), file.string() + ": File too large");
+    }
     EXPECT_EQ(bytes(), before);
     EXPECT_EQ(filesBeside().size(), 1u);
 }

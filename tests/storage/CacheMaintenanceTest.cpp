@@ -105,16 +105,6 @@ TEST_F(CacheMaintenanceTest, aboveTheLimitTheLeastRecentlyUsedGoFirstAndThoseOfO
     EXPECT_EQ(periodicSweep(), CacheSweepResult{}) << "at the limit nothing more goes";
 }
 
-TEST_F(CacheMaintenanceTest, stampsDecideTheOrderToo) {
-    stampLastUsed(put("GeneratedWallpapers/a.png", 9h, 200 * mebibyte), clock.now() - 1h);
-    stampLastUsed(put("GeneratedWallpapers/b.png", 8h, 200 * mebibyte), clock.now() - 6h);
-    put("GeneratedWallpapers/c.png", 7h, 200 * mebibyte);
-    put("GeneratedWallpapers/d.png", 1h, 200 * mebibyte);
-    if (!lastUsedStamp(cache / "GeneratedWallpapers/a.png")) GTEST_SKIP() << "no extended attributes here";
-    EXPECT_EQ(periodicSweep().removedItems, 2);
-    EXPECT_THAT(left("GeneratedWallpapers"), ElementsAre("a.png", "d.png"));
-}
-
 TEST_F(CacheMaintenanceTest, protectedFilesMayKeepTheTotalAboveTheLimit) {
     protectedFiles = {put("GeneratedWallpapers/a.png", 2h, 600 * mebibyte)};
     put("GeneratedWallpapers/b.png", 1h, mebibyte);

@@ -31,13 +31,6 @@ struct SecurityScopedFileLeaseTest : ::testing::Test {
     }
 };
 
-TEST_F(SecurityScopedFileLeaseTest, withoutAGrantAnyUrlIsTakenAsItIs) {
-    fs::remove(file);
-    const SecurityScopedFileLease lease(url, std::nullopt);
-    EXPECT_EQ(lease.url(), url);
-    EXPECT_FALSE(lease.didStartAccess());
-}
-
 TEST_F(SecurityScopedFileLeaseTest, aGrantFindsItsFileOrFolderAfterARenameWithinTheFolder) {
     const Bytes grant = makeStoredFileGrant(file);
     EXPECT_TRUE(SecurityScopedFileLease(url, grant).didStartAccess());

@@ -27,11 +27,6 @@ TEST(CanvasSizeTest, aCanvasIsTheFrameInPixelsAndNeverEmpty) {
     EXPECT_EQ(CanvasSize::of(display(1e12, 10, 1)).width, 65535);
 }
 
-TEST(SolidColorFileNameTest, theNameHoldsAllThatThePictureDependsOn) {
-    EXPECT_EQ(solidColorFileName(display(1, 1, 1), {1920, 1080}, "1F6F8B"),
-              "solid-display-aa-01-1920x1080-1F6F8B.png");
-}
-
 TEST(ImageFileNameTest, theNameHoldsAllThatThePictureDependsOn) {
     const auto name = [](ImagePresentationLayout layout, const char* background) {
         return imageFileName(display(1, 1, 1), {1920, 1080}, layout, background, "c0ffee");

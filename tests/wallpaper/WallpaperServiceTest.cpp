@@ -79,24 +79,6 @@ TEST_F(WallpaperServiceTest, aColourIsRenderedForItsDisplayAloneAndUsedAgain) {
     EXPECT_TRUE(desktop.options[1].empty());
 }
 
-TEST_F(WallpaperServiceTest, aDamagedOrForeignFileOfTheRightNameIsRenderedAnew) {
-    runToEnd(service.apply(solid(0, "#112233")));
-    const fs::path file = desktop.shown[1];
-    fs::resize_file(file, fs::file_size(file) - 1);
-    runToEnd(service.apply(solid(0, "#112233")));
-    EXPECT_EQ(rendering.rendered, 2);
-    EXPECT_TRUE(isValidGeneratedPng(file, {1920, 1080}));
-}
-
-TEST_F(WallpaperServiceTest, everyUseStampsTheFile) {
-    runToEnd(service.apply(solid(0, "#112233")));
-    const fs::path file = desktop.shown[1];
-    if (!lastUsedStamp(file)) GTEST_SKIP() << "this file system has no extended attributes";
-    loop.advance(std::chrono::hours(5));
-    runToEnd(service.apply(solid(0, "#112233")));
-    EXPECT_EQ(lastUsedStamp(file), clock.now());
-}
-
 TEST_F(WallpaperServiceTest, whatCannotBeShownIsNamed) {
     EXPECT_EQ(run(service.apply(solid(0, "#12345"))), "#12345 is not a valid six-digit hex color.");
     EXPECT_EQ(run(service.apply({displays.displays()[0], WallpaperMode{ColorFaderPresentationSettings{}}})),
@@ -233,22 +215,6 @@ TEST_F(WallpaperServiceTest, theFileThatADisplayShowsIsKeptUntilAnotherIsSetOnTh
     EXPECT_FALSE(cacheFiles.removeIfFree(first)) << "the way back needs it";
     snapshot.reset();
     EXPECT_TRUE(cacheFiles.removeIfFree(first));
-}
-
-TEST_F(WallpaperServiceTest, aChosenSourcePictureIsKeptForAsLongAsTheOutcome) {
-    PreparedWallpaperApplication prepared;
-    runToEnd(service.prepare(solid(0, "#111111")), &prepared);
-    WallpaperApplyOutcome outcome;
-    run(service.applyPrepared(prepared), &outcome);
-    EXPECT_FALSE(outcome.selectionLease);
-    const fs::path source = resolvedPath(folder.path()) / "remote-1.jpg";
-    std::ofstream(source) << "x";
-    prepared.image->windowsSpotlightSelection =
-        WindowsSpotlightSelection{.imageURL = Url::fromFilePath(source)};
-    run(service.applyPrepared(prepared), &outcome);
-    EXPECT_FALSE(cacheFiles.removeIfFree(source));
-    outcome = {};
-    EXPECT_TRUE(cacheFiles.removeIfFree(source));
 }
 
 struct WallpaperServiceRemoteTest : WallpaperServiceTest {

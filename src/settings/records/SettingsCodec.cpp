@@ -31,7 +31,6 @@ AppSettings defaultSettings(const BundleInfo& bundle) {
     return settings;
 }
 
-std::string encodeWallpaperMode(const WallpaperMode& mode) { return json::encode(mode); }
 WallpaperMode decodeWallpaperMode(std::string_view text) { return json::decode<WallpaperMode>(text); }
 
 }  // namespace quillmar

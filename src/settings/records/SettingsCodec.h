@@ -16,8 +16,7 @@ AppSettings decodeSettings(std::string_view text);
 /// The document of a first run. Identities in it are fresh, so two of them are not equal.
 AppSettings defaultSettings(const BundleInfo& bundle);
 
-/// One mode as text. Throws `JsonRecordError`.
-std::string encodeWallpaperMode(const WallpaperMode& mode);
+/// Throws `JsonRecordError`.
 WallpaperMode decodeWallpaperMode(std::string_view text);
 
 }  // namespace quillmar
