@@ -125,5 +125,52 @@ class BadSettingsTest(DesktopTest):
         self.assertEqual(self.settings.read_bytes(), written)
 
 
+class BackupTest(DesktopTest):
+    def quillmar(self, *arguments, status=0):
+        answer = run(PROGRAM, *arguments, env=self.environment, cwd=self.home)
+        self.assertEqual(answer.returncode, status, answer)
+        return answer.stdout + answer.stderr
+
+    def test_a_backup_comes_back_into_the_running_program_and_where_none_runs(self):
+        self.make_settings(**COLORS)
+        program = self.start_and_wait()
+        self.assertIn("Saved kept.json.", self.quillmar("backup", "export", "kept.json"))
+        self.assertIn("hotCorners", self.quillmar("backup", "inspect", "kept.json"))
+        self.quillmar("wallpaper", "set", "all", "colour", "#445566")
+        restored = self.quillmar("backup", "restore", "kept.json", "--sections", "general,wallpaper")
+        self.assertIn("The selected settings were restored successfully.", restored)
+        self.wait_for_colors(program, *COLORS.values())
+        self.assertIn("reset to their default values", self.quillmar("backup", "reset"))
+        self.quillmar("quit")
+        self.assertEqual(program.status(), 0)
+
+        self.settings.write_text("{")
+        self.assertIn("there is nothing to back up", self.quillmar("backup", "export", "broken.json", status=1))
+        self.quillmar("backup", "restore", "kept.json")
+        program = self.start_and_wait()
+        self.wait_for_colors(program, *COLORS.values())
+        self.quit(program)
+
+    def test_what_is_no_backup_or_not_understood_changes_nothing(self):
+        self.make_settings(**COLORS)
+        written = self.settings.read_bytes()
+        (self.home / "page.json").write_text("<html>")
+        self.quillmar("backup", "export", "general.json", "--sections", "general")
+        for status, words, complaint in (
+            (2, "", "What is to be done with backups was not said."),
+            (2, "burn", '"backup" has no command "burn".'),
+            (2, "restore", '"backup restore" needs a file.'),
+            (2, "inspect page.json now", '"backup inspect" does not take "now".'),
+            (2, "export all.json --sections", '"--sections" needs a list.'),
+            (2, "export all.json --sections general,sound", 'There is no section "sound".'),
+            (1, "restore general.json --sections wallpaper", "The backup has none of these sections."),
+            (1, "restore page.json", "Couldn’t Read Backup: the document is not valid JSON"),
+            (1, "inspect none.json", "none.json: No such file or directory"),
+        ):
+            with self.subTest(words):
+                self.assertIn(complaint, self.quillmar("backup", *words.split(), status=status))
+        self.assertEqual(self.settings.read_bytes(), written)
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -178,6 +178,8 @@ class RemoteTest(ServicesTest):
                 answer = self.set("DUMMY0", *kind, str(self.key))
                 said += [answer.stdout, answer.stderr]
                 ask("/_fault", "DELETE")
+        missing = self.set("DUMMY0", "apod", "--apiKeyFile", str(self.home / "none"))
+        self.assertIn("none cannot be read: No such file or directory.", missing.stderr)
         self.assertTrue(requests_for(KEY))
         for words in (("status",), ("status", "--json"), ("wallpaper", "--json"), ("general", "--json")):
             said.append(run(PROGRAM, *words, env=self.environment).stdout)
