@@ -311,6 +311,11 @@ TEST_F(AppDelegateTest, wallpapersChangeByThemselvesFromTheStartToTheEndButNotUn
     ASSERT_EQ(entries.size(), 1u);
     EXPECT_EQ(entries.begin()->second.nextAttemptDate, before + 10s);
 
+    machine.clock.set(machine.clock.now() + 8h);
+    machine.systemEvents.wake();
+    machine.loop.advance(1s);
+    EXPECT_EQ(entries.begin()->second.consecutiveFailureCount, 1) << "it was due: there is no folder";
+
     quitBySystem();
     EXPECT_THAT(entries, IsEmpty());
     subsystems.restoreFollowing.settingsWillBeReplaced();

@@ -16,21 +16,6 @@ struct ExecutorTest : ::testing::Test {
     std::vector<std::string> log;
 };
 
-TEST_F(ExecutorTest, workLeavesTheMainThreadAndComesBackToIt) {
-    ThreadPool pool(2);
-    SerialExecutor executor(pool);
-    TaskScope scope(loop);
-    std::thread::id worker;
-    std::thread::id back;
-    scope.spawn([](Executor* on, std::thread::id* ran, std::thread::id* returned) -> Task<void> {
-        *ran = co_await on->run([] { return std::this_thread::get_id(); });
-        *returned = std::this_thread::get_id();
-    }(&executor, &worker, &back));
-    ASSERT_TRUE(loop.settleUntil([&] { return back != std::thread::id(); }));
-    EXPECT_NE(worker, std::this_thread::get_id());
-    EXPECT_EQ(back, std::this_thread::get_id());
-}
-
 TEST_F(ExecutorTest, aSerialExecutorRunsOneJobAtATimeInTheirOrder) {
     ThreadPool pool(4);
     std::vector<int> order;

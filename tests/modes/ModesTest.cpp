@@ -29,30 +29,6 @@ TEST(ModesTest, kindsOfOneNameShareTheirSettings) {
     }
 }
 
-TEST(ModesTest, newColorListsHaveTheStandardColorsAndFreshIdentities) {
-    const auto colorsOf = [](const std::vector<ColorFaderStop>& stops) {
-        std::vector<std::string> colors;
-        for (const ColorFaderStop& stop : stops) colors.push_back(stop.hexColor);
-        return colors;
-    };
-    const auto rainbow =
-        ElementsAre("#FF0000", "#FFA500", "#FFFF00", "#008000", "#00FFFF", "#0000FF", "#8000FF");
-    const auto fader = WallpaperMode::defaultMode(WallpaperModeKind::colorFader);
-    const auto& faderColors = std::get<ColorFaderPresentationSettings>(fader.value).colors;
-    const auto matrix = WallpaperMode::defaultMode(WallpaperModeKind::matrix);
-    const auto& matrixSettings = std::get<MatrixPresentationSettings>(matrix.value);
-    EXPECT_THAT(colorsOf(faderColors), rainbow);
-    EXPECT_THAT(colorsOf(matrixSettings.stripeColors), rainbow);
-    EXPECT_THAT(colorsOf(matrixSettings.paletteColors),
-                ElementsAre("#000000", "#056105", "#85F370", "#ADF99E"));
-    std::set<Uuid> identities;
-    for (const auto* stops : {&faderColors, &matrixSettings.stripeColors, &matrixSettings.paletteColors}) {
-        for (const ColorFaderStop& stop : *stops) identities.insert(stop.id);
-    }
-    EXPECT_EQ(identities.size(), 18u);
-    EXPECT_EQ(WallpaperMode::defaultMode(WallpaperModeKind::colorFader).validationError(), std::nullopt);
-}
-
 TEST(ModesTest, theRotationIntervalFollowsTheMode) {
     const std::vector<std::pair<WallpaperMode, std::optional<double>>> rows = {
         {{}, {}},
