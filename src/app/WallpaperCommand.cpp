@@ -104,6 +104,7 @@ std::vector<DisplayInfo> WallpaperCommand::matching(const std::string& name) con
 Task<ControlReply> WallpaperCommand::set(std::vector<std::string> words, std::string workingDirectory) {
     if (words.size() < 2) throw UsageError("The display was not named.");
     auto [mode, keyFile, namesKey] = parseWallpaperMode(std::span(words).subspan(2), workingDirectory);
+    const bool keepsKey = !keyFile && !namesKey;
     const DisplayIDs ids = idsOf(matching(words[1]));
     if (keyFile) *keyOf(mode).text = co_await services_.readKey(*std::move(keyFile));
     if (auto* image = std::get_if<ImagePresentationSettings>(&mode.value); image && image->imageURL) {
@@ -113,7 +114,7 @@ Task<ControlReply> WallpaperCommand::set(std::vector<std::string> words, std::st
         slideshow && slideshow->folderURL) {
         slideshow->folderBookmark = co_await services_.grantFor(*slideshow->folderURL);
     }
-    const auto change = [ids, chosen = std::move(mode), keepsKey = !keyFile && !namesKey](auto& settings) {
+    const auto change = [ids, chosen = std::move(mode), keepsKey](auto& settings) {
         choose(chosen, keepsKey, ids, settings);
     };
     co_return replyOf(co_await services_.coordinator.apply(change, ids));

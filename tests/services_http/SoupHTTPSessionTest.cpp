@@ -242,6 +242,20 @@ TEST_F(SoupHTTPSessionTest, aRequestForTheInternetReachesNothingOfThisMachineWha
     EXPECT_THAT(server.requests, SizeIs(1));
 }
 
+TEST_F(SoupHTTPSessionTest, aProxyIsNoWayIntoThisMachine) {
+    g_setenv("http_proxy", server.url("/").string().c_str(), TRUE);
+    for (const char* host : {"a.example", "127.0.0.1", "localhost", "[::1]", "10.1.2.3"}) {
+        outcome.clear();
+        const auto url = Url::parse("http://" + std::string(host) + "/status/200");
+        scope.spawn(
+            outcomeOf(&session, {.url = *url, .reach = HTTPReach::publicNetworks}, 10, &outcome, &answer));
+        EXPECT_TRUE(settleUntil([&] { return !outcome.empty(); }));
+        EXPECT_EQ(outcome, url->host() == "a.example" ? "200 6" : "failed") << host;
+    }
+    g_unsetenv("http_proxy");
+    EXPECT_THAT(server.requests, SizeIs(1));
+}
+
 TEST(PublicAddressTest, theInternetIsWhatNoOtherNetworkHasReserved) {
     const auto isPublic = [](const char* text) {
         const auto address = Ref<GInetAddress>::adopt(g_inet_address_new_from_string(text));
@@ -259,6 +273,18 @@ TEST(PublicAddressTest, theInternetIsWhatNoOtherNetworkHasReserved) {
                              "ff02::1",       "::ffff:10.0.0.1", "::127.0.0.1",     "64:ff9b::7f00:1",
                              "2002:7f00:1::1"}) {
         EXPECT_FALSE(isPublic(text)) << text;
+    }
+}
+
+TEST(PublicAddressTest, theTextOfAHostTellsWhetherItMayBeReachedThroughAProxy) {
+    for (const char* host :
+         {"a.example", "A.EXAMPLE.", "xn--bcher-kva.example", "bücher.рф", "8.8.8.8", "2606:4700::1111"}) {
+        EXPECT_TRUE(mayBePublicHost(host)) << host;
+    }
+    for (const char* host :
+         {"", ".", "localhost", "LocalHost.", "a.localhost", "printer", "nas.local", "10.1.2.3", "127.1",
+          "2130706433", "0x7f.0.0.1", "127.0.0.1.", "::1", "::ffff:10.0.0.1", "fe80::1%eth0"}) {
+        EXPECT_FALSE(mayBePublicHost(host)) << host;
     }
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "base/HostName.h"
 #include "linux/glib/Ref.h"
 
 namespace quillmar {
@@ -51,6 +52,17 @@ bool isPublicAddress(GInetAddress* address) {
     }
     const Ref<GInetAddress> inner = innerIPv4(address);
     return !inner || isPublicAddress(inner.get());
+}
+
+bool mayBePublicHost(const std::string& host) {
+    const auto address = Ref<GInetAddress>::adopt(g_inet_address_new_from_string(host.c_str()));
+    if (address) return isPublicAddress(address.get());
+    std::string_view name = host;
+    if (name.ends_with('.')) name.remove_suffix(1);
+    const std::string_view lastLabel = name.substr(name.rfind('.') + 1);
+    // Some resolvers take "127.1" and "0x7f.0.0.1" for addresses; no name of the Internet ends like these.
+    const bool isName = !lastLabel.empty() && !(lastLabel.front() >= '0' && lastLabel.front() <= '9');
+    return isName && !isLocalHostName(name);
 }
 
 }  // namespace quillmar

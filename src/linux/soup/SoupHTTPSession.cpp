@@ -13,6 +13,8 @@
 namespace quillmar {
 namespace {
 
+constexpr const char* notPublic = "The address is not one of the Internet.";
+
 std::map<std::string, std::string> headersOf(SoupMessage* message) {
     std::map<std::string, std::string> headers;
     soup_message_headers_foreach(
@@ -129,12 +131,12 @@ private:
         if (event != G_SOCKET_CLIENT_CONNECTING || !G_IS_SOCKET_CONNECTION(connection)) return;
         const auto address = Ref<GSocketAddress>::adopt(
             g_socket_connection_get_remote_address(G_SOCKET_CONNECTION(connection), nullptr));
-        // A proxy stands where it stands; what it may reach is its own affair.
+        // A proxy stands where it stands; what the names lead to that it resolves is its own affair.
         if (!address || G_IS_PROXY_ADDRESS(address.get())) return;
         const bool isPublic =
             G_IS_INET_SOCKET_ADDRESS(address.get()) &&
             isPublicAddress(g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(address.get())));
-        if (!isPublic) static_cast<Transfer*>(data)->end("The address is not one of the Internet.");
+        if (!isPublic) static_cast<Transfer*>(data)->end(notPublic);
     }
     void end(const char* failure) {
         if (!failure_) failure_ = failure;
@@ -194,7 +196,11 @@ Task<HTTPResponse> SoupHTTPSession::open(HTTPRequest request) {
     if (isInvalidated_ || context.stop.stop_requested()) throw CancellationError();
     const Ref<SoupMessage> toSend = message(request);
     auto transfer = std::make_unique<Transfer>(loop_, transfers_, request, context.stop);
-    if (request.reach == HTTPReach::publicNetworks) transfer->keepPublic(toSend.get());
+    if (request.reach == HTTPReach::publicNetworks) {
+        // A proxy would be asked for it, and may stand on this very machine.
+        if (!mayBePublicHost(request.url.host())) throw std::runtime_error(notPublic);
+        transfer->keepPublic(toSend.get());
+    }
     Ref<GInputStream> stream = co_await transfer->waitFor(answerStream(session_, toSend));
     transfer->stopWatching();
     HTTPResponse response = headOf(toSend.get());

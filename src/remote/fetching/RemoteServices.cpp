@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "base/HostName.h"
 #include "base/Text.h"
 
 namespace quillmar {
@@ -37,8 +38,7 @@ bool RemoteService::isLocal() const {
         return name_ == "::1" || name_.starts_with("fe80:") || name_.starts_with("fc") ||
                name_.starts_with("fd");
     }
-    return name_ == "localhost" || name_.ends_with(".localhost") || name_.ends_with(".local") ||
-           name_.find('.') == std::string::npos;
+    return isLocalHostName(name_);
 }
 
 RemoteServices RemoteServices::of(const BundleInfo& bundle) {

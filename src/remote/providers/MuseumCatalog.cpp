@@ -49,7 +49,7 @@ std::string artInstituteParams(const MuseumQuery& query) {
 }  // namespace
 
 Url museumRequest(const Url& host, const MuseumQuery& query) {
-    const auto request = [&](std::string_view path, std::vector<QueryItem> items) {
+    const auto request = [&](std::string_view path, const std::vector<QueryItem>& items) {
         return appendingQueryItems(appendingPath(host, path), items);
     };
     switch (query.source) {
