@@ -50,7 +50,8 @@ Environment processEnvironment() {
 
 /// The bundle keys lie beside the program where it was built, and in its data folder where it is installed.
 BundleInfo loadBundleInfo(const Environment& environment) {
-    if (const auto named = environment.find("QUILLMAR_INFO"); named != environment.end()) {
+    if (const auto named = environment.find("QUILLMAR_INFO");
+        named != environment.end() && !named->second.empty()) {
         return BundleInfo::load(named->second);
     }
     const fs::path folder = fs::canonical("/proc/self/exe").parent_path();
