@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+
 #include "desktop/TransactionWorld.h"
 #include "linux/dbus/BlockingBus.h"
 #include "linux/desktop/VariantText.h"
@@ -65,11 +67,13 @@ protected:
     }
     testing::AssertionResult shows(RgbColor left, RgbColor right) {
         // Away from the icons, which stand on the left.
-        const auto isShown = [&] {
-            return desktop_.pixel(1500, 900) == left && desktop_.pixel(1920 + 1000, 900) == right;
+        const auto seen = [&] {
+            return std::array{desktop_.pixel(1500, 900), desktop_.pixel(1920 + 1000, 900)};
         };
-        if (turnUntil(isShown)) return testing::AssertionSuccess();
-        return testing::AssertionFailure() << "the screen shows something else";
+        if (turnUntil([&] { return seen() == std::array{left, right}; })) return testing::AssertionSuccess();
+        const auto [seenLeft, seenRight] = seen();
+        return testing::AssertionFailure() << "green: " << int(seenLeft.green) << " on the left, "
+                                           << int(seenRight.green) << " on the right";
     }
 
     /// Lets the desktop's program show pictures of the user's own. On a busy machine it sometimes starts deaf
@@ -142,8 +146,13 @@ TEST_F(XfceDesktopPictureTest, aMonitorWhoseChangeFailsGetsBackThePictureOfTheUs
 TEST_F(XfceDesktopPictureTest, everyWorkspaceShowsThePicture) {
     userSets("monitorDUMMY1/workspace6/last-image", "string -s /nowhere.png");
     user("-p /backdrop/single-workspace-mode -n -t bool -s false");
+    userSets("monitorDUMMY1/workspace0/image-style", "int -s 6");
+    userSets("monitorDUMMY1/workspace1/image-style", "int -s 4");
     const auto file = desktop_.solidPicture(1280, 1024, blue);
     picture_.setDesktopImage(file, right_, {});
+    EXPECT_THAT(allSettings(), testing::HasSubstr("workspace0/image-style', <5>"));
+    EXPECT_THAT(allSettings(), testing::HasSubstr("workspace1/image-style', <4>")) << "it fills the monitor";
+    EXPECT_THAT(allSettings(), testing::Not(testing::HasSubstr("workspace2/image-style")));
     for (const std::string workspace : {"0", "1", "2", "3", "6"}) {
         EXPECT_THAT(allSettings(), testing::HasSubstr("monitorDUMMY1/workspace" + workspace +
                                                       "/last-image', <'" + file.string() + "'>"));

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <set>
 
@@ -19,13 +21,16 @@ constexpr const char* channel = "xfce4-desktop";
 constexpr const char* imageKey = "last-image";
 constexpr std::string_view workspacePrefix = "workspace";
 
-/// Every value that says what a monitor shows on a workspace, with the one that our pictures want: they have
-/// the monitor's size, and the desktop must not go on to the next picture of their folder by itself.
-struct StoredKey {
+/// Every value that says how a monitor shows its picture on a workspace, with those that suit ours: they have
+/// the monitor's size, and the desktop must not go on to the next picture of their folder by itself. A value
+/// that suits is left alone, since the desktop loads its picture anew for each change, and may crash when the
+/// next one comes meanwhile.
+struct StyleKey {
     const char* name;
-    const char* wanted;
+    std::array<std::string_view, 4> suiting;  ///< the first is set where another one is; empty: not set
 };
-constexpr StoredKey styleKeys[]{{"image-style", "5"}, {"backdrop-cycle-enable", "false"}};
+constexpr StyleKey styleKeys[]{{"image-style", {"5", "4", "3", ""}},
+                               {"backdrop-cycle-enable", {"false", "", "", ""}}};
 
 Owned<GVariant> callStore(const Bus& bus, const char* method, GVariant* arguments) {
     return callAndWait(bus, {"org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf", method, arguments});
@@ -98,7 +103,11 @@ void XfceDesktopPicture::setDesktopImage(const std::filesystem::path& file, cons
     for (const int workspace : workspacesOf(before)) {
         wanted.emplace(keyOf(workspace, imageKey), variantText(g_variant_new_string(file.c_str())));
         if (!options.empty()) continue;
-        for (const StoredKey& key : styleKeys) wanted.emplace(keyOf(workspace, key.name), key.wanted);
+        for (const StyleKey& key : styleKeys) {
+            const std::string name = keyOf(workspace, key.name);
+            const bool suits = std::ranges::count(key.suiting, before.at(name)) > 0;
+            if (!suits) wanted.emplace(name, key.suiting.front());
+        }
     }
     try {
         store(screen, wanted);
@@ -151,7 +160,7 @@ DesktopImageOptions XfceDesktopPicture::stateOf(const Screen& screen) const {
     };
     for (const int workspace : workspacesOf(values)) {
         put(keyOf(workspace, imageKey));
-        for (const StoredKey& key : styleKeys) put(keyOf(workspace, key.name));
+        for (const StyleKey& key : styleKeys) put(keyOf(workspace, key.name));
     }
     return state;
 }
