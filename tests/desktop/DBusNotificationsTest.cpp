@@ -19,9 +19,8 @@ class NotificationServer {
 public:
     explicit NotificationServer(std::vector<std::string> capabilities)
         : capabilities_(std::move(capabilities)) {
-        static constexpr GDBusInterfaceVTable methods{&called, nullptr, nullptr, {}};
-        const Owned<GDBusNodeInfo> description(g_dbus_node_info_new_for_xml(
-            R"(<node><interface name="org.freedesktop.Notifications">
+        bus_.offer("/org/freedesktop/Notifications",
+                   R"(<node><interface name="org.freedesktop.Notifications">
             <method name="GetServerInformation"><arg type="s" direction="out"/><arg type="s" direction="out"/>
             <arg type="s" direction="out"/><arg type="s" direction="out"/></method>
             <method name="GetCapabilities"><arg type="as" direction="out"/></method>
@@ -30,9 +29,7 @@ public:
             <arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="s" direction="in"/>
             <arg type="as" direction="in"/><arg type="a{sv}" direction="in"/><arg type="i" direction="in"/>
             <arg type="u" direction="out"/></method></interface></node>)",
-            nullptr));
-        g_dbus_connection_register_object(bus_.get(), "/org/freedesktop/Notifications",
-                                          description->interfaces[0], &methods, this, nullptr, nullptr);
+                   &called, this);
     }
 
     std::vector<std::string> calls;  ///< those that change what is shown

@@ -14,12 +14,14 @@ namespace {
 class SessionManager {
 public:
     SessionManager() {
-        offer("/org/gnome/SessionManager", R"(<node><interface name="org.gnome.SessionManager">
+        bus_.offer("/org/gnome/SessionManager", R"(<node><interface name="org.gnome.SessionManager">
             <method name="RegisterClient"><arg type="s" direction="in"/><arg type="s" direction="in"/>
-            <arg type="o" direction="out"/></method></interface></node>)");
-        offer(client, R"(<node><interface name="org.gnome.SessionManager.ClientPrivate">
+            <arg type="o" direction="out"/></method></interface></node>)",
+                   &called, this);
+        bus_.offer(client, R"(<node><interface name="org.gnome.SessionManager.ClientPrivate">
             <method name="EndSessionResponse"><arg type="b" direction="in"/><arg type="s" direction="in"/></method>
-            </interface></node>)");
+            </interface></node>)",
+                   &called, this);
     }
     void emit(const char* signal, GVariant* parameters) {
         g_dbus_connection_emit_signal(bus_.get(), nullptr, client, "org.gnome.SessionManager.ClientPrivate",
@@ -30,12 +32,6 @@ public:
 private:
     static constexpr const char* client = "/org/gnome/SessionManager/Client1";
 
-    void offer(const char* path, const char* xml) {
-        static constexpr GDBusInterfaceVTable methods{&called, nullptr, nullptr, {}};
-        const Owned<GDBusNodeInfo> description(g_dbus_node_info_new_for_xml(xml, nullptr));
-        g_dbus_connection_register_object(bus_.get(), path, description->interfaces[0], &methods, this,
-                                          nullptr, nullptr);
-    }
     static void called(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* method,
                        GVariant* parameters, GDBusMethodInvocation* invocation, gpointer data) {
         const Owned<char> text(g_variant_print(parameters, FALSE));

@@ -58,7 +58,19 @@ OwnConnection::OwnConnection(const char* name) {
         g_variant_new("(su)", name, 0), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr));
 }
 
-OwnConnection::~OwnConnection() { g_dbus_connection_close_sync(bus_.get(), nullptr, nullptr); }
+OwnConnection::~OwnConnection() {
+    // What was called meanwhile would be answered later, connection or not.
+    for (const guint object : offered_) g_dbus_connection_unregister_object(bus_.get(), object);
+    g_dbus_connection_close_sync(bus_.get(), nullptr, nullptr);
+}
+
+void OwnConnection::offer(const char* path, const char* descriptionXml, GDBusInterfaceMethodCallFunc called,
+                          void* data) {
+    const GDBusInterfaceVTable methods{called, nullptr, nullptr, {}};
+    const Owned<GDBusNodeInfo> description(g_dbus_node_info_new_for_xml(descriptionXml, nullptr));
+    offered_.push_back(g_dbus_connection_register_object(bus_.get(), path, description->interfaces[0],
+                                                         &methods, data, nullptr, nullptr));
+}
 
 OtherProcess::OtherProcess(std::vector<std::string> role) {
     role.insert(role.begin(), "/proc/self/exe");

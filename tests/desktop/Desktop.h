@@ -34,9 +34,12 @@ public:
     OwnConnection& operator=(const OwnConnection&) = delete;
     ~OwnConnection();
     GDBusConnection* get() const { return bus_.get(); }
+    /// Lets `called` answer for the one interface of the description, until the connection ends.
+    void offer(const char* path, const char* descriptionXml, GDBusInterfaceMethodCallFunc called, void* data);
 
 private:
     Ref<GDBusConnection> bus_;
+    std::vector<guint> offered_;
 };
 
 /// Another process of this test program, in one of the roles of `desktopMain.cpp`.
