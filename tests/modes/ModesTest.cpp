@@ -51,14 +51,6 @@ TEST(ModesTest, theRotationIntervalFollowsTheMode) {
     for (const auto& [mode, seconds] : rows) EXPECT_EQ(interval(mode), seconds) << enumName(mode.kind());
 }
 
-TEST(ModesTest, modesOfPicturesSayHowTheyMeetTheEdges) {
-    const WallpaperMode mode{
-        BingSettings{.layout = ImagePresentationLayout::tile, .backgroundHexColor = "#ABCDEF"}};
-    EXPECT_EQ(mode.imagePresentation(), (ImagePresentation{ImagePresentationLayout::tile, "#ABCDEF"}));
-    EXPECT_EQ(WallpaperMode{MatrixPresentationSettings{}}.imagePresentation(), std::nullopt);
-    EXPECT_EQ(WallpaperMode{}.imagePresentation(), std::nullopt);
-}
-
 TEST(DisplayEntriesTest, theWayBackToAKindForgetsNothing) {
     const WallpaperMode image{ImagePresentationSettings{.backgroundHexColor = "#010203"}};
     DisplayWallpaperSettings entry{.displayID = "a", .mode = image};
