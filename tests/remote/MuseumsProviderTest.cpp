@@ -88,7 +88,7 @@ TEST(MuseumAnswersTest, onlyFreeWorksWithAPictureCount) {
 
     EXPECT_THAT(told(parseSMK(R"({"items":[
         {"id":"1","titles":[{"title":"A"}],"public_domain":true,"image_iiif_id":"https://i/1","image_thumbnail":"https://t/1"},
-        {"id":"2","object_number":"KMS2","public_domain":true,"image_thumbnail":"https://t/2"},
+        {"id":"2","titles":[{"title":null}],"object_number":"KMS2","public_domain":true,"image_thumbnail":"https://t/2"},
         {"id":"3","titles":[],"public_domain":true,"image_iiif_id":"no url","image_thumbnail":"https://t/3"},
         {"id":"4","public_domain":false,"image_thumbnail":"https://t/4"},{"id":"5","image_thumbnail":"https://t/5"},
         {"id":"6","public_domain":true}]})")),

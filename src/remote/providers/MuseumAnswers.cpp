@@ -265,9 +265,8 @@ std::vector<MuseumArtwork> parseSMK(std::string_view json) {
         auto image = parsedURL(item.imageIIIFID);
         image = image ? appendingPath(*image, "full/2000,/0/default.jpg") : parsedURL(item.imageThumbnail);
         if (!image) continue;
-        const bool hasTitles = item.titles && !item.titles->empty();
-        artworks.push_back(artwork(MuseumsSource::smkDenmark, item.id,
-                                   hasTitles ? item.titles->front().title : item.objectNumber,
+        const Text title = item.titles && !item.titles->empty() ? item.titles->front().title : std::nullopt;
+        artworks.push_back(artwork(MuseumsSource::smkDenmark, item.id, title ? title : item.objectNumber,
                                    *std::move(image)));
     }
     return artworks;
