@@ -66,11 +66,10 @@ std::map<std::string, Owned<GVariant>> valuesIn(const Bus& bus, const std::strin
     return values;
 }
 
-/// The workspaces that the window manager has, and those that the desktop remembers.
+/// The workspaces that the names of the values speak of.
 template <class Values>
-std::set<int> workspacesOf(const Values& values) {
+std::set<int> workspacesIn(const Values& values) {
     std::set<int> numbers;
-    for (int number = 0; number < workspaces().count; ++number) numbers.insert(number);
     for (const auto& [key, value] : values) {
         int number = 0;
         if (!key.starts_with(workspacePrefix)) continue;
@@ -100,7 +99,8 @@ void XfceDesktopPicture::setDesktopImage(const std::filesystem::path& file, cons
     requireReadable(file);
     const DesktopImageOptions before = stateOf(screen);
     DesktopImageOptions wanted = options;
-    for (const int workspace : workspacesOf(before)) {
+    // Those alone that can be put back: another one may come at any moment.
+    for (const int workspace : workspacesIn(before)) {
         wanted.emplace(keyOf(workspace, imageKey), variantText(g_variant_new_string(file.c_str())));
         if (!options.empty()) continue;
         for (const StyleKey& key : styleKeys) {
@@ -151,6 +151,7 @@ DesktopImageOptions XfceDesktopPicture::desktopImageOptions(const Screen& screen
     return options;
 }
 
+/// Of the workspaces that the window manager has, and of those that the desktop remembers.
 DesktopImageOptions XfceDesktopPicture::stateOf(const Screen& screen) const {
     const auto values = valuesIn(bus_, folderOf(screen));
     DesktopImageOptions state;
@@ -158,7 +159,9 @@ DesktopImageOptions XfceDesktopPicture::stateOf(const Screen& screen) const {
         const auto found = values.find(key);
         state.emplace(key, found == values.end() ? "" : variantText(found->second.get()));
     };
-    for (const int workspace : workspacesOf(values)) {
+    std::set<int> numbers = workspacesIn(values);
+    for (int number = 0; number < workspaces().count; ++number) numbers.insert(number);
+    for (const int workspace : numbers) {
         put(keyOf(workspace, imageKey));
         for (const StyleKey& key : styleKeys) put(keyOf(workspace, key.name));
     }
