@@ -73,11 +73,11 @@ Child command(std::vector<std::string> words) {
     });
 }
 
-void render(const fs::path& source, const fs::path& target, PictureSize canvas) {
+void render(const fs::path& source, const fs::path& target, PixelSize canvas) {
     const Canvas whole{canvas, static_cast<double>(canvas.width), static_cast<double>(canvas.height)};
     LinuxPictureRendering().renderImage(
         source,
-        [&](PictureSize size) { return compositionOf(ImagePresentationLayout::fill, whole, {}, "", size); },
+        [&](PixelSize size) { return compositionOf(ImagePresentationLayout::fill, whole, {}, "", size); },
         target);
 }
 
@@ -101,7 +101,7 @@ std::vector<std::vector<std::pair<int, double>>> exactAxis(int size, double leng
     return axis;
 }
 
-double psnrAgainstExactFilter(const fs::path& source, const fs::path& target, PictureSize canvas) {
+double psnrAgainstExactFilter(const fs::path& source, const fs::path& target, PixelSize canvas) {
     const DecodedJpeg full = decodeJpeg(source, 8, true);
     const double scale = std::max(static_cast<double>(canvas.width) / full.width,
                                   static_cast<double>(canvas.height) / full.height);
@@ -133,7 +133,7 @@ double psnrAgainstExactFilter(const fs::path& source, const fs::path& target, Pi
     return 10 * std::log10(255.0 * 255 * 3 * canvas.width * canvas.height / squares);
 }
 
-void compare(const char* name, const fs::path& source, PictureSize canvas, unsigned eighths) {
+void compare(const char* name, const fs::path& source, PixelSize canvas, unsigned eighths) {
     const fs::path target = source.parent_path() / "canvas.png";
     const fs::path other = source.parent_path() / "other.png";
     Best decoding;
@@ -175,7 +175,7 @@ void run() {
         photo.saveJpeg(full, 1);
     });
     inChild([&] { Photo(8660, 5773).saveJpeg(progressive, 1, true); });
-    for (const auto& [canvas, eighths] : {std::pair{PictureSize{3840, 2160}, 8u}, {{1920, 1080}, 4u}}) {
+    for (const auto& [canvas, eighths] : {std::pair{PixelSize{3840, 2160}, 8u}, {{1920, 1080}, 4u}}) {
         compare("24 MP JPEG 4:2:0", half, canvas, eighths);
         compare("24 MP JPEG 4:4:4", full, canvas, eighths);
     }

@@ -17,7 +17,7 @@ using namespace quillmar;
 /// Larger pictures take longer and teach nothing more.
 constexpr std::int64_t largestPicture = 2'000'000;
 
-PictureComposition compositionFrom(std::span<const std::uint8_t> choice, PictureSize size) {
+PictureComposition compositionFrom(std::span<const std::uint8_t> choice, PixelSize size) {
     if (std::int64_t{size.width} * size.height > largestPicture)
         throw std::runtime_error("too slow for a fuzzer");
     PictureComposition composition{{1 + choice[0] % 64, 1 + choice[1] % 64}, {1, 2, 3}, {}, false, {}};
@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         rendering.renderImage(
             "/proc/self/fd/" + std::to_string(file),
-            [&](PictureSize picture) { return compositionFrom({data + size - choices, choices}, picture); },
+            [&](PixelSize picture) { return compositionFrom({data + size - choices, choices}, picture); },
             target);
     } catch (const std::runtime_error&) {  // either error is a good end
     }

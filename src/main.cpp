@@ -138,7 +138,7 @@ public:
     }
 
 private:
-    Platform platform() {
+    Ports platform() {
         return {.loop = loop_,
                 .clock = clock_,
                 .backgroundPool = pool_,

@@ -16,7 +16,7 @@ TopologyApplyResult summaryOf(const WallpaperApplyBatchResult& batch) {
 
 }  // namespace
 
-AppDelegate::AppDelegate(const Platform& platform, std::unique_ptr<ApplicationInstanceLock> instanceLock,
+AppDelegate::AppDelegate(const Ports& platform, std::unique_ptr<ApplicationInstanceLock> instanceLock,
                          ApplicationMenuController::Install installMenu)
     : platform_(platform),
       instanceLock_(std::move(instanceLock)),

@@ -7,7 +7,7 @@
 #include "app/ApplicationQuitController.h"
 #include "app/ApplicationStartupTask.h"
 #include "app/ControlService.h"
-#include "app/Platform.h"
+#include "app/Ports.h"
 #include "app/Subsystems.h"
 #include "async/Timer.h"
 #include "display/DisplayConfigurationChangeCoordinator.h"
@@ -24,7 +24,7 @@ enum class TerminateReply { terminateNow, terminateCancel, terminateLater };
 /// stopped and saved at quit. Main thread.
 class AppDelegate {
 public:
-    AppDelegate(const Platform& platform, std::unique_ptr<ApplicationInstanceLock> instanceLock,
+    AppDelegate(const Ports& platform, std::unique_ptr<ApplicationInstanceLock> instanceLock,
                 ApplicationMenuController::Install installMenu);
 
     /// Whether this is the instance that does the work. A second one only brings the first to the front.
@@ -64,7 +64,7 @@ private:
     DisplayConfigurationChangeCoordinator& displayCoordinator();
     void reportTopologyFailure(const TopologyApplyResult& result) const;
 
-    Platform platform_;
+    Ports platform_;
     std::unique_ptr<ApplicationInstanceLock> instanceLock_;
     ApplicationMenuController applicationMenuController_;
     ApplicationQuitController quitController_;

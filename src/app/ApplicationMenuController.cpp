@@ -75,7 +75,7 @@ MainMenu makeMainMenu(const std::string& applicationName, GeneralLanguage langua
             windowMenu(build)};
 }
 
-void ApplicationMenuController::start(NotificationCenter& notifications, const AppSettingsModel& model) {
+void ApplicationMenuController::start(EventBus& notifications, const AppSettingsModel& model) {
     observation_ =
         notifications.observe<AppSettings>(appSettingsDidChange, [this, &model](const AppSettings& settings) {
             settingsDidChange(settings.general.language, model.isLoaded());

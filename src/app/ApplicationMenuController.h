@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "async/NotificationCenter.h"
+#include "async/EventBus.h"
 #include "platform/Menu.h"
 #include "settings/AppSettingsModel.h"
 
@@ -49,7 +49,7 @@ public:
         : applicationName_(std::move(applicationName)), install_(std::move(install)) {}
 
     /// Installs the menu for the model's present state and follows its changes from then on.
-    void start(NotificationCenter& notifications, const AppSettingsModel& model);
+    void start(EventBus& notifications, const AppSettingsModel& model);
 
 private:
     void settingsDidChange(GeneralLanguage language, bool isReady);
@@ -58,7 +58,7 @@ private:
     Install install_;
     std::optional<GeneralLanguage> installedLanguage_;
     std::optional<bool> installedReadiness_;
-    NotificationCenter::Observation observation_;
+    EventBus::Observation observation_;
 };
 
 }  // namespace quillmar

@@ -16,7 +16,7 @@ constexpr std::size_t maximumKeyBytes = 4096;
 
 }  // namespace
 
-ControlService::ControlService(const Platform& platform, Subsystems& subsystems, std::function<void()> quit)
+ControlService::ControlService(const Ports& platform, Subsystems& subsystems, std::function<void()> quit)
     : backup_({.settingsModel = subsystems.settingsModel,
                .backupService = subsystems.backupService,
                .following = subsystems.restoreFollowing,

@@ -10,7 +10,7 @@ namespace quillmar {
 class ControlService {
 public:
     /// `quit` is the user's explicit wish to end.
-    ControlService(const Platform& platform, Subsystems& subsystems, std::function<void()> quit);
+    ControlService(const Ports& platform, Subsystems& subsystems, std::function<void()> quit);
     Task<ControlReply> handle(ControlCall call);
 
 private:

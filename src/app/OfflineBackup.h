@@ -3,7 +3,7 @@
 
 #include "app/BackupCommand.h"
 #include "app/RestoreFollowing.h"
-#include "async/NotificationCenter.h"
+#include "async/EventBus.h"
 #include "async/ThreadPool.h"
 #include "base/BundleInfo.h"
 #include "storage/ApplicationDirectories.h"
@@ -20,7 +20,7 @@ public:
 
 private:
     SerialExecutor executor_;
-    NotificationCenter notifications_;
+    EventBus notifications_;
     AppSettings defaults_;
     CacheFileProtection cacheFiles_;
     std::unique_ptr<SettingsStoring> store_;

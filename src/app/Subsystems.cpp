@@ -17,7 +17,7 @@ std::filesystem::path temporaryDirectoryOrNowhere(const Environment& environment
 
 }  // namespace
 
-Subsystems::Subsystems(const Platform& platform)
+Subsystems::Subsystems(const Ports& platform)
     : defaults(defaultSettings(platform.bundle)),
       cacheExecutor(platform.backgroundPool),
       cacheMaintenance(cacheExecutor, cacheFiles, createdCacheDirectory(platform.environment), {}),

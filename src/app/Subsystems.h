@@ -1,10 +1,10 @@
 #pragma once
 #include <memory>
 
-#include "app/Platform.h"
+#include "app/Ports.h"
 #include "app/RemoteErrorNotificationService.h"
 #include "app/RestoreFollowing.h"
-#include "async/NotificationCenter.h"
+#include "async/EventBus.h"
 #include "async/ThreadPool.h"
 #include "display/DisplayService.h"
 #include "remote/RemoteImageResolver.h"
@@ -21,10 +21,10 @@ namespace quillmar {
 /// the settings and nothing else; the application delegate starts and stops them.
 class Subsystems {
 public:
-    explicit Subsystems(const Platform& platform);
+    explicit Subsystems(const Ports& platform);
 
     const AppSettings defaults;  ///< of a first run
-    NotificationCenter notifications;
+    EventBus notifications;
     CacheFileProtection cacheFiles;
     SerialExecutor cacheExecutor;
     CacheMaintenanceService cacheMaintenance;

@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "base/PixelRect.h"
 #include "base/Rect.h"
 
 namespace quillmar {
@@ -14,6 +15,7 @@ struct DisplayInfo {
     CGRectCodable visibleFrame;  ///< the frame less panels and docks
     double scaleFactor = 1;      ///< pixels a point
     bool isMain = false;
+    PixelSize pixelSize;  ///< of what it shows, as the window server counts; no part of the document
 
     bool operator==(const DisplayInfo&) const = default;
     static void describe(auto& self, auto& io) {

@@ -4,6 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "async/Task.h"
+#include "base/HexColor.h"
+#include "base/PixelBuffer.h"
 #include "platform/Screens.h"
 
 namespace quillmar {
@@ -11,27 +14,60 @@ namespace quillmar {
 /// What the desktop wants to know about a picture besides its file; its own keys and values.
 using DesktopImageOptions = std::map<std::string, std::string>;
 
-/// The picture behind everything on a screen. Main thread.
+/// A picture for a screen.
+struct DesktopImage {
+    std::filesystem::path file;  ///< by which it is known; with `pixels` it need not be written yet
+    SharedPixels pixels;         ///< in the screen's size; null: they are in the file alone
+};
+
+/// What a screen shows as far as the desktop knows.
+struct PresentDesktopImage {
+    /// That is still there, whoever has set it; absent when no file is known.
+    std::optional<std::filesystem::path> file;
+    /// The desktop has lost what it was given for this screen: with the session, when the monitor was
+    /// unplugged, or when the monitors were moved. False where somebody else has set another picture since.
+    bool isForgotten = false;
+    bool operator==(const PresentDesktopImage&) const = default;
+};
+
+/// The picture behind everything on a screen, in the way of the desktop that runs. Main thread; what waits for
+/// the desktop does so elsewhere, one operation after the other in the order of the calls. Every operation
+/// throws `DesktopPictureError` when the desktop refuses or does not answer.
 class DesktopPicturing {
 public:
     virtual ~DesktopPicturing() = default;
-    /// Makes the PNG file, or one that the desktop has named itself, the picture of that screen and of no
-    /// other. Throws `std::runtime_error`; then every screen shows what it showed before.
-    virtual void setDesktopImage(const std::filesystem::path& file, const Screen& screen,
-                                 const DesktopImageOptions& options) = 0;
-    /// The file that the screen is known to show and that is still there, whoever has set it; nothing when no
-    /// file is known. Changes nothing and is cheap.
-    virtual std::optional<std::filesystem::path> desktopImage(const Screen& screen) = 0;
-    /// `desktopImage`, and where no file is known one that what the screen shows now is captured to: setting
-    /// it again brings that back. Nothing when there is none to be had.
-    virtual std::optional<std::filesystem::path> captureDesktopImage(const Screen& screen) = 0;
-    /// The options that go with either, to be handed back when the file is set again. Throws
-    /// `std::runtime_error` when the desktop does not answer.
-    virtual DesktopImageOptions desktopImageOptions(const Screen& screen) = 0;
-    /// Shows again what `setDesktopImage` gave the screen last, where the desktop has forgotten it since:
-    /// with the session, or when the monitor was unplugged. Nothing where it has not, or where the file is
-    /// gone. Failures are logged.
-    virtual void recallDesktopImage(const Screen& screen) = 0;
+    /// Whether `setDesktopImage` wants the pixels; else it wants a PNG file that is there.
+    virtual bool takesPixels() const = 0;
+    /// Makes the picture that of the screen and of no other. `options` are empty, or what
+    /// `desktopImageOptions` has given for that file. A failure may leave the screen half changed.
+    virtual Task<void> setDesktopImage(DesktopImage image, Screen screen, DesktopImageOptions options) = 0;
+    /// Changes nothing.
+    virtual Task<PresentDesktopImage> desktopImage(Screen screen) = 0;
+    /// The file of `desktopImage`, and where none is known one that what the screen shows now is captured to:
+    /// setting it again brings that back. Absent when there is none to be had.
+    virtual Task<std::optional<std::filesystem::path>> captureDesktopImage(Screen screen) = 0;
+    /// The options that go with either, to be handed back when the file is set again.
+    virtual Task<DesktopImageOptions> desktopImageOptions(Screen screen) = 0;
+};
+
+/// The one picture that some desktops lay over all their screens. Main thread, as `DesktopPicturing`.
+class SpannedDesktopPicturing {
+public:
+    /// How such a desktop lays out a picture of its own.
+    enum class Layout { none, tile, center, fit, stretch, fill, spanned };
+    struct Present {
+        std::filesystem::path file;   ///< whether it is there or not; empty for none
+        DesktopImageOptions options;  ///< that go with it
+        Layout layout = Layout::none;
+        RgbColor color;  ///< what is around the picture
+    };
+    virtual ~SpannedDesktopPicturing() = default;
+    virtual Task<Present> present() = 0;
+    /// Lays the file over all screens at once; with `options` that `present` has given, as these say. A
+    /// failure changes nothing.
+    virtual Task<void> set(std::filesystem::path file, std::optional<DesktopImageOptions> options) = 0;
+    /// How a picture with these options is laid out.
+    virtual Layout layoutOf(const DesktopImageOptions& options) const = 0;
 };
 
 }  // namespace quillmar

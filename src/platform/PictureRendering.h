@@ -3,36 +3,14 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
-#include "base/Bytes.h"
+#include "async/Task.h"
 #include "base/HexColor.h"
+#include "base/PixelBuffer.h"
+#include "base/PixelRect.h"
 
 namespace quillmar {
-
-/// A file that is no picture, a broken one, or one that is too large to be decoded.
-class PictureDecodingError final : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
-/// Size in pixels, each side at least 1.
-struct PictureSize {
-    int width = 1;
-    int height = 1;
-    bool operator==(const PictureSize&) const = default;
-};
-
-/// A rectangle of whole pixels on a canvas: origin at the canvas's top left, y downwards. It may reach beyond
-/// the canvas on every side.
-struct PictureRect {
-    std::int64_t x = 0;
-    std::int64_t y = 0;
-    std::int64_t width = 0;
-    std::int64_t height = 0;
-    bool operator==(const PictureRect&) const = default;
-};
 
 /// White text in a monospaced font on a dark, rounded plate. Lengths in pixels.
 struct PictureCaption {
@@ -49,9 +27,9 @@ struct PictureCaption {
 
 /// What a canvas shows.
 struct PictureComposition {
-    PictureSize canvas;
+    PixelSize canvas;
     RgbColor background;
-    PictureRect destination;  ///< where the whole picture goes; each side at least 1
+    PixelRect destination;  ///< where the whole picture goes; each side at least 1
     /// The picture again and again to the right and upwards from `destination`, which then has its left edge
     /// at 0 and its lower edge at the canvas's.
     bool isTiled = false;
@@ -59,26 +37,33 @@ struct PictureComposition {
     bool operator==(const PictureComposition&) const = default;
 };
 
-/// Asked once, on the calling thread, with the size of the picture as it is to be looked at.
-using PictureComposer = std::function<PictureComposition(PictureSize)>;
+/// Asked once, on the main thread, with the size of the picture as it is to be looked at.
+using PictureComposer = std::function<PictureComposition(PixelSize)>;
 
-/// Draws pictures. Any thread.
+/// Reads picture files, whoever they come from, where that can do no harm and can be ended: a request that is
+/// cancelled, and one that takes too long, is over at once and holds up no other. Main thread. Every operation
+/// throws `PictureRenderingError`, `std::system_error` with the system's reason when the work could not be
+/// begun, and `CancellationError` when the task was cancelled.
 class PictureRendering {
 public:
     virtual ~PictureRendering() = default;
-    /// A PNG file of one colour, `width` by `height` pixels. Throws `std::runtime_error` for a side below 1
-    /// or above 32768 and for a picture that cannot be drawn.
-    virtual Bytes solidColorPng(int width, int height, RgbColor color) const = 0;
-    /// Writes a PNG file of a canvas to `target`, in one step, with the picture of the file `source` on it:
-    /// upright, in sRGB, what is transparent on the background. It is decoded no larger than its destination
-    /// asks for. Throws `PictureDecodingError` when the source cannot be read, `std::system_error` with the
-    /// system's reason when the target cannot be written, and another exception when the canvas cannot be
-    /// drawn.
-    virtual void renderImage(const std::filesystem::path& source, const PictureComposer& composer,
-                             const std::filesystem::path& target) const = 0;
-    /// Whether at least one picture of the file decodes from its first row to its last. Throws
-    /// `std::runtime_error` when that cannot be told.
-    virtual bool isPicture(const std::filesystem::path& file) const = 0;
+    /// A canvas with the picture of the file `source` on it: upright, in sRGB, what is transparent on the
+    /// background. It is decoded no larger than its destination asks for.
+    virtual Task<SharedPixels> render(std::filesystem::path source, PictureComposer composer) = 0;
+    /// The pixels of a PNG file that this program has written, in exactly that size. Null for a file that is
+    /// damaged, of another size or no longer there.
+    virtual Task<SharedPixels> load(std::filesystem::path png, PixelSize size) = 0;
+    /// Whether at least one picture of the file decodes from its first row to its last.
+    virtual Task<bool> isPicture(std::filesystem::path file) = 0;
+};
+
+/// Writes pictures down. Any thread, never the main one: it waits for the disk.
+class PictureEncoding {
+public:
+    virtual ~PictureEncoding() = default;
+    /// Writes a PNG file of the picture to `target`, in one step. Throws `std::system_error` with the
+    /// system's reason when it cannot be written.
+    virtual void writePng(const PixelBuffer& picture, const std::filesystem::path& target) const = 0;
 };
 
 }  // namespace quillmar

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/PixelRect.h"
 #include "base/Rect.h"
 #include "base/Uuid.h"
 
@@ -20,6 +21,7 @@ struct Screen {
     CGRectCodable frame;         ///< points; the bottom left corner of the primary screen is (0, 0)
     CGRectCodable visibleFrame;  ///< the frame without panels, points
     double scaleFactor = 1;      ///< pixels for each point
+    PixelRect area;              ///< of what the window server draws, in its pixels
     bool operator==(const Screen&) const = default;
 };
 

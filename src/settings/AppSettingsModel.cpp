@@ -12,7 +12,7 @@ constexpr std::chrono::milliseconds saveDelay{250};
 
 }  // namespace
 
-AppSettingsModel::AppSettingsModel(MainLoop& loop, NotificationCenter& notifications, SettingsStoring& store,
+AppSettingsModel::AppSettingsModel(MainLoop& loop, EventBus& notifications, SettingsStoring& store,
                                    AppSettings defaults, const CacheFileProtection& cacheFiles)
     : notifications_(notifications),
       store_(store),

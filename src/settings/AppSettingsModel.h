@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "async/NotificationCenter.h"
+#include "async/EventBus.h"
 #include "async/TaskScope.h"
 #include "settings/SettingsStoring.h"
 #include "settings/SettingsTransactionGate.h"
@@ -34,7 +34,7 @@ class AppSettingsModel {
 public:
     /// Starts the load. `settings()` is `defaults` until it ends. Every file that the wallpapers, Lock
     /// Screens and screensavers of the present document name is leased.
-    AppSettingsModel(MainLoop& loop, NotificationCenter& notifications, SettingsStoring& store,
+    AppSettingsModel(MainLoop& loop, EventBus& notifications, SettingsStoring& store,
                      AppSettings defaults, const CacheFileProtection& cacheFiles);
 
     const AppSettings& settings() const { return settings_; }
@@ -86,7 +86,7 @@ private:
     void post();
     std::string refusalText() const;
 
-    NotificationCenter& notifications_;
+    EventBus& notifications_;
     SettingsStoring& store_;
     const CacheFileProtection& cacheFiles_;
     AppSettings settings_;

@@ -19,13 +19,13 @@ double sizeRatio(ImagePresentationLayout layout, double widthRatio, double heigh
     return 1;
 }
 
-PictureSize decodedSize(PictureSize source, int maximumPixelSize) {
+PixelSize decodedSize(PixelSize source, int maximumPixelSize) {
     const double ratio = static_cast<double>(maximumPixelSize) / std::max(source.width, source.height);
     const auto side = [&](int length) { return std::max(1, static_cast<int>(std::lround(length * ratio))); };
     return {side(source.width), side(source.height)};
 }
 
-DrawingRect centered(PictureSize canvas, double width, double height) {
+DrawingRect centered(PixelSize canvas, double width, double height) {
     return {canvas.width / 2.0 - width / 2, canvas.height / 2.0 - height / 2, width, height};
 }
 
@@ -33,8 +33,8 @@ DrawingRect centered(PictureSize canvas, double width, double height) {
 std::int64_t nearest(double edge) { return static_cast<std::int64_t>(std::floor(edge + 0.5)); }
 
 /// To whole pixels, from the bottom left to the top left.
-PictureRect onPixels(const DrawingRect& rect, PictureSize canvas) {
-    PictureRect result;
+PixelRect onPixels(const DrawingRect& rect, PixelSize canvas) {
+    PixelRect result;
     result.x = nearest(rect.x);
     result.width = std::max<std::int64_t>(nearest(rect.x + rect.width) - result.x, 1);
     result.y = canvas.height - nearest(rect.y + rect.height);
@@ -42,7 +42,7 @@ PictureRect onPixels(const DrawingRect& rect, PictureSize canvas) {
     return result;
 }
 
-PictureCaption captionOn(PictureSize canvas, const std::string& text) {
+PictureCaption captionOn(PixelSize canvas, const std::string& text) {
     PictureCaption caption{.text = text};
     caption.fontSize = std::max(std::min(canvas.width, canvas.height) * 0.021, 14.0);
     caption.left = std::max(canvas.width * 0.025, 16.0);
@@ -57,12 +57,12 @@ PictureCaption captionOn(PictureSize canvas, const std::string& text) {
 }  // namespace
 
 Canvas Canvas::of(const DisplayInfo& display) {
-    const CanvasSize size = CanvasSize::of(display);
+    const PixelSize size = canvasSize(display);
     const double scale = display.scaleFactor > 1.0 ? display.scaleFactor : 1.0;
     return {{size.width, size.height}, display.frame.width * scale, display.frame.height * scale};
 }
 
-int maximumPixelSize(ImagePresentationLayout layout, const Canvas& canvas, PictureSize source) {
+int maximumPixelSize(ImagePresentationLayout layout, const Canvas& canvas, PixelSize source) {
     const double widthRatio = std::max(canvas.targetWidth, 1.0) / source.width;
     const double heightRatio = std::max(canvas.targetHeight, 1.0) / source.height;
     const double ratio = std::min(sizeRatio(layout, widthRatio, heightRatio), 1.0);
@@ -70,7 +70,7 @@ int maximumPixelSize(ImagePresentationLayout layout, const Canvas& canvas, Pictu
     return std::max(static_cast<int>(size), 1);
 }
 
-DrawingRect drawingRect(ImagePresentationLayout layout, PictureSize canvas, PictureSize decoded) {
+DrawingRect drawingRect(ImagePresentationLayout layout, PixelSize canvas, PixelSize decoded) {
     const double widthScale = static_cast<double>(canvas.width) / decoded.width;
     const double heightScale = static_cast<double>(canvas.height) / decoded.height;
     const auto scaled = [&](double scale) {
@@ -87,8 +87,8 @@ DrawingRect drawingRect(ImagePresentationLayout layout, PictureSize canvas, Pict
 }
 
 PictureComposition compositionOf(ImagePresentationLayout layout, const Canvas& canvas, RgbColor background,
-                                 const std::string& caption, PictureSize source) {
-    const PictureSize decoded = decodedSize(source, maximumPixelSize(layout, canvas, source));
+                                 const std::string& caption, PixelSize source) {
+    const PixelSize decoded = decodedSize(source, maximumPixelSize(layout, canvas, source));
     PictureComposition composition;
     composition.canvas = canvas.size;
     composition.background = background;

@@ -9,7 +9,7 @@ namespace quillmar {
 
 /// A display's canvas: what its picture is measured by.
 struct Canvas {
-    PictureSize size;
+    PixelSize size;
     double targetWidth = 1;  ///< the frame's width times the scale, before rounding
     double targetHeight = 1;
 
@@ -18,7 +18,7 @@ struct Canvas {
 
 /// The longer side, in pixels, that a picture of the size `source` is worth decoding to: what the layout can
 /// show of it, and never more than it has.
-int maximumPixelSize(ImagePresentationLayout layout, const Canvas& canvas, PictureSize source);
+int maximumPixelSize(ImagePresentationLayout layout, const Canvas& canvas, PixelSize source);
 
 /// A rectangle on the canvas in pixels, origin bottom left, y upwards.
 struct DrawingRect {
@@ -29,11 +29,11 @@ struct DrawingRect {
     bool operator==(const DrawingRect&) const = default;
 };
 /// Where a decoded picture goes; of tiles the first, in the bottom left corner.
-DrawingRect drawingRect(ImagePresentationLayout layout, PictureSize canvas, PictureSize decoded);
+DrawingRect drawingRect(ImagePresentationLayout layout, PixelSize canvas, PixelSize decoded);
 
 /// The whole composition for a picture of the size `source`. The edges of its destination are rounded to
 /// whole pixels, so that none is a mixture of picture and background. An empty caption is none.
 PictureComposition compositionOf(ImagePresentationLayout layout, const Canvas& canvas, RgbColor background,
-                                 const std::string& caption, PictureSize source);
+                                 const std::string& caption, PixelSize source);
 
 }  // namespace quillmar

@@ -76,7 +76,7 @@ private:
     std::uint64_t size_ = 0;
 };
 
-bool isExpectedHeader(const PngFile& file, CanvasSize size) {
+bool isExpectedHeader(const PngFile& file, PixelSize size) {
     constexpr std::size_t chunkSize = chunkHeaderSize + headerSize + checksumSize;
     const auto start = file.read<signature.size() + chunkSize>(0);
     if (!start || !std::ranges::equal(ByteView(*start).first(signature.size()), signature)) return false;
@@ -122,12 +122,12 @@ bool isWholeSingleFrame(const PngFile& file) {
 
 }  // namespace
 
-CanvasSize CanvasSize::of(const DisplayInfo& display) {
+PixelSize canvasSize(const DisplayInfo& display) {
     const double scale = display.scaleFactor > 1.0 ? display.scaleFactor : 1.0;
     return {pixels(display.frame.width, scale), pixels(display.frame.height, scale)};
 }
 
-std::string solidColorFileName(const DisplayInfo& display, CanvasSize size,
+std::string solidColorFileName(const DisplayInfo& display, PixelSize size,
                                const std::string& normalizedColor) {
     return fmt::format("solid-{}-{}x{}-{}.png", replacingNonAlphanumerics(display.id, '-'), size.width,
                        size.height, normalizedColor);
@@ -146,7 +146,7 @@ std::string imageFingerprint(const std::filesystem::path& source, const std::str
     return hexadecimal(fnv1a64(path + "|" + time + "|" + size + "|" + caption));
 }
 
-std::string imageFileName(const DisplayInfo& display, CanvasSize size, ImagePresentationLayout layout,
+std::string imageFileName(const DisplayInfo& display, PixelSize size, ImagePresentationLayout layout,
                           const std::string& normalizedBackground, const std::string& fingerprint) {
     // A text that is no colour is in the name as it stands, and must not lead to another folder.
     std::string background = normalizedBackground;
@@ -155,7 +155,7 @@ std::string imageFileName(const DisplayInfo& display, CanvasSize size, ImagePres
                        size.width, size.height, enumName(layout), background, fingerprint);
 }
 
-bool isValidGeneratedPng(const std::filesystem::path& file, CanvasSize size) {
+bool isValidGeneratedPng(const std::filesystem::path& file, PixelSize size) {
     const PngFile png(file);
     return isExpectedHeader(png, size) && isWholeSingleFrame(png);
 }

@@ -8,17 +8,17 @@
 namespace quillmar {
 
 /// Size of a display's picture in pixels, each side at least 1.
-struct CanvasSize {
+struct PixelSize {
     int width = 1;
     int height = 1;
-    bool operator==(const CanvasSize&) const = default;
+    bool operator==(const PixelSize&) const = default;
 
     /// The display's frame times its scale, which never counts as less than 1.
-    static CanvasSize of(const DisplayInfo& display);
+    static PixelSize of(const DisplayInfo& display);
 };
 
 /// The name of a generated solid colour: the same inputs always give the same name, and different ones never.
-std::string solidColorFileName(const DisplayInfo& display, CanvasSize size,
+std::string solidColorFileName(const DisplayInfo& display, PixelSize size,
                                const std::string& normalizedColor);
 
 /// What of a source picture and its caption a generated file depends on, as a short text: where it lies, when
@@ -27,11 +27,11 @@ std::string imageFingerprint(const std::filesystem::path& source, const std::str
 
 /// The name of a generated picture. A changed source, display or layout makes a new name, never a file that
 /// is written over.
-std::string imageFileName(const DisplayInfo& display, CanvasSize size, ImagePresentationLayout layout,
+std::string imageFileName(const DisplayInfo& display, PixelSize size, ImagePresentationLayout layout,
                           const std::string& normalizedBackground, const std::string& fingerprint);
 
 /// Whether the file is a whole, single-frame PNG of that size with 8-bit RGB or RGBA samples. Walks its
 /// chunks without decoding; the name alone is never trusted. Any failure to read is a no.
-bool isValidGeneratedPng(const std::filesystem::path& file, CanvasSize size);
+bool isValidGeneratedPng(const std::filesystem::path& file, PixelSize size);
 
 }  // namespace quillmar

@@ -31,7 +31,7 @@ std::filesystem::path WallpaperRenderer::solidColor(const std::string& hexColor,
     if (!color) throw Error(Error::Case::invalidSolidColor, hexColor);
     createCacheDirectory(cacheDirectory_);
 
-    const CanvasSize size = CanvasSize::of(display);
+    const PixelSize size = canvasSize(display);
     std::filesystem::path file = cacheDirectory_ / solidColorFileName(display, size, normalized);
     if (!isValidGeneratedPng(file, size)) {
         Bytes png;
@@ -52,13 +52,13 @@ std::filesystem::path WallpaperRenderer::image(const std::filesystem::path& sour
                                                const std::string& caption, const DisplayInfo& display) const {
     createCacheDirectory(cacheDirectory_);
     const Canvas canvas = Canvas::of(display);
-    const CanvasSize size{canvas.size.width, canvas.size.height};
+    const PixelSize size{canvas.size.width, canvas.size.height};
     const std::string background = normalizedHexColor(backgroundHexColor);
     std::filesystem::path file =
         cacheDirectory_ / imageFileName(display, size, layout, background, imageFingerprint(source, caption));
     if (!isValidGeneratedPng(file, size)) {
         const RgbColor color = parseHexColor(background).value_or(RgbColor{});
-        const auto composer = [&](PictureSize picture) {
+        const auto composer = [&](PixelSize picture) {
             return compositionOf(layout, canvas, color, caption, picture);
         };
         render(source, composer, file);

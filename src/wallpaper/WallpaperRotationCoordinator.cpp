@@ -10,7 +10,7 @@ constexpr std::chrono::microseconds shortestDelay{100'000};
 
 }  // namespace
 
-WallpaperRotationCoordinator::WallpaperRotationCoordinator(MainLoop& loop, NotificationCenter& notifications,
+WallpaperRotationCoordinator::WallpaperRotationCoordinator(MainLoop& loop, EventBus& notifications,
                                                            AppSettingsModel& settingsModel,
                                                            WallpaperCoordinator& wallpaperCoordinator,
                                                            const WallClock& clock)

@@ -14,7 +14,7 @@ namespace quillmar {
 /// at a time, and sooner again after a failure. Main thread.
 class WallpaperRotationCoordinator {
 public:
-    WallpaperRotationCoordinator(MainLoop& loop, NotificationCenter& notifications,
+    WallpaperRotationCoordinator(MainLoop& loop, EventBus& notifications,
                                  AppSettingsModel& settingsModel, WallpaperCoordinator& wallpaperCoordinator,
                                  const WallClock& clock);
 
@@ -35,7 +35,7 @@ private:
     Task<void> attempt(std::string displayID, int generation);
     bool arePaused() const { return settingsModel_.settings().general.pauseRotations; }
 
-    NotificationCenter& notifications_;
+    EventBus& notifications_;
     AppSettingsModel& settingsModel_;
     WallpaperCoordinator& wallpaperCoordinator_;
     const WallClock& clock_;
@@ -46,7 +46,7 @@ private:
     WallpaperRotationSchedule schedule_;
     std::optional<bool> wasPaused_;  ///< absent until the first scheduling
     bool isSuspendedForLockScreen_ = false;
-    NotificationCenter::Observation observation_;
+    EventBus::Observation observation_;
     TaskScope tasks_;
 };
 

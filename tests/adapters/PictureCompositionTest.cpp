@@ -19,7 +19,7 @@ Rgb numbered(int width, int height) {
 }
 
 struct PictureCompositionTest : PictureFixture {
-    PictureComposition on(PictureSize canvas, PictureRect destination, bool isTiled = false) {
+    PictureComposition on(PixelSize canvas, PixelRect destination, bool isTiled = false) {
         return {canvas, background, destination, isTiled, {}};
     }
     /// Of every pixel the one of the picture it shows, or the background.
@@ -40,7 +40,7 @@ TEST_F(PictureCompositionTest, aPictureOfItsOwnSizeKeepsEveryPixelWhereverItLies
     const Rgb picture = numbered(9, 7);
     const Bytes file = samples::png(picture);
     struct Place {
-        PictureSize canvas;
+        PixelSize canvas;
         std::int64_t x;
         std::int64_t y;
     };
@@ -61,7 +61,7 @@ TEST_F(PictureCompositionTest, aPictureOfItsOwnSizeKeepsEveryPixelWhereverItLies
 TEST_F(PictureCompositionTest, tilesStartInTheBottomLeftCornerAndAreCutAtTopAndRight) {
     const Rgb picture = numbered(5, 4);
     const Bytes file = samples::png(picture);
-    for (const PictureSize canvas : {PictureSize{13, 10}, {3, 10}, {13, 4}, {4, 3}, {12, 2}}) {
+    for (const PixelSize canvas : {PixelSize{13, 10}, {3, 10}, {13, 4}, {4, 3}, {12, 2}}) {
         SCOPED_TRACE(testing::Message() << canvas.width << "x" << canvas.height);
         expectShows(render(file, on(canvas, {0, canvas.height - 4, 5, 4}, true)), picture, [&](int x, int y) {
             const int fromBottom = (canvas.height - 1 - y) % 4;
@@ -73,7 +73,7 @@ TEST_F(PictureCompositionTest, tilesStartInTheBottomLeftCornerAndAreCutAtTopAndR
 TEST_F(PictureCompositionTest, theSmallestPicturesFillAnyCanvas) {
     const Bytes dot = samples::png(Rgb(1, 1, [](int, int) { return RgbColor{1, 2, 3}; }));
     for (const bool isTiled : {false, true}) {
-        const PictureRect all = isTiled ? PictureRect{0, 199, 1, 1} : PictureRect{-500, 0, 1300, 200};
+        const PixelRect all = isTiled ? PixelRect{0, 199, 1, 1} : PixelRect{-500, 0, 1300, 200};
         const Rgb canvas = render(dot, on({300, 200}, all, isTiled));
         EXPECT_EQ(canvas.at(0, 0), (RgbColor{1, 2, 3}));
         EXPECT_EQ(canvas.at(299, 199), (RgbColor{1, 2, 3}));
@@ -93,8 +93,8 @@ TEST_F(PictureCompositionTest, whatFallsOffTheCanvasDoesNotChangeWhatIsOnIt) {
                 const auto width = std::lround((isTurned ? 203 : 301) * scale);
                 const auto height = std::lround((isTurned ? 301 : 203) * scale);
                 const Rgb whole = stretched(file, static_cast<int>(width), static_cast<int>(height));
-                const PictureSize canvas{static_cast<int>(width / 2), static_cast<int>(height / 3)};
-                const PictureRect moved{-width / 4, -height / 2, width, height};
+                const PixelSize canvas{static_cast<int>(width / 2), static_cast<int>(height / 3)};
+                const PixelRect moved{-width / 4, -height / 2, width, height};
                 const Rgb part = render(file, on(canvas, moved));
                 for (int y = 0; y < canvas.height; ++y) {
                     for (int x = 0; x < canvas.width; ++x) {
@@ -133,7 +133,7 @@ struct CaptionTest : PictureCompositionTest {
                            .verticalInset = 8,
                            .maximumPlateWidth = 368,
                            .plateOpacity = 0.62};
-    static constexpr PictureSize canvas{400, 200};
+    static constexpr PixelSize canvas{400, 200};
 
     Rgb drawn() {
         PictureComposition composition = on(canvas, {0, 0, 1, 1});

@@ -41,7 +41,7 @@ TEST_F(PictureDecodingTest, everyOrientationComesOutUpright) {
             const Bytes file =
                 samples::jpeg(quadrants(48, 32), {.orientation = orientation, .isBigEndian = isBigEndian});
             EXPECT_EQ(corners(stretched(file, 20, 20)), expected);
-            EXPECT_EQ(seenSize, orientation < 5 ? (PictureSize{48, 32}) : (PictureSize{32, 48}));
+            EXPECT_EQ(seenSize, orientation < 5 ? (PixelSize{48, 32}) : (PixelSize{32, 48}));
             // The same through the other decoder, which inks ask for.
             const Bytes inks = samples::jpeg(
                 quadrants(48, 32), {.orientation = orientation, .isBigEndian = isBigEndian, .isCmyk = true});
@@ -71,7 +71,7 @@ TEST_F(PictureDecodingTest, everyFormatShowsItsFirstPicture) {
         SCOPED_TRACE(name);
         const int tolerance = name == "CMYK JPEG" ? 90 : 8;  // without a profile its inks are anyone's guess
         const Rgb picture = stretched(file, 16, 8);
-        EXPECT_EQ(seenSize, (PictureSize{16, 8}));
+        EXPECT_EQ(seenSize, (PixelSize{16, 8}));
         EXPECT_THAT(picture.at(2, 1), isAbout(RgbColor{230, 20, 20}, tolerance));
         EXPECT_THAT(picture.at(14, 6), isAbout(RgbColor{240, 220, 40}, tolerance));
     }
@@ -81,7 +81,7 @@ TEST_F(PictureDecodingTest, vectorsAreDrawnAsLargeAsTheyAreShown) {
     const Bytes file = text(
         R"(<svg xmlns="http://www.w3.org/2000/svg" width="4" height="2"><rect width="2" height="2" fill="#f00"/></svg>)");
     const Rgb picture = stretched(file, 400, 200);
-    EXPECT_EQ(seenSize, (PictureSize{4, 2}));
+    EXPECT_EQ(seenSize, (PixelSize{4, 2}));
     EXPECT_EQ(picture.at(198, 100), (RgbColor{255, 0, 0}));
     EXPECT_EQ(picture.at(202, 100), background) << "a sharp edge, and what is transparent shows the canvas";
 }

@@ -27,7 +27,7 @@ struct PictureFixture : testing::Test {
     TemporaryFolder folder;
     LinuxPictureRendering rendering;
     std::filesystem::path target = folder.path() / "canvas.png";
-    PictureSize seenSize;  ///< of the last picture
+    PixelSize seenSize;  ///< of the last picture
 
     std::filesystem::path save(const Bytes& bytes, const char* name = "picture") {
         const auto file = folder.path() / name;
@@ -36,7 +36,7 @@ struct PictureFixture : testing::Test {
         return file;
     }
     samples::Rgb render(const std::filesystem::path& file, const PictureComposition& composition) {
-        const auto composer = [&](PictureSize size) {
+        const auto composer = [&](PixelSize size) {
             seenSize = size;
             return composition;
         };

@@ -57,7 +57,7 @@ using ResamplerTest = PictureFixture;
 TEST_F(ResamplerTest, resultsAreThoseOfTheExactFilterInEverySize) {
     const Rgb picture = samples::patterned(120, 90);
     const Bytes file = samples::png(picture);
-    const PictureSize sizes[] = {{120, 90}, {77, 58}, {200, 31}, {60, 45}, {13, 150}, {5, 3}, {1, 1}, {7, 1}};
+    const PixelSize sizes[] = {{120, 90}, {77, 58}, {200, 31}, {60, 45}, {13, 150}, {5, 3}, {1, 1}, {7, 1}};
     for (const auto& [width, height] : sizes) {
         EXPECT_GT(psnr(stretched(file, width, height), reference(picture, width, height)), 60)
             << width << "x" << height;

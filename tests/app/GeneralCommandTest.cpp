@@ -13,7 +13,7 @@ using ::testing::HasSubstr;
 
 struct GeneralCommandTest : ::testing::Test {
     VirtualLoop loop;
-    NotificationCenter notifications;
+    EventBus notifications;
     FakeSettingsStore store;
     CacheFileProtection cacheFiles;
     AppSettingsModel model{loop, notifications, store, AppSettings{}, cacheFiles};

@@ -19,7 +19,7 @@ struct RemoteErrorNotificationServiceTest : ::testing::Test {
     VirtualLoop loop;
     VirtualWallClock clock{loop};
     RecordedLog log{clock};
-    NotificationCenter notifications;
+    EventBus notifications;
     FakeSettingsStore store;
     CacheFileProtection cacheFiles;
     AppSettingsModel model{loop, notifications, store, AppSettings{}, cacheFiles};

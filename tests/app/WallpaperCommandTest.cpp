@@ -19,7 +19,7 @@ using Words = std::vector<std::string>;
 struct WallpaperCommandTest : ::testing::Test {
     VirtualLoop loop;
     VirtualWallClock clock{loop};
-    NotificationCenter notifications;
+    EventBus notifications;
     FakeSettingsStore store;
     CacheFileProtection cacheFiles;
     AppSettingsModel model{loop, notifications, store, AppSettings{}, cacheFiles};

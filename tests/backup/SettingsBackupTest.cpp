@@ -47,7 +47,7 @@ struct BackupTest : ::testing::Test {
     VirtualLoop loop;
     VirtualWallClock clock{loop};
     InlineExecutor executor;
-    NotificationCenter notifications;
+    EventBus notifications;
     FakeSettingsStore store;
     CacheFileProtection cacheFiles;
     std::optional<AppSettingsModel> model;

@@ -77,7 +77,7 @@ Task<void> saveForEver(AppSettingsModel& model, const Documents& documents, Prog
     GlibMainLoop loop;
     ThreadPool pool(2);
     SerialExecutor executor(pool);
-    NotificationCenter notifications;
+    EventBus notifications;
     CacheFileProtection cacheFiles;
     SettingsStore store(file, documents.numbered(0), executor);
     AppSettingsModel model(loop, notifications, store, documents.numbered(0), cacheFiles);

@@ -16,7 +16,7 @@ public:
     mutable int rendered = 0;
     bool fails = false;
     std::optional<std::errc> writeError;         ///< of the next pictures' files
-    PictureSize sourceSize{400, 300};            ///< of every picture that exists
+    PixelSize sourceSize{400, 300};            ///< of every picture that exists
     mutable PictureComposition lastComposition;  ///< of the last picture that was drawn
     mutable std::filesystem::path lastSource;    ///< of the last picture that was drawn
 

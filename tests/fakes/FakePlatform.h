@@ -1,7 +1,7 @@
 #pragma once
 #include <vector>
 
-#include "app/Platform.h"
+#include "app/Ports.h"
 #include "fakes/FakeAlerts.h"
 #include "fakes/FakeDesktopPicture.h"
 #include "fakes/FakeExecutors.h"
@@ -91,7 +91,7 @@ struct FakePlatform {
     int flushes = 0;
 
     FakePlatform() { background.runsAtOnce = true; }
-    Platform platform() {
+    Ports platform() {
         return {.loop = loop,
                 .clock = clock,
                 .backgroundPool = background,

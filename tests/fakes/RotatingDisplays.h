@@ -14,7 +14,7 @@ template <class Applier>
 struct RotatingDisplays {
     VirtualLoop loop;
     VirtualWallClock clock{loop};
-    NotificationCenter notifications;
+    EventBus notifications;
     FakeSettingsStore store;
     CacheFileProtection cacheFiles;
     FakeDisplays displays;

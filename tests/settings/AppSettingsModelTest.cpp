@@ -30,10 +30,10 @@ std::string marks(const AppSettings& settings) {
 
 struct AppSettingsModelTest : ::testing::Test {
     VirtualLoop loop;
-    NotificationCenter notifications;
+    EventBus notifications;
     FakeSettingsStore store;
     std::vector<std::string> posted;
-    NotificationCenter::Observation observation = notifications.observe<AppSettings>(
+    EventBus::Observation observation = notifications.observe<AppSettings>(
         appSettingsDidChange, [this](const AppSettings& s) { posted.push_back(marks(s)); });
     CacheFileProtection cacheFiles;
     std::optional<AppSettingsModel> model;

@@ -11,8 +11,8 @@ Canvas canvasOf(double width, double height, double scale = 1) {
     return Canvas::of({.id = "display:a", .frame = {0, 0, width, height}, .scaleFactor = scale});
 }
 
-std::string destination(Layout layout, const Canvas& canvas, PictureSize source) {
-    const PictureRect rect = compositionOf(layout, canvas, {}, "", source).destination;
+std::string destination(Layout layout, const Canvas& canvas, PixelSize source) {
+    const PixelRect rect = compositionOf(layout, canvas, {}, "", source).destination;
     return std::to_string(rect.x) + "," + std::to_string(rect.y) + " " + std::to_string(rect.width) + "x" +
            std::to_string(rect.height);
 }
@@ -21,7 +21,7 @@ TEST(CanvasLayoutTest, aPictureIsDecodedNoLargerThanItsLayoutCanShow) {
     struct Case {
         Layout layout;
         Canvas canvas;
-        PictureSize source;
+        PixelSize source;
         int expected;
     };
     const Case cases[] = {
@@ -46,8 +46,8 @@ TEST(CanvasLayoutTest, aPictureIsDecodedNoLargerThanItsLayoutCanShow) {
 }
 
 TEST(CanvasLayoutTest, theRectanglesFollowTheFormulasFromTheBottomLeft) {
-    const PictureSize canvas{1920, 1080};
-    const auto rect = [&](Layout layout, PictureSize decoded) {
+    const PixelSize canvas{1920, 1080};
+    const auto rect = [&](Layout layout, PixelSize decoded) {
         return drawingRect(layout, canvas, decoded);
     };
     EXPECT_EQ(rect(Layout::center, {401, 300}), (DrawingRect{759.5, 390, 401, 300}));

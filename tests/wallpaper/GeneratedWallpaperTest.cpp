@@ -18,13 +18,13 @@ DisplayInfo display(double width, double height, double scale) {
 }
 
 TEST(CanvasSizeTest, aCanvasIsTheFrameInPixelsAndNeverEmpty) {
-    EXPECT_EQ(CanvasSize::of(display(1920, 1080, 2)), (CanvasSize{3840, 2160}));
-    EXPECT_EQ(CanvasSize::of(display(1920, 1080, 0.5)), (CanvasSize{1920, 1080}));
-    EXPECT_EQ(CanvasSize::of(display(100.3, 100.5, 1.25)), (CanvasSize{125, 126}));
-    EXPECT_EQ(CanvasSize::of(display(0, -5, 1)), (CanvasSize{1, 1}));
+    EXPECT_EQ(canvasSize(display(1920, 1080, 2)), (PixelSize{3840, 2160}));
+    EXPECT_EQ(canvasSize(display(1920, 1080, 0.5)), (PixelSize{1920, 1080}));
+    EXPECT_EQ(canvasSize(display(100.3, 100.5, 1.25)), (PixelSize{125, 126}));
+    EXPECT_EQ(canvasSize(display(0, -5, 1)), (PixelSize{1, 1}));
     const double infinity = std::numeric_limits<double>::infinity();
-    EXPECT_EQ(CanvasSize::of(display(infinity, std::nan(""), 1)), (CanvasSize{1, 1}));
-    EXPECT_EQ(CanvasSize::of(display(1e12, 10, 1)).width, 65535);
+    EXPECT_EQ(canvasSize(display(infinity, std::nan(""), 1)), (PixelSize{1, 1}));
+    EXPECT_EQ(canvasSize(display(1e12, 10, 1)).width, 65535);
 }
 
 TEST(ImageFileNameTest, theNameHoldsAllThatThePictureDependsOn) {

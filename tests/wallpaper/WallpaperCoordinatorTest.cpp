@@ -43,7 +43,7 @@ std::string colorIn(const WallpaperSettings& settings, const std::string& id) {
 struct WallpaperCoordinatorTest : ::testing::Test {
     VirtualLoop loop;
     VirtualWallClock clock{loop};
-    NotificationCenter notifications;
+    EventBus notifications;
     FakeSettingsStore store;
     FakeDisplays displays;
     FakeWallpaperApplier applier;

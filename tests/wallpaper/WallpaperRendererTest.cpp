@@ -49,7 +49,7 @@ TEST_F(WallpaperRendererTest, aPictureIsRenderedOnceAndFoundAgain) {
     EXPECT_TRUE(file.filename().string().starts_with("image-v2-display-a-640x400-fit-00FF80-")) << file;
     const PictureComposition& composition = rendering.lastComposition;
     EXPECT_EQ(composition.background, (RgbColor{0, 255, 128}));
-    EXPECT_EQ(composition.canvas, (PictureSize{640, 400}));
+    EXPECT_EQ(composition.canvas, (PixelSize{640, 400}));
     EXPECT_EQ(composition.caption->text, "A caption");
 
     loop.advance(std::chrono::hours(1));

@@ -234,7 +234,7 @@ TEST_F(WallpaperServiceRemoteTest, aServicesPictureIsDrawnAsItsModeSaysAndWithIt
     remoteImages.caption = "NASA EPIC";
     EXPECT_EQ(runToEnd(service.apply(remote())), "done");
     EXPECT_EQ(rendering.lastSource, remoteImages.image);
-    EXPECT_EQ(rendering.lastComposition.destination, (PictureRect{0, 0, 1920, 1080}));
+    EXPECT_EQ(rendering.lastComposition.destination, (PixelRect{0, 0, 1920, 1080}));
     ASSERT_TRUE(rendering.lastComposition.caption);
     EXPECT_EQ(rendering.lastComposition.caption->text, "NASA EPIC");
     runToEnd(service.apply(remote(WallpaperApplyReason::rotation)));

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "base/HexColor.h"
-#include "linux/x11/PixelRect.h"
+#include "base/PixelRect.h"
 
 namespace quillmar {
 

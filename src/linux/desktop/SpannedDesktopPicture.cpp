@@ -48,7 +48,7 @@ std::optional<ImagePresentationLayout> layoutOf(std::string_view word) {
 
 PictureComposer composerOf(ImagePresentationLayout layout, const PixelRect& whole, const PixelRect& area,
                            RgbColor background) {
-    return [=](PictureSize source) {
+    return [=](PixelSize source) {
         const Canvas canvas{
             {whole.width, whole.height}, static_cast<double>(whole.width), static_cast<double>(whole.height)};
         PictureComposition composition = compositionOf(layout, canvas, background, "", source);

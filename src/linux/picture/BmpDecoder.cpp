@@ -32,7 +32,7 @@ std::uint32_t pixelOf(const std::uint8_t* bgr) {
 
 class BmpDecoder::Rows final : public RowSource {
 public:
-    Rows(int descriptor, PictureSize size, Layout layout, const GridRegion& region)
+    Rows(int descriptor, PixelSize size, Layout layout, const GridRegion& region)
         : descriptor_(::dup(descriptor)),
           size_(size),
           layout_(std::move(layout)),
@@ -72,7 +72,7 @@ private:
     }
 
     int descriptor_;
-    PictureSize size_;
+    PixelSize size_;
     Layout layout_;
     GridRegion region_;
     int next_;

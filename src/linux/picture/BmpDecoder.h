@@ -13,7 +13,7 @@ public:
     explicit BmpDecoder(int descriptor);
     ~BmpDecoder() override;
 
-    PictureSize size() const override { return size_; }
+    PixelSize size() const override { return size_; }
     int orientation() const override { return 1; }
     PixelGrid chooseGrid(std::int64_t width, std::int64_t height) override;
     std::unique_ptr<RowSource> rows(const GridRegion& region, RgbColor background) override;
@@ -29,7 +29,7 @@ private:
     void readHead();
 
     int descriptor_;
-    PictureSize size_;
+    PixelSize size_;
     Layout layout_;
 };
 

@@ -16,7 +16,7 @@ void packPixels(const std::uint8_t* pixels, std::uint8_t* rgb, int count) {
 
 }  // namespace
 
-VisiblePart VisiblePart::of(const PictureRect& destination, PictureSize canvas) {
+VisiblePart VisiblePart::of(const PixelRect& destination, PixelSize canvas) {
     const auto clamped = [](std::int64_t at, int end) {
         return static_cast<int>(std::clamp<std::int64_t>(at, 0, end));
     };

@@ -14,7 +14,7 @@ struct VisiblePart {
     int width = 0;  ///< 0 when nothing of the picture is to be seen; then the height is 0 too
     int height = 0;
 
-    static VisiblePart of(const PictureRect& destination, PictureSize canvas);
+    static VisiblePart of(const PixelRect& destination, PixelSize canvas);
 };
 
 /// Puts background, picture and caption together, row by row from the top.

@@ -49,7 +49,7 @@ Ref<PangoLayout> layOut(const PictureCaption& caption) {
 
 }  // namespace
 
-CaptionDrawing::CaptionDrawing(const PictureCaption& caption, PictureSize canvas) {
+CaptionDrawing::CaptionDrawing(const PictureCaption& caption, PixelSize canvas) {
     const Ref<PangoLayout> layout = layOut(caption);
     int textWidth = 0;
     int textHeight = 0;

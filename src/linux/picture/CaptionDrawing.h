@@ -9,7 +9,7 @@ namespace quillmar {
 class CaptionDrawing {
 public:
     /// Throws `std::runtime_error` when it cannot be drawn.
-    CaptionDrawing(const PictureCaption& caption, PictureSize canvas);
+    CaptionDrawing(const PictureCaption& caption, PixelSize canvas);
 
     /// Lays what belongs to the canvas's row `y` over that row (three bytes a pixel).
     void blendInto(std::span<std::uint8_t> rgbRow, int y) const;

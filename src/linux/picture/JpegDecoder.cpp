@@ -169,7 +169,7 @@ std::unique_ptr<JpegDecoder> JpegDecoder::open(int descriptor) {
     return std::unique_ptr<JpegDecoder>(new JpegDecoder(std::move(state), std::move(colors)));
 }
 
-PictureSize JpegDecoder::size() const {
+PixelSize JpegDecoder::size() const {
     return {static_cast<int>(state_->jpeg.image_width), static_cast<int>(state_->jpeg.image_height)};
 }
 

@@ -15,7 +15,7 @@ public:
     static std::unique_ptr<JpegDecoder> open(int descriptor);
     ~JpegDecoder() override;
 
-    PictureSize size() const override;
+    PixelSize size() const override;
     int orientation() const override;
     PixelGrid chooseGrid(std::int64_t width, std::int64_t height) override;
     std::unique_ptr<RowSource> rows(const GridRegion& region, RgbColor background) override;

@@ -33,7 +33,7 @@ std::unique_ptr<RowSource> readAhead(std::unique_ptr<RowSource> source, int widt
 /// The rows of the visible part, upright.
 std::unique_ptr<RowSource> visibleRows(PictureDecoder& decoder, PictureOrientation orientation,
                                        const PictureComposition& composition, const VisiblePart& part) {
-    const PictureRect& whole = composition.destination;
+    const PixelRect& whole = composition.destination;
     StoredAxis across{whole.width, part.left - whole.x, part.width};
     StoredAxis down{whole.height, part.top - whole.y, part.height};
     if (orientation.transposes) std::swap(across, down);
@@ -69,7 +69,7 @@ void LinuxPictureRendering::renderImage(const std::filesystem::path& source, con
                                         const std::filesystem::path& target) const {
     const std::unique_ptr<PictureDecoder> decoder = openPictureFile(source, module_);
     const auto orientation = PictureOrientation::of(decoder->orientation());
-    PictureSize size = decoder->size();
+    PixelSize size = decoder->size();
     if (orientation.transposes) std::swap(size.width, size.height);
 
     const PictureComposition composition = composer(size);

@@ -46,7 +46,7 @@ struct PixelGrid {
 class PictureDecoder {
 public:
     virtual ~PictureDecoder() = default;
-    virtual PictureSize size() const = 0;
+    virtual PixelSize size() const = 0;
     /// 1 to 8, as EXIF has it.
     virtual int orientation() const = 0;
     /// The smallest grid with at least `width` by `height` samples, or the file's own when it has fewer.

@@ -14,7 +14,7 @@ public:
     explicit VipsDecoder(int descriptor);
     ~VipsDecoder() override;
 
-    PictureSize size() const override { return size_; }
+    PixelSize size() const override { return size_; }
     int orientation() const override { return orientation_; }
     PixelGrid chooseGrid(std::int64_t width, std::int64_t height) override;
     std::unique_ptr<RowSource> rows(const GridRegion& region, RgbColor background) override;
@@ -29,7 +29,7 @@ private:
     int descriptor_;
     Scaling scaling_ = Scaling::none;
     Ref<VipsImage> image_;
-    PictureSize size_;
+    PixelSize size_;
     int orientation_ = 1;
 };
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "linux/x11/PixelRect.h"
+#include "base/PixelRect.h"
 
 namespace quillmar {
 

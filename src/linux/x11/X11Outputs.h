@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "linux/x11/OutputIdentity.h"
-#include "linux/x11/PixelRect.h"
+#include "base/PixelRect.h"
 
 struct _XDisplay;
 

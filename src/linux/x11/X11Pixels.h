@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "base/Bytes.h"
-#include "linux/x11/PixelRect.h"
+#include "base/PixelRect.h"
 
 struct _XDisplay;
 

@@ -1,4 +1,4 @@
-#include "async/NotificationCenter.h"
+#include "async/EventBus.h"
 
 namespace quillmar {
 namespace {
@@ -8,8 +8,8 @@ using ::testing::ElementsAre;
 constexpr NotificationName<int> changed{"SettingsDidChange"};
 constexpr NotificationName<int> other{"FaviconDidChange"};
 
-TEST(NotificationCenterTest, observersHearTheirNotificationInOrderUntilTheyGo) {
-    NotificationCenter center;
+TEST(EventBusTest, observersHearTheirNotificationInOrderUntilTheyGo) {
+    EventBus center;
     std::vector<std::string> heard;
     auto first =
         center.observe<int>(changed, [&](int value) { heard.push_back("a" + std::to_string(value)); });
@@ -22,11 +22,11 @@ TEST(NotificationCenterTest, observersHearTheirNotificationInOrderUntilTheyGo) {
     EXPECT_THAT(heard, ElementsAre("a1", "b1", "b3"));
 }
 
-TEST(NotificationCenterTest, observersMayComeAndGoDuringANotification) {
-    NotificationCenter center;
+TEST(EventBusTest, observersMayComeAndGoDuringANotification) {
+    EventBus center;
     std::vector<std::string> heard;
-    NotificationCenter::Observation late;
-    NotificationCenter::Observation victim;
+    EventBus::Observation late;
+    EventBus::Observation victim;
     auto first = center.observe<int>(changed, [&](int) {
         heard.push_back("first");
         victim.cancel();
@@ -40,10 +40,10 @@ TEST(NotificationCenterTest, observersMayComeAndGoDuringANotification) {
     EXPECT_THAT(heard, ElementsAre("first", "late"));
 }
 
-TEST(NotificationCenterTest, anObservationMayOutliveItsCentre) {
-    NotificationCenter::Observation observation;
+TEST(EventBusTest, anObservationMayOutliveItsCentre) {
+    EventBus::Observation observation;
     {
-        NotificationCenter center;
+        EventBus center;
         observation = center.observe<int>(changed, [](int) {});
     }
     observation.cancel();

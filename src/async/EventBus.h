@@ -14,10 +14,10 @@ struct NotificationName {
     std::string_view name;
 };
 
-/// Notifications within the process, by name, on the main thread. Observers are called in the order in which
+/// Notifications within the process, by name, on the main thread. The desktop's own are another matter (`RemoteNotificationCenter`). Observers are called in the order in which
 /// they came, synchronously. During a notification observers may come and go: one that goes is not called any
 /// more, one that comes hears the next.
-class NotificationCenter {
+class EventBus {
     struct Observer;
     using Observers = std::list<std::shared_ptr<Observer>>;
 
@@ -32,7 +32,7 @@ public:
         void cancel();
 
     private:
-        friend class NotificationCenter;
+        friend class EventBus;
         explicit Observation(std::shared_ptr<Observer> observer) : observer_(std::move(observer)) {}
         std::shared_ptr<Observer> observer_;
     };

@@ -23,7 +23,7 @@ namespace quillmar {
 
 /// Everything that the application needs of the system it runs on. Made by the composition root, outlives all
 /// logic.
-struct Platform {
+struct Ports {
     MainLoop& loop;
     const WallClock& clock;
     Executor& backgroundPool;
