@@ -30,9 +30,9 @@ struct PresentDesktopImage {
     bool operator==(const PresentDesktopImage&) const = default;
 };
 
-/// The picture behind everything on a screen, in the way of the desktop that runs. Main thread; what waits for
-/// the desktop does so elsewhere, one operation after the other in the order of the calls. Every operation
-/// throws `DesktopPictureError` when the desktop refuses or does not answer.
+/// The picture behind everything on a screen, in the way of the desktop that runs. Main thread; what waits
+/// for the desktop does so elsewhere, one operation after the other in the order of the calls. Every
+/// operation throws `DesktopPictureError` when the desktop refuses or does not answer.
 class DesktopPicturing {
 public:
     virtual ~DesktopPicturing() = default;
@@ -56,18 +56,31 @@ public:
     /// How such a desktop lays out a picture of its own.
     enum class Layout { none, tile, center, fit, stretch, fill, spanned };
     struct Present {
-        std::filesystem::path file;   ///< whether it is there or not; empty for none
-        DesktopImageOptions options;  ///< that go with it
-        Layout layout = Layout::none;
-        RgbColor color;  ///< what is around the picture
+        std::filesystem::path file;    ///< whether it is there or not; empty for none
+        DesktopImageOptions options;   ///< that go with it
+        Layout layout = Layout::none;  ///< that these options mean
+        RgbColor color;                ///< what is around the picture
     };
     virtual ~SpannedDesktopPicturing() = default;
     virtual Task<Present> present() = 0;
     /// Lays the file over all screens at once; with `options` that `present` has given, as these say. A
     /// failure changes nothing.
     virtual Task<void> set(std::filesystem::path file, std::optional<DesktopImageOptions> options) = 0;
-    /// How a picture with these options is laid out.
-    virtual Layout layoutOf(const DesktopImageOptions& options) const = 0;
+};
+
+/// How the running desktop takes its pictures.
+struct DesktopMethods {
+    DesktopPicturing& screens;                   ///< a picture for each screen
+    SpannedDesktopPicturing* spanned = nullptr;  ///< not null: pictures are set through this, and `screens`
+                                                 ///< only captures what no file is known for
+};
+
+/// Finds out which desktop runs. Main thread.
+class DesktopChoosing {
+public:
+    virtual ~DesktopChoosing() = default;
+    /// The same answer each time, found at the first call; what it names lives as long as this.
+    virtual Task<DesktopMethods> methods() = 0;
 };
 
 }  // namespace quillmar

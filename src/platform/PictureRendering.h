@@ -41,9 +41,9 @@ struct PictureComposition {
 using PictureComposer = std::function<PictureComposition(PixelSize)>;
 
 /// Reads picture files, whoever they come from, where that can do no harm and can be ended: a request that is
-/// cancelled, and one that takes too long, is over at once and holds up no other. Main thread. Every operation
-/// throws `PictureRenderingError`, `std::system_error` with the system's reason when the work could not be
-/// begun, and `CancellationError` when the task was cancelled.
+/// cancelled, and one that takes too long, is over at once and holds up no other. Main thread. Every
+/// operation throws `PictureRenderingError`, `std::system_error` with the system's reason when the work could
+/// not be begun, and `CancellationError` when the task was cancelled.
 class PictureRendering {
 public:
     virtual ~PictureRendering() = default;
