@@ -15,6 +15,7 @@ public:
         rearranged,    ///< the displays were moved again and again meanwhile
         disconnected,  ///< `screen` is no longer connected
         noRoom,        ///< the window server has no room for the picture
+        noWay,         ///< nothing in this session takes a picture that anybody would see
     };
     DesktopPictureError(Case errorCase, std::string who, std::string screen, std::string reason = {})
         : case_(errorCase), who_(std::move(who)), screen_(std::move(screen)), reason_(std::move(reason)) {}
@@ -25,7 +26,7 @@ public:
 private:
     Case case_;
     std::string who_;     ///< "xfconf", "Plasma", "the X server": a name
-    std::string screen_;  ///< its connector
+    std::string screen_;  ///< its connector; empty: all of them
     std::string reason_;
 };
 

@@ -43,6 +43,14 @@ std::filesystem::path applicationSupportDirectoryOrNowhere(const Environment& en
     }
 }
 
+std::filesystem::path applicationStateDirectory(const Environment& environment) {
+    if (const auto state = absolutePath(environment, "XDG_STATE_HOME"); !state.empty())
+        return state / "Quillmar";
+    if (const auto home = absolutePath(environment, "HOME"); !home.empty())
+        return home / ".local/state/Quillmar";
+    return "/dev/null/Quillmar";
+}
+
 std::filesystem::path createdApplicationSupportDirectory(const Environment& environment) {
     const std::filesystem::path folder = applicationSupportDirectory(environment);
     try {

@@ -15,6 +15,9 @@ std::filesystem::path applicationSupportDirectory(const Environment& environment
 /// The same; where there is no such place, a path below which nothing can be made, so that every write there
 /// fails.
 std::filesystem::path applicationSupportDirectoryOrNowhere(const Environment& environment);
+/// The folder "Quillmar" for what the program remembers of this machine: `$XDG_STATE_HOME`, else
+/// `$HOME/.local/state`; where neither names an absolute path, one below which nothing can be made.
+std::filesystem::path applicationStateDirectory(const Environment& environment);
 /// The first, created with its parents when it is missing. Throws also when that fails, with the place and
 /// reason.
 std::filesystem::path createdApplicationSupportDirectory(const Environment& environment);

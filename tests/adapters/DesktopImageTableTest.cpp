@@ -33,17 +33,17 @@ TEST(DesktopImageTableTest, linesThatMakeNoSenseAreLeftOut) {
 
 TEST(DesktopImageTableTest, paintingForgetsWhatIsPaintedOverAndWhatIsCutOff) {
     const DesktopImageTable table =
-        DesktopImageTable{1, {}}.painted(2, both, left, "/a").painted(3, both, right, "/b");
+        DesktopImageTable{1, {}}.painted(2, both, {left, "/a"}).painted(3, both, {right, "/b"});
     EXPECT_EQ(table.pixmap, 3u);
     EXPECT_THAT(table.entries, ElementsAre(Entry{left, "/a"}, Entry{right, "/b"}));
     EXPECT_EQ(table.fileAt(left), "/a");
     EXPECT_EQ(table.fileAt({0, 0, 1920, 1079}), std::nullopt);
 
-    EXPECT_THAT(table.painted(4, both, left, "/c").entries,
+    EXPECT_THAT(table.painted(4, both, {left, "/c"}).entries,
                 ElementsAre(Entry{right, "/b"}, Entry{left, "/c"}));
-    EXPECT_THAT(table.painted(4, both, {0, 0, 2000, 1080}, "/c").entries,
+    EXPECT_THAT(table.painted(4, both, {{0, 0, 2000, 1080}, "/c"}).entries,
                 ElementsAre(Entry{{0, 0, 2000, 1080}, "/c"}));
-    EXPECT_THAT(table.painted(4, {0, 0, 3199, 1080}, left, "/c").entries, ElementsAre(Entry{left, "/c"}));
+    EXPECT_THAT(table.painted(4, {0, 0, 3199, 1080}, {left, "/c"}).entries, ElementsAre(Entry{left, "/c"}));
 }
 
 }  // namespace

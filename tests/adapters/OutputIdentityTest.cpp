@@ -29,11 +29,8 @@ Bytes edid(std::uint32_t serialNumber, std::string_view serialText = {}, std::st
     return block;
 }
 
-std::vector<Uuid> uuidsOf(const std::vector<ConnectedOutput>& outputs) {
-    const auto byNumber = outputUuids(outputs);
-    std::vector<Uuid> uuids;
-    for (const ConnectedOutput& output : outputs) uuids.push_back(byNumber.at(output.number));
-    return uuids;
+std::string describedAs(const Bytes& block) {
+    return pluggedMonitors({{1, "DP-1", block, std::nullopt}}).front().description;
 }
 
 TEST(EdidTest, readsWhatTellsMonitorsApart) {
@@ -58,33 +55,17 @@ TEST(EdidTest, whatIsNoEdidIsRefusedAndHostileTextIsTamed) {
     EXPECT_THAT(parseEdid(noise), Optional(testing::Field(&Edid::maker, "???")));
 }
 
-TEST(OutputIdentityTest, aMonitorKeepsItsIdentityOnAnotherConnectorAndBesideOthers) {
-    const auto alone = uuidsOf({{66, "DP-1", edid(1)}});
-    const auto moved = uuidsOf({{70, "HDMI-2", edid(2)}, {71, "HDMI-1", edid(1)}});
-    EXPECT_EQ(moved[1], alone[0]);
-    EXPECT_NE(moved[0], moved[1]);
-    EXPECT_EQ(alone[0].lowercaseString()[14], '5');
-}
-
-TEST(OutputIdentityTest, serialNumberAndSerialTextBothCount) {
-    EXPECT_NE(uuidsOf({{1, "DP-1", edid(1, "A")}}), uuidsOf({{1, "DP-1", edid(1, "B")}}));
-    EXPECT_NE(uuidsOf({{1, "DP-1", edid(1, "A")}}), uuidsOf({{1, "DP-1", edid(2, "A")}}));
-}
-
-TEST(OutputIdentityTest, twinsAndSilentMonitorsAreToldApartByTheirConnector) {
-    const auto twins = uuidsOf({{1, "DP-1", edid(0)}, {2, "DP-2", edid(0)}, {3, "DP-3", edid(9)}});
-    EXPECT_NE(twins[0], twins[1]);
-    EXPECT_EQ(twins[2], uuidsOf({{8, "HDMI-1", edid(9)}})[0]);
-
-    const auto silent = uuidsOf({{1, "VGA-1", {}}, {2, "VGA-2", Bytes(10)}});
-    EXPECT_NE(silent[0], silent[1]);
-    EXPECT_EQ(silent[0], uuidsOf({{5, "VGA-1", {}}})[0]);
+TEST(OutputIdentityTest, serialNumberAndSerialTextBothCountAndNothingElse) {
+    EXPECT_EQ(describedAs(edid(1, "A", "one name")), describedAs(edid(1, "A", "another")));
+    EXPECT_NE(describedAs(edid(1, "A")), describedAs(edid(1, "B")));
+    EXPECT_NE(describedAs(edid(1, "A")), describedAs(edid(2, "A")));
+    EXPECT_EQ(describedAs(Bytes(10)), "");
 }
 
 TEST(OutputIdentityTest, aMonitorIsCalledByItsNameElseByItsModelElseByItsConnector) {
-    EXPECT_EQ(outputName({1, "DP-1", edid(1, "", "DELL U2720Q")}), "DELL U2720Q");
-    EXPECT_EQ(outputName({1, "DP-1", edid(1)}), "DEL A0C1");
-    EXPECT_EQ(outputName({1, "DP-1", {}}), "DP-1");
+    EXPECT_EQ(outputName({1, "DP-1", edid(1, "", "DELL U2720Q"), {}}), "DELL U2720Q");
+    EXPECT_EQ(outputName({1, "DP-1", edid(1), {}}), "DEL A0C1");
+    EXPECT_EQ(outputName({1, "DP-1", {}, {}}), "DP-1");
 }
 
 }  // namespace

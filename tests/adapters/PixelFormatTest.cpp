@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "base/Bytes.h"
+#include "linux/x11/X11Connection.h"
 
 namespace quillmar {
 namespace {
@@ -38,16 +39,16 @@ TEST(PixelFormatTest, coloursSurviveTheWayToTheServerAndBack) {
         Bytes packed(c.packed.size());
         format.pack(Bytes{0x00, 0x80, 0xff, 0x00}, packed);
         EXPECT_EQ(packed, c.packed);
-        Bytes rgb(3);
-        format.unpack(packed, rgb);
-        EXPECT_THAT(rgb, ElementsAre(0xff, c.greenBack, 0x00));
+        Bytes back(4);
+        format.unpack(packed, back);
+        EXPECT_THAT(back, ElementsAre(0x00, c.greenBack, 0xff, 0x00));
     }
 }
 
 TEST(PixelFormatTest, serversWithoutTrueColoursAreRefused) {
-    EXPECT_THROW(PixelFormat({1, true, 0xe0, 0x1c, 0x03}), std::runtime_error);
-    EXPECT_THROW(PixelFormat({4, true, 0, 0, 0}), std::runtime_error);
-    EXPECT_THROW(PixelFormat({4, true, 0xf0f, 0xff000, 0xff}), std::runtime_error);
+    EXPECT_THROW(PixelFormat({1, true, 0xe0, 0x1c, 0x03}), X11Failure);
+    EXPECT_THROW(PixelFormat({4, true, 0, 0, 0}), X11Failure);
+    EXPECT_THROW(PixelFormat({4, true, 0xf0f, 0xff000, 0xff}), X11Failure);
 }
 
 }  // namespace

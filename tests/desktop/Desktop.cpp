@@ -7,17 +7,17 @@
 #include <X11/extensions/Xrandr.h>
 #include <glib.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 
 #include "base/Files.h"
 #include "base/Uuid.h"
 #include "linux/gtk/GtkSession.h"
-#include "linux/picture/LinuxPictureRendering.h"
-#include "linux/x11/X11Connection.h"
 #include "linux/x11/X11Outputs.h"
 
 namespace quillmar {
@@ -31,7 +31,7 @@ void openGtkSession() { static const GtkSession session; }
 
 bool turnUntil(const std::function<bool()>& condition) {
     // The condition may be of the world outside, which wakes nobody up here.
-    int ticksLeft = 1000;
+    int ticksLeft = 2000;
     const auto tick = +[](gpointer left) -> gboolean {
         --*static_cast<int*>(left);
         return G_SOURCE_CONTINUE;
@@ -112,10 +112,45 @@ int OtherProcess::wait() {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
+void PpmEncoding::writePng(const PixelBuffer& picture, const std::filesystem::path& target) const {
+    const auto [width, height] = picture.size();
+    std::string text = "P6\n" + std::to_string(width) + " " + std::to_string(height) + "\n255\n";
+    const auto pixels = picture.bytes();
+    for (std::size_t i = 0; i < pixels.size(); i += 4) {
+        for (const std::size_t channel : {2u, 1u, 0u}) text += static_cast<char>(pixels[i + channel]);
+    }
+    writeFileAtomically(target, text);
+}
+
+SharedPixels ppmPixels(const std::filesystem::path& file) {
+    const std::string text = readFile(file, std::size_t{1} << 30);
+    PixelSize size;
+    if (std::sscanf(text.c_str(), "P6 %d %d", &size.width, &size.height) != 2) return nullptr;
+    auto pixels = std::make_shared<PixelBuffer>(size);
+    const auto bytes = pixels->bytes();
+    const char* in = text.data() + (text.size() - bytes.size() / 4 * 3);
+    for (std::size_t i = 0; i < bytes.size(); i += 4, in += 3) {
+        for (const std::size_t channel : {0u, 1u, 2u}) {
+            bytes[i + channel] = static_cast<std::uint8_t>(in[2 - channel]);
+        }
+    }
+    return pixels;
+}
+
+SharedPixels solidPixels(int width, int height, RgbColor color) {
+    auto pixels = std::make_shared<PixelBuffer>(PixelSize{width, height});
+    pixels->fill(color);
+    return pixels;
+}
+
 struct Desktop::Connection {
-    X11Connection x{""};
-    Display* display = x.get();
+    Connection() = default;
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+    ~Connection() { XCloseDisplay(display); }
+    Display* display = XOpenDisplay(nullptr);
     Window root = DefaultRootWindow(display);
+    X11Connection x{""};
 };
 
 Desktop::Desktop()
@@ -145,19 +180,24 @@ void Desktop::arrange(const std::string& arguments) {
 void Desktop::setEdid(const std::string& connector, const Bytes& edid) {
     const Atom property = XInternAtom(connection_->display, "EDID", False);
     const RROutput output = screen(connector).number;
-    X11ErrorTrap isAbsent(connection_->display);
+    // It may be absent already.
+    const XErrorHandler former = XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
     if (edid.empty()) {
         XRRDeleteOutputProperty(connection_->display, output, property);
     } else {
         XRRChangeOutputProperty(connection_->display, output, property, XA_INTEGER, 8, PropModeReplace,
                                 edid.data(), static_cast<int>(edid.size()));
     }
+    XSync(connection_->display, False);
+    XSetErrorHandler(former);
 }
 
 Screen Desktop::screen(const std::string& connector) const {
     Screen screen;
-    for (const ConnectedOutput& output : connectedOutputs(connection_->display)) {
-        if (output.connector == connector) screen.number = output.number;
+    for (const ConnectedOutput& output : connectedOutputs(connection_->x.server())) {
+        if (output.connector != connector) continue;
+        screen.number = output.number;
+        screen.area = output.area.value_or(PixelRect{});
     }
     screen.connector = connector;
     return screen;
@@ -194,10 +234,16 @@ std::pair<unsigned long, int> Desktop::memory() const {
     return {total, count};
 }
 
+int Desktop::serverProcess() const {
+    ucred server{};
+    socklen_t length = sizeof server;
+    getsockopt(xcb_get_file_descriptor(connection_->x.get()), SOL_SOCKET, SO_PEERCRED, &server, &length);
+    return server.pid;
+}
+
 std::filesystem::path Desktop::solidPicture(int width, int height, RgbColor color) const {
-    const Bytes png = LinuxPictureRendering().solidColorPng(width, height, color);
-    const auto file = folder_ / (Uuid::random().string() + ".png");
-    writeFileAtomically(file, {reinterpret_cast<const char*>(png.data()), png.size()});
+    const auto file = folder_ / (Uuid::random().string() + ".ppm");
+    PpmEncoding().writePng(*solidPixels(width, height, color), file);
     return file;
 }
 

@@ -8,9 +8,14 @@
 #include <string>
 #include <vector>
 
+#include "async/TaskScope.h"
 #include "base/Bytes.h"
 #include "base/HexColor.h"
+#include "base/Localization.h"
+#include "base/PixelBuffer.h"
+#include "linux/glib/GlibMainLoop.h"
 #include "linux/glib/Ref.h"
+#include "platform/PictureRendering.h"
 #include "platform/Screens.h"
 
 namespace quillmar {
@@ -23,8 +28,65 @@ int runProgram(const std::string& command);
 /// Opens this process's `GtkSession`, unless it is open.
 void openGtkSession();
 
-/// Turns GLib's main loop until `condition` holds; false when it does not within 10 s of real time.
+/// Turns GLib's main loop until `condition` holds; false when it does not within 20 s of real time.
 bool turnUntil(const std::function<bool()>& condition);
+
+/// A main loop that is turned until a task has ended.
+class WaitingLoop {
+public:
+    template <class T>
+    T await(Task<T> task) {
+        Outcome<T> outcome;
+        tasks_.spawn(keep(std::move(task), &outcome));
+        if (!turnUntil([&] { return outcome.hasEnded; })) throw std::logic_error("the task did not end");
+        if (outcome.failure) std::rethrow_exception(outcome.failure);
+        if constexpr (!std::is_void_v<T>) return *std::move(outcome.value);
+    }
+    /// The failure of a task, in English.
+    template <class T>
+    std::string failureOf(Task<T> task) {
+        try {
+            await(std::move(task));
+        } catch (const AppLocalizableError& error) {
+            return error.message(GeneralLanguage::english);
+        }
+        return "no failure";
+    }
+    MainLoop& loop() { return loop_; }
+
+private:
+    template <class T>
+    struct Outcome {
+        std::optional<std::conditional_t<std::is_void_v<T>, bool, T>> value;
+        std::exception_ptr failure;
+        bool hasEnded = false;
+    };
+    template <class T>
+    static Task<void> keep(Task<T> task, Outcome<T>* outcome) {
+        try {
+            if constexpr (std::is_void_v<T>) {
+                co_await std::move(task);
+            } else {
+                outcome->value.emplace(co_await std::move(task));
+            }
+        } catch (...) {
+            outcome->failure = std::current_exception();
+        }
+        outcome->hasEnded = true;
+    }
+
+    GlibMainLoop loop_;
+    TaskScope tasks_{loop_};
+};
+
+/// Writes pictures as PPM files, which every desktop reads too.
+class PpmEncoding final : public PictureEncoding {
+public:
+    void writePng(const PixelBuffer& picture, const std::filesystem::path& target) const override;
+};
+/// Reads such a file back.
+SharedPixels ppmPixels(const std::filesystem::path& file);
+SharedPixels solidPixels(int width, int height, RgbColor color);
 
 /// A connection of its own to the session bus, under a name that others know it by until it ends.
 class OwnConnection {
@@ -77,7 +139,7 @@ public:
     void arrange(const std::string& arguments);
     /// What its monitor says of itself from now on; empty: nothing.
     void setEdid(const std::string& connector, const Bytes& edid);
-    /// Enough of a screen to paint on.
+    /// Enough of a screen to paint on, as it is now.
     Screen screen(const std::string& connector) const;
 
     /// The colour of a pixel of the root window.
@@ -87,8 +149,11 @@ public:
     /// Memory of all pixmaps in the X server, and the number of its clients, gone ones with pixmaps included.
     std::pair<unsigned long, int> memory() const;
 
+    /// The X server's.
+    int serverProcess() const;
+
     std::filesystem::path folder() const { return folder_; }
-    /// A PNG file of one colour.
+    /// A picture file of one colour.
     std::filesystem::path solidPicture(int width, int height, RgbColor color) const;
 
 private:

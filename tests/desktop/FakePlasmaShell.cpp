@@ -4,7 +4,8 @@
 
 #include <iostream>
 
-#include "linux/dbus/BlockingBus.h"
+#include "desktop/Desktop.h"
+#include "linux/dbus/SessionBus.h"
 #include "linux/glib/GlibMainLoop.h"
 
 namespace quillmar {
@@ -63,7 +64,7 @@ int playPlasmaShell() {
     GlibMainLoop loop;
     duk_context* engine = duk_create_heap_default();
     duk_eval_string_noresult(engine, world);
-    const Bus bus = blockingSessionBus();
+    const Bus bus = Bus::adopt(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
     const Owned<GDBusNodeInfo> description(g_dbus_node_info_new_for_xml(interfaceXml, nullptr));
     static constexpr GDBusInterfaceVTable methods{&evaluate, nullptr, nullptr, {}};
     g_dbus_connection_register_object(bus.get(), "/PlasmaShell", description->interfaces[0], &methods, engine,
@@ -77,9 +78,10 @@ int playPlasmaShell() {
 }
 
 std::string inPlasmaShell(const std::string& script) {
-    const auto answer =
-        callAndWait(blockingSessionBus(), {busName, "/PlasmaShell", "org.kde.PlasmaShell", "evaluateScript",
-                                           g_variant_new("(s)", script.c_str())});
+    WaitingLoop loop;
+    const Bus bus = loop.await(sessionBus());
+    const auto answer = loop.await(callOnBus(bus, {busName, "/PlasmaShell", "org.kde.PlasmaShell",
+                                                   "evaluateScript", g_variant_new("(s)", script.c_str())}));
     const char* text = "";
     g_variant_get(answer.get(), "(&s)", &text);
     return text;

@@ -4,6 +4,7 @@
 #include <gtk/gtk.h>
 
 #include "desktop/Desktop.h"
+#include "fakes/FakeExecutors.h"
 
 namespace quillmar {
 namespace {
@@ -19,7 +20,12 @@ class GtkScreensTest : public testing::Test {
 protected:
     GtkScreensTest() {
         openGtkSession();
-        screens_ = std::make_unique<GtkScreens>();
+        begins();
+    }
+    /// Another session, with what the last one remembered.
+    void begins() {
+        screens_.reset();
+        screens_ = std::make_unique<GtkScreens>(desktop_.folder() / "state/outputs", files_);
         screens_->setChangeHandler([this] { ++changes_; });
     }
     /// Changes the arrangement and waits until the screens are as many as that and the handler has heard.
@@ -43,6 +49,7 @@ protected:
     std::size_t count() const { return screens_->screens().size(); }
 
     Desktop desktop_;
+    InlineExecutor files_;
     std::unique_ptr<GtkScreens> screens_;
     int changes_ = 0;
 };
@@ -51,6 +58,7 @@ TEST_F(GtkScreensTest, screensStandInPointsFromThePrimarysBottomLeft) {
     ASSERT_TRUE(turnUntil([&] { return count() == 2; }));
     EXPECT_EQ(named("DUMMY0").frame, (CGRectCodable{0, 0, 1920, 1080}));
     EXPECT_EQ(named("DUMMY1").frame, (CGRectCodable{1920, 56, 1280, 1024}));
+    EXPECT_EQ(named("DUMMY1").area, (PixelRect{1920, 0, 1280, 1024}));
     EXPECT_EQ(named("DUMMY1").visibleFrame, named("DUMMY1").frame);
     EXPECT_EQ(named("DUMMY0").scaleFactor, 1);
     EXPECT_EQ(named("DUMMY0").localizedName, "DUMMY0");
@@ -68,7 +76,7 @@ TEST_F(GtkScreensTest, withoutAPrimaryTheFirstScreenIsIt) {
     EXPECT_NE(screens_->primaryScreenNumber(), 0u);
 }
 
-TEST_F(GtkScreensTest, aMonitorKeepsItsIdentityOnAnotherConnectorAndATwinTakesIt) {
+TEST_F(GtkScreensTest, aMonitorKeepsItsIdentityOnAnotherConnectorAndBesideATwin) {
     setEdid("DUMMY0", edid(1));
     setEdid("DUMMY1", edid(2));
     const auto first = named("DUMMY0").uuid;
@@ -80,12 +88,13 @@ TEST_F(GtkScreensTest, aMonitorKeepsItsIdentityOnAnotherConnectorAndATwinTakesIt
     EXPECT_EQ(named("DUMMY0").uuid, second);
 
     setEdid("DUMMY1", edid(2));
-    const auto twin = named("DUMMY0").uuid;
+    EXPECT_EQ(named("DUMMY0").uuid, second);
+    const auto twin = named("DUMMY1").uuid;
     EXPECT_NE(twin, second);
-    EXPECT_NE(twin, named("DUMMY1").uuid);
-    // Switched off it is still there.
-    arrange("--output DUMMY1 --off", [&] { return count() == 1; });
-    EXPECT_EQ(named("DUMMY0").uuid, twin);
+    // Beside another one, in the next session.
+    setEdid("DUMMY0", {});
+    begins();
+    EXPECT_EQ(named("DUMMY1").uuid, twin);
 }
 
 TEST_F(GtkScreensTest, panelsLeaveTheRestOfTheScreenVisible) {

@@ -8,53 +8,37 @@
 namespace quillmar {
 namespace {
 
-constexpr RgbColor red{200, 10, 20};
-
 TEST(LinuxDesktopPictureTest, theDesktopsOwnWayIsTakenWhereItAnswersAndElseTheRootWindow) {
     Desktop desktop;
-    const Screen left = desktop.screen("DUMMY0");
-    const auto file = desktop.solidPicture(1920, 1080, red);
-    const auto paintsTheRoot = [&](const std::string& names) {
-        EXPECT_EQ(runProgram("hsetroot -solid '#123456' >/dev/null"), 0);
-        const Environment environment =
-            names.empty() ? Environment() : Environment{{"XDG_CURRENT_DESKTOP", names}};
-        LinuxDesktopPicture picture(environment,
-                                    {desktop.folder() / "captures", desktop.folder() / "composed"});
-        picture.setDesktopImage(file, left, {});
-        EXPECT_EQ(picture.desktopImage(left), file) << names;
-        return desktop.pixel(0, 0) == red;
+    WaitingLoop loop;
+    ThreadPool pool(2);
+    const PpmEncoding encoding;
+    const auto way = [&](Environment environment) -> std::string {
+        LinuxDesktopPicture picture(pool, encoding, std::move(environment), desktop.folder() / "captures");
+        try {
+            const DesktopMethods methods = loop.await(picture.methods());
+            EXPECT_EQ(&loop.await(picture.methods()).screens, &methods.screens);
+            if (methods.spanned) return methods.screens.takesPixels() ? "spanned" : "?";
+            return methods.screens.takesPixels() ? "root" : "own";
+        } catch (const DesktopPictureError& error) {
+            return error.errorCase() == DesktopPictureError::Case::noWay ? "none" : "?";
+        }
     };
-    for (const std::string names : {"", "openbox", "KDE", "Enlightenment:sway"}) {
-        EXPECT_TRUE(paintsTheRoot(names)) << names;
+    const std::string names = "XDG_CURRENT_DESKTOP";
+    const Environment wayland{{"WAYLAND_DISPLAY", "wayland-0"}};
+    EXPECT_EQ(way({}), "root");
+    for (const std::string desktops : {"openbox", "KDE", "Enlightenment:sway"}) {
+        EXPECT_EQ(way({{names, desktops}}), "root") << desktops;
+        EXPECT_EQ(way({{names, desktops}, {"XDG_SESSION_TYPE", "wayland"}}), "none") << desktops;
     }
-    for (const std::string names : {"ubuntu:GNOME", "KDE:MATE", "Budgie:GNOME", "XFCE"}) {
-        EXPECT_FALSE(paintsTheRoot(names)) << names;
+    for (const std::string desktops : {"ubuntu:GNOME", "KDE:MATE", "Budgie:GNOME"}) {
+        EXPECT_EQ(way({{names, desktops}, *wayland.begin()}), "spanned") << desktops;
     }
+    EXPECT_EQ(way({{names, "XFCE"}}), "own");
+    EXPECT_EQ(way(wayland), "none");
     OtherProcess shell({"plasma-shell"});
     ASSERT_EQ(shell.line(), "ready");
-    EXPECT_FALSE(paintsTheRoot("KDE"));
-}
-
-TEST(LinuxDesktopPictureTest, theRootWindowShowsAgainWhatASessionOrAPlugHasLost) {
-    Desktop desktop;
-    const Screen left = desktop.screen("DUMMY0");
-    const Screen right = desktop.screen("DUMMY1");
-    const auto file = desktop.solidPicture(1920, 1080, red);
-    const LinuxDesktopPicture::Folders folders{desktop.folder() / "captures", desktop.folder() / "composed"};
-    LinuxDesktopPicture({}, folders).setDesktopImage(file, left, {});
-    // The next session: a root window that another program has painted, and another process of ours.
-    EXPECT_EQ(runProgram("hsetroot -solid '#123456' >/dev/null"), 0);
-    LinuxDesktopPicture picture({}, folders);
-    picture.recallDesktopImage(right);
-    EXPECT_EQ(picture.desktopImage(right), std::nullopt) << "it never had one";
-    picture.recallDesktopImage(left);
-    EXPECT_EQ(desktop.pixel(1919, 1079), red);
-    EXPECT_EQ(picture.desktopImage(left), file);
-
-    EXPECT_EQ(runProgram("hsetroot -solid '#123456' >/dev/null"), 0);
-    std::filesystem::remove(file);
-    picture.recallDesktopImage(left);
-    EXPECT_NE(desktop.pixel(0, 0), red);
+    EXPECT_EQ(way({{names, "KDE"}, *wayland.begin()}), "own");
 }
 
 }  // namespace

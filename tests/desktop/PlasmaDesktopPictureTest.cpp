@@ -5,7 +5,6 @@
 #include "base/Url.h"
 #include "desktop/Desktop.h"
 #include "desktop/FakePlasmaShell.h"
-#include "linux/dbus/BlockingBus.h"
 #include "linux/x11/X11DesktopPicture.h"
 
 namespace quillmar {
@@ -14,6 +13,12 @@ namespace {
 class PlasmaDesktopPictureTest : public testing::Test {
 protected:
     PlasmaDesktopPictureTest() { EXPECT_EQ(shell_.line(), "ready"); }
+    void shows(const std::filesystem::path& file, const Screen& screen, DesktopImageOptions options = {}) {
+        loop_.await(picture_.setDesktopImage({file, nullptr}, screen, std::move(options)));
+    }
+    std::optional<std::filesystem::path> capture(const Screen& screen) {
+        return loop_.await(picture_.captureDesktopImage(screen));
+    }
     static std::string allDesktops() { return inPlasmaShell("print(JSON.stringify(all))"); }
     static std::string settingOf(int screen, const std::string& name) {
         return inPlasmaShell("print(all[" + std::to_string(screen) +
@@ -22,9 +27,11 @@ protected:
 
     Desktop desktop_;
     OtherProcess shell_{{"plasma-shell"}};
-    Bus bus_ = blockingSessionBus();
-    X11DesktopPicture root_{desktop_.folder() / "captures"};
-    PlasmaDesktopPicture picture_{bus_, root_};
+    WaitingLoop loop_;
+    ThreadPool pool_{2};
+    PpmEncoding encoding_;
+    X11DesktopPicture root_{pool_, encoding_, desktop_.folder() / "captures"};
+    PlasmaDesktopPicture picture_{loop_.await(sessionBus()), root_, pool_};
     Screen left_ = desktop_.screen("DUMMY0");
     Screen right_ = desktop_.screen("DUMMY1");
     /// With all that a script could take for its own.
@@ -33,13 +40,13 @@ protected:
 
 TEST_F(PlasmaDesktopPictureTest, theDesktopInTheMonitorsCornerShowsThePictureAndNoOther) {
     std::filesystem::copy_file(desktop_.solidPicture(1280, 1024, {}), file_);
-    picture_.setDesktopImage(file_, right_, {});
+    shows(file_, right_);
     EXPECT_EQ(settingOf(1, "Image"), Url::fromFilePath(file_).string());
     EXPECT_EQ(settingOf(1, "FillMode"), "2");
     EXPECT_EQ(settingOf(0, "Image"), "undefined");
     EXPECT_EQ(settingOf(2, "Image"), "undefined");
-    EXPECT_EQ(picture_.desktopImage(right_), file_);
-    EXPECT_EQ(picture_.desktopImage(left_), std::nullopt);
+    EXPECT_EQ(loop_.await(picture_.desktopImage(right_)), PresentDesktopImage{file_});
+    EXPECT_EQ(loop_.await(picture_.desktopImage(left_)), PresentDesktopImage{});
 }
 
 TEST_F(PlasmaDesktopPictureTest, whateverDrewTheDesktopComesBack) {
@@ -53,27 +60,31 @@ TEST_F(PlasmaDesktopPictureTest, whateverDrewTheDesktopComesBack) {
         inPlasmaShell("all[0].settings = {'Wallpaper/org.kde.image/General/FillMode': '1'}; " + made +
                       "; all[0].currentConfigGroup = ['Wallpaper', 'org.kde.image', 'General']");
         const std::string before = allDesktops();
-        const auto captured = picture_.captureDesktopImage(left_);
-        const auto options = picture_.desktopImageOptions(left_);
+        const auto captured = capture(left_);
+        const auto options = loop_.await(picture_.desktopImageOptions(left_));
         ASSERT_TRUE(captured) << made;
-        picture_.setDesktopImage(desktop_.solidPicture(1920, 1080, {}), left_, {});
+        shows(desktop_.solidPicture(1920, 1080, {}), left_);
         EXPECT_NE(allDesktops(), before);
-        picture_.setDesktopImage(*captured, left_, options);
-        EXPECT_EQ(picture_.desktopImageOptions(left_), options) << made;
+        shows(*captured, left_, options);
+        EXPECT_EQ(loop_.await(picture_.desktopImageOptions(left_)), options) << made;
         EXPECT_EQ(inPlasmaShell("print(all[0].wallpaperPlugin)"), options.at("wallpaperPlugin"));
-        EXPECT_EQ(picture_.captureDesktopImage(left_), captured) << made;
+        EXPECT_EQ(capture(left_), captured) << made;
     }
 }
 
 TEST_F(PlasmaDesktopPictureTest, aMonitorThatTheDesktopDoesNotHaveIsAFailure) {
     const auto file = desktop_.solidPicture(1280, 1024, {});
+    const auto failure = [&](const std::filesystem::path& picture, const Screen& screen) {
+        return loop_.failureOf(picture_.setDesktopImage({picture, nullptr}, screen, {}));
+    };
     desktop_.arrange("--output DUMMY1 --pos 1920x56");
-    EXPECT_THROW(picture_.setDesktopImage(file, right_, {}), std::runtime_error);
-    desktop_.arrange("--output DUMMY1 --off");
-    EXPECT_THROW(picture_.setDesktopImage(file, right_, {}), std::runtime_error);
-    EXPECT_EQ(picture_.desktopImage(right_), std::nullopt);
+    const Screen moved = desktop_.screen("DUMMY1");
+    EXPECT_EQ(failure(file, moved), "The display DUMMY1 is no longer connected.");
+    EXPECT_EQ(loop_.failureOf(picture_.desktopImage(moved)), "The display DUMMY1 is no longer connected.");
+    EXPECT_THAT(failure(desktop_.folder() / "none.png", left_), testing::HasSubstr("No such file"));
     inPlasmaShell("desktops = function () { throw 'widgets are locked'; }");
-    EXPECT_THROW(picture_.setDesktopImage(file, left_, {}), BusRefusal);
+    EXPECT_EQ(failure(file, left_),
+              "The picture of DUMMY0 could not be set: Plasma refused it (widgets are locked).");
 }
 
 }  // namespace

@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <csignal>
 
-#include "desktop/TransactionWorld.h"
-#include "linux/dbus/BlockingBus.h"
+#include "desktop/Desktop.h"
 #include "linux/desktop/VariantText.h"
 #include "linux/x11/X11DesktopPicture.h"
 
@@ -51,10 +51,10 @@ protected:
     void userSets(const std::string& property, const std::string& typeAndValue) {
         user("-p /backdrop/screen0/" + property + " -n -t " + typeAndValue);
     }
-    std::string allSettings() const {
-        const auto answer =
-            callAndWait(bus_, {"org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf", "GetAllProperties",
-                               g_variant_new("(ss)", "xfce4-desktop", backdrop)});
+    std::string allSettings() {
+        const auto answer = loop_.await(
+            callOnBus(bus_, {"org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf", "GetAllProperties",
+                             g_variant_new("(ss)", "xfce4-desktop", backdrop)}));
         std::vector<std::string> lines;
         const Owned<GVariant> all(g_variant_get_child_value(answer.get(), 0));
         for (gsize i = 0; i < g_variant_n_children(all.get()); ++i) {
@@ -97,13 +97,29 @@ protected:
         return startedAndListens() || startedAndListens();
     }
 
+    void sets(const std::filesystem::path& file, const Screen& screen, DesktopImageOptions options = {}) {
+        loop_.await(picture_.setDesktopImage({file, nullptr}, screen, std::move(options)));
+    }
+    std::optional<std::filesystem::path> present(const Screen& screen) {
+        return loop_.await(picture_.desktopImage(screen)).file;
+    }
+    std::optional<std::filesystem::path> capture(const Screen& screen) {
+        return loop_.await(picture_.captureDesktopImage(screen));
+    }
+    DesktopImageOptions options(const Screen& screen) {
+        return loop_.await(picture_.desktopImageOptions(screen));
+    }
+
     Desktop desktop_;
+    WaitingLoop loop_;
     std::filesystem::path wide_ = desktop_.solidPicture(300, 200, green);
     std::filesystem::path other_ = desktop_.solidPicture(300, 200, yellow);
     std::optional<Xfdesktop> xfdesktop_;
-    Bus bus_ = blockingSessionBus();
-    X11DesktopPicture root_{desktop_.folder() / "captures"};
-    XfceDesktopPicture picture_{bus_, root_};
+    Bus bus_ = loop_.await(sessionBus());
+    ThreadPool pool_{2};
+    PpmEncoding encoding_;
+    X11DesktopPicture root_{pool_, encoding_, desktop_.folder() / "captures"};
+    XfceDesktopPicture picture_{bus_, root_, pool_};
     Screen left_ = desktop_.screen("DUMMY0");
     Screen right_ = desktop_.screen("DUMMY1");
 };
@@ -111,36 +127,45 @@ protected:
 TEST_F(XfceDesktopPictureTest, twoMonitorsShowTwoPicturesAndGetBackWhatTheyHad) {
     ASSERT_TRUE(startsWithTwoPictures());
     const std::string before = allSettings();
-    EXPECT_EQ(picture_.desktopImage(left_), wide_);
-    const auto options = picture_.desktopImageOptions(right_);
-    const auto leftOptions = picture_.desktopImageOptions(left_);
+    EXPECT_EQ(present(left_), wide_);
+    const auto rightOptions = options(right_);
+    const auto leftOptions = options(left_);
 
     const auto leftFile = desktop_.solidPicture(1920, 1080, red);
     const auto rightFile = desktop_.solidPicture(1280, 1024, blue);
-    picture_.setDesktopImage(leftFile, left_, {});
+    sets(leftFile, left_);
     EXPECT_TRUE(shows(red, yellow));
-    picture_.setDesktopImage(rightFile, right_, {});
+    sets(rightFile, right_);
     EXPECT_TRUE(shows(red, blue));
-    EXPECT_EQ(picture_.desktopImage(left_), leftFile);
-    EXPECT_EQ(picture_.captureDesktopImage(right_), rightFile);
+    EXPECT_EQ(present(left_), leftFile);
+    EXPECT_EQ(capture(right_), rightFile);
 
-    picture_.setDesktopImage(other_, right_, options);
+    sets(other_, right_, rightOptions);
     EXPECT_TRUE(shows(red, yellow));
-    picture_.setDesktopImage(wide_, left_, leftOptions);
+    sets(wide_, left_, leftOptions);
     EXPECT_TRUE(shows(green, yellow));
     EXPECT_EQ(allSettings(), before);
 }
 
-TEST_F(XfceDesktopPictureTest, aMonitorWhoseChangeFailsGetsBackThePictureOfTheUser) {
-    ASSERT_TRUE(startsWithTwoPictures());
-    TransactionWorld world(desktop_, picture_);
-    const auto result = world.applies({"#C80A14", "#0A14C8"});
-    EXPECT_EQ(result.failures.size(), 1u);
-    EXPECT_THAT(result.rollbackFailures, testing::IsEmpty());
-    EXPECT_TRUE(shows(red, yellow));
-    EXPECT_EQ(picture_.desktopImage(right_), other_);
-    EXPECT_THAT(world.applies({"#C80A14", "#0A14C8"}).failures, testing::IsEmpty());
-    EXPECT_TRUE(shows(red, blue));
+TEST_F(XfceDesktopPictureTest, aStoppedSettingsStoreIsToldAndHoldsUpNothing) {
+    const auto answer =
+        loop_.await(callOnBus(bus_, {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                     "GetConnectionUnixProcessID", g_variant_new("(s)", "org.xfce.Xfconf")}));
+    guint32 process = 0;
+    g_variant_get(answer.get(), "(u)", &process);
+    const auto file = desktop_.solidPicture(1280, 1024, blue);
+    kill(static_cast<pid_t>(process), SIGSTOP);
+    int turns = 0;
+    const guint timer = g_timeout_add(
+        50, +[](gpointer count) -> gboolean { return ++*static_cast<int*>(count), G_SOURCE_CONTINUE; },
+        &turns);
+    const auto failure = loop_.failureOf(picture_.setDesktopImage({file, nullptr}, right_, {}));
+    g_source_remove(timer);
+    kill(static_cast<pid_t>(process), SIGCONT);
+    EXPECT_EQ(failure, "The picture of DUMMY1 could not be set: xfconf did not answer.");
+    EXPECT_GT(turns, 20) << "the main loop stood still";
+    sets(file, right_);
+    EXPECT_EQ(present(right_), file);
 }
 
 TEST_F(XfceDesktopPictureTest, everyWorkspaceShowsThePicture) {
@@ -149,7 +174,7 @@ TEST_F(XfceDesktopPictureTest, everyWorkspaceShowsThePicture) {
     userSets("monitorDUMMY1/workspace0/image-style", "int -s 6");
     userSets("monitorDUMMY1/workspace1/image-style", "int -s 4");
     const auto file = desktop_.solidPicture(1280, 1024, blue);
-    picture_.setDesktopImage(file, right_, {});
+    sets(file, right_);
     EXPECT_THAT(allSettings(), testing::HasSubstr("workspace0/image-style', <5>"));
     EXPECT_THAT(allSettings(), testing::HasSubstr("workspace1/image-style', <4>")) << "it fills the monitor";
     EXPECT_THAT(allSettings(), testing::Not(testing::HasSubstr("workspace2/image-style")));
@@ -158,25 +183,27 @@ TEST_F(XfceDesktopPictureTest, everyWorkspaceShowsThePicture) {
                                                       "/last-image', <'" + file.string() + "'>"));
     }
     userSets("monitorDUMMY1/workspace2/last-image", "string -s /nowhere.png");
-    EXPECT_EQ(picture_.desktopImage(right_), file);
+    EXPECT_EQ(present(right_), file);
     ASSERT_EQ(runProgram("xdotool set_desktop 2"), 0);
-    EXPECT_TRUE(turnUntil([&] { return !picture_.desktopImage(right_); }));
+    EXPECT_TRUE(turnUntil([&] { return !present(right_); }));
     ASSERT_EQ(runProgram("xdotool set_desktop 0"), 0);
-    EXPECT_TRUE(turnUntil([&] { return picture_.desktopImage(right_) == file; }));
+    EXPECT_TRUE(turnUntil([&] { return present(right_) == file; }));
 }
 
 TEST_F(XfceDesktopPictureTest, aMonitorThatTheDesktopHasNeverSeenIsLeftWithoutSettings) {
     userSets("monitorDUMMY0/workspace0/image-style", "int -s 3");
     const std::string before = allSettings();
-    EXPECT_EQ(picture_.desktopImage(right_), std::nullopt);
-    const auto captured = picture_.captureDesktopImage(right_);
+    EXPECT_EQ(present(right_), std::nullopt);
+    const auto captured = capture(right_);
     ASSERT_TRUE(captured);
-    const auto options = picture_.desktopImageOptions(right_);
-    EXPECT_THROW(picture_.setDesktopImage(desktop_.folder() / "none.png", right_, {}), std::runtime_error);
+    const auto rightOptions = options(right_);
+    EXPECT_THAT(
+        loop_.failureOf(picture_.setDesktopImage({desktop_.folder() / "none.png", nullptr}, right_, {})),
+        testing::HasSubstr("none.png: No such file or directory"));
     EXPECT_EQ(allSettings(), before);
-    picture_.setDesktopImage(desktop_.solidPicture(1280, 1024, blue), right_, {});
+    sets(desktop_.solidPicture(1280, 1024, blue), right_);
     EXPECT_NE(allSettings(), before);
-    picture_.setDesktopImage(*captured, right_, options);
+    sets(*captured, right_, rightOptions);
     EXPECT_EQ(allSettings(), before);
 }
 

@@ -1,14 +1,11 @@
 #include <gio/gio.h>
 #include <gmock/gmock.h>
-#include <sched.h>
 #include <signal.h>
-#include <unistd.h>
 
 #include <iostream>
 
 #include "desktop/Desktop.h"
 #include "desktop/FakePlasmaShell.h"
-#include "linux/x11/X11DesktopPicture.h"
 
 namespace quillmar {
 namespace {
@@ -26,22 +23,12 @@ int playDeafInstance() {
     while (true) g_main_context_iteration(nullptr, TRUE);
 }
 
-/// Paints without memory in common with the X server, as from inside a container.
-int playContainer(const std::string& file, const std::string& screenNumber) {
-    Screen screen;
-    screen.number = static_cast<std::uint32_t>(std::stoul(screenNumber));
-    if (unshare(CLONE_NEWIPC) != 0) return 77;
-    X11DesktopPicture("").setDesktopImage(file, screen, {});
-    return 0;
-}
-
 }  // namespace
 
 std::optional<int> playRole(const std::vector<std::string>& arguments) {
     if (arguments.empty()) return std::nullopt;
     const std::string& role = arguments[0];
     if (role == "deaf-instance") return playDeafInstance();
-    if (role == "container") return playContainer(arguments.at(1), arguments.at(2));
     if (role == "plasma-shell") return playPlasmaShell();
     return std::nullopt;
 }

@@ -1,84 +1,62 @@
 #include "linux/desktop/LinuxDesktopPicture.h"
 
-#include <ranges>
-
 #include "diagnostics/Log.h"
-#include "linux/dbus/BlockingBus.h"
+#include "linux/desktop/DesktopCall.h"
 #include "linux/desktop/PlasmaDesktopPicture.h"
-#include "linux/desktop/SpannedDesktopPicture.h"
 #include "linux/desktop/XfceDesktopPicture.h"
 
 namespace quillmar {
 
 namespace {
 
-std::unique_ptr<DesktopPicturing> wayOf(std::string_view desktop, const std::filesystem::path& composedFolder,
-                                        DesktopPicturing& root) {
-    if (desktop == "XFCE") {
-        Bus bus = blockingSessionBus();
-        if (!XfceDesktopPicture::answers(bus)) return nullptr;
-        return std::make_unique<XfceDesktopPicture>(std::move(bus), root);
-    }
-    if (desktop == "KDE") {
-        Bus bus = blockingSessionBus();
-        if (!PlasmaDesktopPicture::answers(bus)) return nullptr;
-        return std::make_unique<PlasmaDesktopPicture>(std::move(bus), root);
-    }
-    auto settings = BackgroundSettings::open(desktop);
-    if (!settings) return nullptr;
-    return std::make_unique<SpannedDesktopPicture>(std::move(settings), composedFolder, root);
-}
-
-/// The names stand in the order of preference: "ubuntu:GNOME".
-std::unique_ptr<DesktopPicturing> ownWay(const Environment& environment,
-                                         const std::filesystem::path& composedFolder,
-                                         DesktopPicturing& root) {
-    const auto names = environment.find("XDG_CURRENT_DESKTOP");
-    if (names == environment.end()) return nullptr;
-    for (const auto name : std::views::split(names->second, ':')) {
-        if (auto way = wayOf(std::string_view(name), composedFolder, root)) return way;
-    }
-    return nullptr;
-}
+using Case = DesktopPictureError::Case;
 
 }  // namespace
 
-LinuxDesktopPicture::LinuxDesktopPicture(const Environment& environment, const Folders& folders)
-    : root_(folders.captures),
-      lastShown_(folders.composed / "last-shown.json"),
-      own_(ownWay(environment, folders.composed, root_)),
-      chosen_(own_ ? *own_ : root_) {}
+LinuxDesktopPicture::LinuxDesktopPicture(Executor& pool, const PictureEncoding& encoding,
+                                         Environment environment, std::filesystem::path captureFolder)
+    : pool_(pool), environment_(std::move(environment)), root_(pool, encoding, std::move(captureFolder)) {}
 
-void LinuxDesktopPicture::setDesktopImage(const std::filesystem::path& file, const Screen& screen,
-                                          const DesktopImageOptions& options) {
-    chosen_.setDesktopImage(file, screen, options);
-    if (!own_) lastShown_.note(screen, file);
+Task<DesktopMethods> LinuxDesktopPicture::methods() {
+    const TaskLock::Hold turn = co_await finding_.acquire();
+    if (!isFound_) co_await find();
+    isFound_ = true;
+    if (!own_ && !spanned_ && isWaylandSession(environment_)) throw DesktopPictureError(Case::noWay, "", "");
+    co_return DesktopMethods{own_ ? *own_ : root_, spanned_.get()};
 }
 
-void LinuxDesktopPicture::recallDesktopImage(const Screen& screen) {
-    if (own_) {
-        own_->recallDesktopImage(screen);
-        return;
+Task<void> LinuxDesktopPicture::find() {
+    for (const NamedDesktop& desktop : namedDesktops(environment_)) {
+        const bool isThere = co_await answers(desktop);
+        if (isThere) co_return;
     }
-    if (root_.desktopImage(screen)) return;
+}
+
+Task<bool> LinuxDesktopPicture::answers(NamedDesktop desktop) {
+    if (desktop.family == DesktopFamily::gnome) {
+        spanned_ = co_await GnomeBackground::open(desktop.schema, pool_);
+        co_return spanned_ != nullptr;
+    }
     try {
-        if (const auto last = lastShown_.pictureOf(screen)) root_.setDesktopImage(*last, screen, {});
-    } catch (const std::exception&) {
-        logWarning("The last desktop picture could not be shown again.", "wallpaper",
-                   std::current_exception());
+        co_return co_await answersOnBus(desktop.family);
+    } catch (const BusSilence&) {
+        throw DesktopPictureError(Case::noAnswer, std::string(desktop.name), "");
+    } catch (const std::runtime_error&) {
+        logWarning("The session bus cannot be reached.", "wallpaper", std::current_exception());
+        co_return false;
     }
 }
 
-std::optional<std::filesystem::path> LinuxDesktopPicture::desktopImage(const Screen& screen) {
-    return chosen_.desktopImage(screen);
-}
-
-std::optional<std::filesystem::path> LinuxDesktopPicture::captureDesktopImage(const Screen& screen) {
-    return chosen_.captureDesktopImage(screen);
-}
-
-DesktopImageOptions LinuxDesktopPicture::desktopImageOptions(const Screen& screen) {
-    return chosen_.desktopImageOptions(screen);
+Task<bool> LinuxDesktopPicture::answersOnBus(DesktopFamily family) {
+    const Bus bus = co_await sessionBusWithin(std::chrono::milliseconds(desktopAnswerMilliseconds));
+    if (family == DesktopFamily::xfce) {
+        const bool isThere = co_await XfceDesktopPicture::answers(bus);
+        if (isThere) own_ = std::make_unique<XfceDesktopPicture>(bus, root_, pool_);
+    } else {
+        const bool isThere = co_await PlasmaDesktopPicture::answers(bus);
+        if (isThere) own_ = std::make_unique<PlasmaDesktopPicture>(bus, root_, pool_);
+    }
+    co_return own_ != nullptr;
 }
 
 }  // namespace quillmar

@@ -1,36 +1,38 @@
 #pragma once
 #include <memory>
 
-#include "linux/desktop/LastShownPictures.h"
+#include "async/TaskLock.h"
+#include "linux/desktop/GnomeBackground.h"
+#include "linux/session/DesktopNames.h"
 #include "linux/x11/X11DesktopPicture.h"
-#include "storage/ApplicationDirectories.h"
 
 namespace quillmar {
 
-/// The desktop picture in the way of the desktop that runs: XFCE's, that of the GNOME family, KDE Plasma's,
-/// and the X root window's where none of them answers. Which it is, is found out once, at construction.
-class LinuxDesktopPicture final : public DesktopPicturing {
+/// The way of the desktop that runs: XFCE's, that of the GNOME family, KDE Plasma's, and the X root window's
+/// where none of them answers. A Wayland session without such a desktop has none: its X root window is seen
+/// by nobody.
+class LinuxDesktopPicture final : public DesktopChoosing {
 public:
-    /// Where files are kept; each folder is made when needed.
-    struct Folders {
-        std::filesystem::path captures;  ///< pictures of others that no file is known for
-        std::filesystem::path composed;  ///< one picture for all monitors, and no other PNG file
-    };
-    /// The desktop's names are those of XDG_CURRENT_DESKTOP in `environment`. Waits for the session bus.
-    LinuxDesktopPicture(const Environment& environment, const Folders& folders);
+    /// As `X11DesktopPicture`. The desktop's names are those of XDG_CURRENT_DESKTOP in `environment`.
+    LinuxDesktopPicture(Executor& pool, const PictureEncoding& encoding, Environment environment,
+                        std::filesystem::path captureFolder);
 
-    void setDesktopImage(const std::filesystem::path& file, const Screen& screen,
-                         const DesktopImageOptions& options) override;
-    std::optional<std::filesystem::path> desktopImage(const Screen& screen) override;
-    std::optional<std::filesystem::path> captureDesktopImage(const Screen& screen) override;
-    DesktopImageOptions desktopImageOptions(const Screen& screen) override;
-    void recallDesktopImage(const Screen& screen) override;
+    /// Throws `DesktopPictureError`: where there is no way, and when the desktop that the session names does
+    /// not answer; then it is looked for again at the next call.
+    Task<DesktopMethods> methods() override;
 
 private:
+    Task<void> find();
+    Task<bool> answers(NamedDesktop desktop);
+    Task<bool> answersOnBus(DesktopFamily family);
+
+    Executor& pool_;
+    Environment environment_;
     X11DesktopPicture root_;
-    LastShownPictures lastShown_;            ///< of the root window
-    std::unique_ptr<DesktopPicturing> own_;  ///< the desktop's own way; none: the root window's
-    DesktopPicturing& chosen_;
+    TaskLock finding_;
+    bool isFound_ = false;
+    std::unique_ptr<DesktopPicturing> own_;     ///< null: the root window's, or none
+    std::unique_ptr<GnomeBackground> spanned_;  ///< the GNOME family's
 };
 
 }  // namespace quillmar

@@ -5,15 +5,13 @@
 #include <vector>
 
 #include "base/JsonRecord.h"
-#include "diagnostics/Log.h"
-#include "linux/dbus/BlockingBus.h"
-#include "linux/desktop/DesktopFile.h"
-#include "linux/x11/X11Connection.h"
-#include "linux/x11/X11Outputs.h"
+#include "linux/desktop/DesktopCall.h"
 
 namespace quillmar {
 
 namespace {
+
+using Case = DesktopPictureError::Case;
 
 constexpr const char* busName = "org.kde.plasmashell";
 constexpr const char* imagePlugin = "org.kde.image";
@@ -31,12 +29,11 @@ struct PlasmaPicture {
     static void describe(auto& self, auto& io) {
         io.required(pluginKey, self.plugin).required(imageKey, self.image).required(fillKey, self.fillMode);
     }
-    /// Nothing when something else draws the desktop, or when the picture is no single file.
-    std::optional<std::filesystem::path> file() const {
-        if (plugin != imagePlugin) return std::nullopt;
+    /// Whether it is there or not; empty when something else draws the desktop.
+    std::filesystem::path path() const {
+        if (plugin != imagePlugin) return {};
         const auto url = Url::parse(image);
-        const auto path = url && url->isFileURL() ? url->filePath() : std::filesystem::path(image);
-        return path ? existingFile(*path) : std::nullopt;
+        return url && url->isFileURL() ? url->filePath().value_or("") : std::filesystem::path(image);
     }
 };
 
@@ -73,67 +70,76 @@ constexpr std::string_view writing = R"(var wanted = {0};
     desktop.writeConfig("FillMode", wanted.FillMode);
     desktop.wallpaperPlugin = wanted.wallpaperPlugin;)";
 
-PlasmaPicture pictureAfter(const Bus& bus, const std::string& work, const Screen& screen) {
-    const X11Connection connection("");
-    const auto area = outputArea(connection.get(), screen.number);
-    if (!area) throw std::runtime_error("The display is no longer connected.");
-    const std::string script = fmt::format(frame, imagePlugin, work, area->x, area->y);
-    const auto reply = callAndWait(bus, {busName, "/PlasmaShell", "org.kde.PlasmaShell", "evaluateScript",
-                                         g_variant_new("(s)", script.c_str())});
+constexpr const char* desktopName = "Plasma";
+
+/// What a desktop shows after `work`, part of a script, was done on the screen's desktops.
+Task<PlasmaPicture> pictureAfter(Bus bus, std::string work, Screen screen) {
+    const std::string script = fmt::format(frame, imagePlugin, work, screen.area.x, screen.area.y);
+    std::shared_ptr<GVariant> reply;
+    try {
+        reply = co_await callDesktop(bus,
+                                     {busName, "/PlasmaShell", "org.kde.PlasmaShell", "evaluateScript",
+                                      g_variant_new("(s)", script.c_str())},
+                                     desktopName, screen.connector);
+    } catch (const BusRefusal& error) {
+        throw refusal(error, desktopName, screen.connector);
+    }
     const char* text = "";
     if (g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("(s)"))) g_variant_get(reply.get(), "(&s)", &text);
-    auto answer = json::decode<PlasmaAnswer>(text);
-    if (answer.desktops.empty()) throw std::runtime_error("The desktop does not know this display.");
-    return std::move(answer.desktops.front());
+    PlasmaAnswer answer;
+    try {
+        answer = json::decode<PlasmaAnswer>(text);
+    } catch (const std::runtime_error& error) {
+        throw DesktopPictureError(Case::refused, desktopName, screen.connector, error.what());
+    }
+    if (answer.desktops.empty()) throw DesktopPictureError(Case::disconnected, desktopName, screen.connector);
+    co_return std::move(answer.desktops.front());
 }
 
-PlasmaPicture presentPicture(const Bus& bus, const Screen& screen) { return pictureAfter(bus, "", screen); }
+Task<PlasmaPicture> presentPicture(Bus bus, Screen screen) {
+    return pictureAfter(std::move(bus), "", std::move(screen));
+}
 
 }  // namespace
 
-bool PlasmaDesktopPicture::answers(const Bus& bus) {
-    try {
-        return bus && hasOwner(bus, busName);
-    } catch (const std::runtime_error&) {
-        logWarning("The session bus does not answer.", "wallpaper", std::current_exception());
-        return false;
-    }
+Task<bool> PlasmaDesktopPicture::answers(Bus bus) {
+    return hasOwner(std::move(bus), busName, desktopAnswerMilliseconds);
 }
 
-void PlasmaDesktopPicture::setDesktopImage(const std::filesystem::path& file, const Screen& screen,
-                                           const DesktopImageOptions& options) {
-    requireReadable(file);
+Task<void> PlasmaDesktopPicture::setDesktopImage(DesktopImage image, Screen screen,
+                                                 DesktopImageOptions options) {
+    const TaskLock::Hold turn = co_await order_.acquire();
+    co_await requireReadable(pool_, image.file, desktopName, screen.connector);
     const auto chosen = [&](const char* key, const std::string& ours) {
         const auto found = options.find(key);
         return found == options.end() ? ours : found->second;
     };
     const PlasmaPicture wanted{chosen(pluginKey, imagePlugin),
-                               chosen(imageKey, Url::fromFilePath(file).string()),
+                               chosen(imageKey, Url::fromFilePath(image.file).string()),
                                chosen(fillKey, croppedAndScaled)};
-    pictureAfter(bus_, fmt::format(writing, json::encode(wanted)), screen);
+    co_await pictureAfter(bus_, fmt::format(writing, json::encode(wanted)), screen);
 }
 
-std::optional<std::filesystem::path> PlasmaDesktopPicture::desktopImage(const Screen& screen) {
-    try {
-        return presentPicture(bus_, screen).file();
-    } catch (const std::runtime_error&) {
-        logWarning("The present desktop picture could not be found out.", "wallpaper",
-                   std::current_exception());
-        return std::nullopt;
-    }
+Task<PresentDesktopImage> PlasmaDesktopPicture::desktopImage(Screen screen) {
+    const TaskLock::Hold turn = co_await order_.acquire();
+    const PlasmaPicture picture = co_await presentPicture(bus_, screen);
+    co_return PresentDesktopImage{.file = co_await existingFile(pool_, picture.path())};
 }
 
-std::optional<std::filesystem::path> PlasmaDesktopPicture::captureDesktopImage(const Screen& screen) {
-    auto file = desktopImage(screen);
-    return file ? file : root_.captureDesktopImage(screen);
+Task<std::optional<std::filesystem::path>> PlasmaDesktopPicture::captureDesktopImage(Screen screen) {
+    auto present = co_await desktopImage(screen);
+    if (present.file) co_return present.file;
+    co_return co_await root_.captureDesktopImage(screen);
 }
 
 /// A picture whose file is known is left out: it follows the file that is set.
-DesktopImageOptions PlasmaDesktopPicture::desktopImageOptions(const Screen& screen) {
-    const PlasmaPicture picture = presentPicture(bus_, screen);
+Task<DesktopImageOptions> PlasmaDesktopPicture::desktopImageOptions(Screen screen) {
+    const TaskLock::Hold turn = co_await order_.acquire();
+    const PlasmaPicture picture = co_await presentPicture(bus_, screen);
     DesktopImageOptions options{{pluginKey, picture.plugin}, {fillKey, picture.fillMode}};
-    if (!picture.file()) options.emplace(imageKey, picture.image);
-    return options;
+    const auto file = co_await existingFile(pool_, picture.path());
+    if (!file) options.emplace(imageKey, picture.image);
+    co_return options;
 }
 
 }  // namespace quillmar

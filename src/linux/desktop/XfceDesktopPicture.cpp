@@ -8,8 +8,7 @@
 #include <set>
 
 #include "diagnostics/Log.h"
-#include "linux/dbus/BlockingBus.h"
-#include "linux/desktop/DesktopFile.h"
+#include "linux/desktop/DesktopCall.h"
 #include "linux/desktop/VariantText.h"
 #include "linux/x11/X11Workspaces.h"
 
@@ -32,38 +31,49 @@ struct StyleKey {
 constexpr StyleKey styleKeys[]{{"image-style", {"5", "4", "3", ""}},
                                {"backdrop-cycle-enable", {"false", "", "", ""}}};
 
-Owned<GVariant> callStore(const Bus& bus, const char* method, GVariant* arguments) {
-    return callAndWait(bus, {"org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf", method, arguments});
+constexpr const char* storeName = "xfconf";
+
+Task<std::shared_ptr<GVariant>> callStore(Bus bus, const char* method, GVariant* arguments,
+                                          std::string connector) {
+    return callDesktop(std::move(bus),
+                       {"org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf", method, arguments},
+                       storeName, std::move(connector));
 }
 
-std::string folderOf(const Screen& screen) { return "/backdrop/screen0/monitor" + screen.connector + "/"; }
+std::string folderOf(const std::string& connector) { return "/backdrop/screen0/monitor" + connector + "/"; }
 
 std::string keyOf(int workspace, const char* name) {
     return fmt::format("{}{}/{}", workspacePrefix, workspace, name);
 }
 
 /// The values below `folder` that are set, by their names in it.
-std::map<std::string, Owned<GVariant>> valuesIn(const Bus& bus, const std::string& folder) {
+Task<std::map<std::string, Owned<GVariant>>> valuesIn(Bus bus, std::string folder, std::string connector) {
     std::map<std::string, Owned<GVariant>> values;
+    std::shared_ptr<GVariant> answer;
     try {
         const std::string base = folder.substr(0, folder.size() - 1);
-        const auto answer = callStore(bus, "GetAllProperties", g_variant_new("(ss)", channel, base.c_str()));
-        const Owned<GVariant> all(g_variant_get_child_value(answer.get(), 0));
-        GVariantIter iterator;
-        g_variant_iter_init(&iterator, all.get());
-        const char* name = nullptr;
-        GVariant* value = nullptr;
-        while (g_variant_iter_next(&iterator, "{&sv}", &name, &value)) {
-            Owned<GVariant> held(value);
-            if (g_str_has_prefix(name, folder.c_str())) {
-                values.emplace(std::string(name).substr(folder.size()), std::move(held));
-            }
-        }
-    } catch (const BusRefusal& refusal) {
+        answer = co_await callStore(bus, "GetAllProperties", g_variant_new("(ss)", channel, base.c_str()),
+                                    connector);
+    } catch (const BusRefusal& error) {
         // The store's word for "nothing is set here".
-        if (!refusal.name().ends_with("NotFound")) throw;
+        if (!error.name().ends_with("NotFound")) throw refusal(error, storeName, connector);
+        co_return values;
     }
-    return values;
+    if (!g_variant_is_of_type(answer.get(), G_VARIANT_TYPE("(a{sv})"))) {
+        throw DesktopPictureError(DesktopPictureError::Case::noAnswer, storeName, connector);
+    }
+    const Owned<GVariant> all(g_variant_get_child_value(answer.get(), 0));
+    GVariantIter iterator;
+    g_variant_iter_init(&iterator, all.get());
+    const char* name = nullptr;
+    GVariant* value = nullptr;
+    while (g_variant_iter_next(&iterator, "{&sv}", &name, &value)) {
+        Owned<GVariant> held(value);
+        if (g_str_has_prefix(name, folder.c_str())) {
+            values.emplace(std::string(name).substr(folder.size()), std::move(held));
+        }
+    }
+    co_return values;
 }
 
 /// The workspaces that the names of the values speak of.
@@ -82,26 +92,32 @@ std::set<int> workspacesIn(const Values& values) {
 
 }  // namespace
 
-bool XfceDesktopPicture::answers(const Bus& bus) {
-    if (!bus) return false;
+Task<bool> XfceDesktopPicture::answers(Bus bus) {
     try {
-        callStore(bus, "ListChannels", nullptr);
-        return true;
-    } catch (const std::runtime_error&) {
+        co_await callOnBus(bus, {.destination = "org.xfce.Xfconf",
+                                 .path = "/org/xfce/Xfconf",
+                                 .interface = "org.xfce.Xfconf",
+                                 .method = "ListChannels",
+                                 .arguments = nullptr,
+                                 .timeoutMilliseconds = desktopAnswerMilliseconds,
+                                 .startsProgram = true});
+        co_return true;
+    } catch (const BusRefusal&) {
         logWarning("The settings of the XFCE desktop cannot be reached.", "wallpaper",
                    std::current_exception());
-        return false;
+        co_return false;
     }
 }
 
-void XfceDesktopPicture::setDesktopImage(const std::filesystem::path& file, const Screen& screen,
-                                         const DesktopImageOptions& options) {
-    requireReadable(file);
-    const DesktopImageOptions before = stateOf(screen);
+Task<void> XfceDesktopPicture::setDesktopImage(DesktopImage image, Screen screen,
+                                               DesktopImageOptions options) {
+    const TaskLock::Hold turn = co_await order_.acquire();
+    co_await requireReadable(windowSystem_.executor(), image.file, storeName, screen.connector);
+    DesktopImageOptions before = co_await stateOf(screen.connector);
     DesktopImageOptions wanted = options;
     // Those alone that can be put back: another one may come at any moment.
     for (const int workspace : workspacesIn(before)) {
-        wanted.emplace(keyOf(workspace, imageKey), variantText(g_variant_new_string(file.c_str())));
+        wanted.emplace(keyOf(workspace, imageKey), variantText(g_variant_new_string(image.file.c_str())));
         if (!options.empty()) continue;
         for (const StyleKey& key : styleKeys) {
             const std::string name = keyOf(workspace, key.name);
@@ -109,89 +125,91 @@ void XfceDesktopPicture::setDesktopImage(const std::filesystem::path& file, cons
             if (!suits) wanted.emplace(name, key.suiting.front());
         }
     }
-    try {
-        store(screen, wanted);
-    } catch (const std::runtime_error&) {
-        const std::exception_ptr failure = std::current_exception();
-        try {
-            store(screen, before);
-        } catch (const std::runtime_error&) {
-            logWarning("The former desktop picture could not be put back.", "wallpaper",
-                       std::current_exception());
-        }
-        std::rethrow_exception(failure);
-    }
+    co_await store(screen.connector, std::move(before), std::move(wanted));
 }
 
-std::optional<std::filesystem::path> XfceDesktopPicture::desktopImage(const Screen& screen) {
-    try {
-        const auto state = stateOf(screen);
-        const auto found = state.find(keyOf(shownWorkspace(), imageKey));
-        return found == state.end() ? std::nullopt : existingFile(stringOfVariantText(found->second));
-    } catch (const std::runtime_error&) {
-        logWarning("The present desktop picture could not be found out.", "wallpaper",
-                   std::current_exception());
-        return std::nullopt;
-    }
+Task<PresentDesktopImage> XfceDesktopPicture::desktopImage(Screen screen) {
+    const TaskLock::Hold turn = co_await order_.acquire();
+    co_return PresentDesktopImage{.file = co_await presentFile(screen.connector)};
 }
 
-std::optional<std::filesystem::path> XfceDesktopPicture::captureDesktopImage(const Screen& screen) {
-    auto file = desktopImage(screen);
-    return file ? file : root_.captureDesktopImage(screen);
+Task<std::optional<std::filesystem::path>> XfceDesktopPicture::captureDesktopImage(Screen screen) {
+    auto present = co_await desktopImage(screen);
+    if (present.file) co_return present.file;
+    co_return co_await root_.captureDesktopImage(screen);
 }
 
 /// The workspaces that show the known file are left out: they follow the file that is set.
-DesktopImageOptions XfceDesktopPicture::desktopImageOptions(const Screen& screen) {
-    const auto file = desktopImage(screen);
-    DesktopImageOptions options = stateOf(screen);
+Task<DesktopImageOptions> XfceDesktopPicture::desktopImageOptions(Screen screen) {
+    const TaskLock::Hold turn = co_await order_.acquire();
+    const auto file = co_await presentFile(screen.connector);
+    DesktopImageOptions options = co_await stateOf(screen.connector);
     std::erase_if(options, [&](const auto& option) {
         return file && option.first.ends_with(imageKey) &&
                stringOfVariantText(option.second) == file->string();
     });
-    return options;
+    co_return options;
+}
+
+Task<std::optional<std::filesystem::path>> XfceDesktopPicture::presentFile(std::string connector) {
+    const DesktopImageOptions state = co_await stateOf(connector);
+    const auto found = state.find(keyOf(co_await shownWorkspace(connector), imageKey));
+    if (found == state.end()) co_return std::nullopt;
+    co_return co_await existingFile(windowSystem_.executor(), stringOfVariantText(found->second));
 }
 
 /// Of the workspaces that the window manager has, and of those that the desktop remembers.
-DesktopImageOptions XfceDesktopPicture::stateOf(const Screen& screen) const {
-    const auto values = valuesIn(bus_, folderOf(screen));
+Task<DesktopImageOptions> XfceDesktopPicture::stateOf(std::string connector) {
+    const auto values = co_await valuesIn(bus_, folderOf(connector), connector);
+    const Workspaces present = co_await windowSystem_.run(connector, &workspaces);
     DesktopImageOptions state;
     const auto put = [&](const std::string& key) {
         const auto found = values.find(key);
         state.emplace(key, found == values.end() ? "" : variantText(found->second.get()));
     };
     std::set<int> numbers = workspacesIn(values);
-    for (int number = 0; number < workspaces().count; ++number) numbers.insert(number);
+    for (int number = 0; number < present.count; ++number) numbers.insert(number);
     for (const int workspace : numbers) {
         put(keyOf(workspace, imageKey));
         for (const StyleKey& key : styleKeys) put(keyOf(workspace, key.name));
     }
-    return state;
+    co_return state;
 }
 
 /// The desktop can show one workspace's pictures on all of them, and does so unless it is told not to.
-int XfceDesktopPicture::shownWorkspace() const {
-    const auto values = valuesIn(bus_, "/backdrop/");
+Task<int> XfceDesktopPicture::shownWorkspace(std::string connector) {
+    const auto values = co_await valuesIn(bus_, "/backdrop/", connector);
     const auto isSingle = values.find("single-workspace-mode");
     const bool isOne = isSingle == values.end() ||
                        !g_variant_is_of_type(isSingle->second.get(), G_VARIANT_TYPE_BOOLEAN) ||
                        g_variant_get_boolean(isSingle->second.get());
-    if (!isOne) return workspaces().shown;
+    if (!isOne) {
+        const Workspaces present = co_await windowSystem_.run(connector, &workspaces);
+        co_return present.shown;
+    }
     const auto number = values.find("single-workspace-number");
-    if (number == values.end() || !g_variant_is_of_type(number->second.get(), G_VARIANT_TYPE_INT32)) return 0;
-    return g_variant_get_int32(number->second.get());
+    if (number == values.end() || !g_variant_is_of_type(number->second.get(), G_VARIANT_TYPE_INT32))
+        co_return 0;
+    co_return g_variant_get_int32(number->second.get());
 }
 
-void XfceDesktopPicture::store(const Screen& screen, const DesktopImageOptions& values) const {
-    const DesktopImageOptions present = stateOf(screen);
-    for (const auto& [key, text] : values) {
-        const std::string property = folderOf(screen) + key;
+Task<void> XfceDesktopPicture::store(std::string connector, DesktopImageOptions present,
+                                     DesktopImageOptions wanted) {
+    for (const auto& [key, text] : wanted) {
+        const std::string property = folderOf(connector) + key;
         const auto found = present.find(key);
         if (found != present.end() ? found->second == text : text.empty()) continue;
-        if (text.empty()) {
-            callStore(bus_, "ResetProperty", g_variant_new("(ssb)", channel, property.c_str(), FALSE));
-        } else {
-            callStore(bus_, "SetProperty",
-                      g_variant_new("(ssv)", channel, property.c_str(), variantOfText(text).get()));
+        try {
+            if (text.empty()) {
+                co_await callStore(bus_, "ResetProperty",
+                                   g_variant_new("(ssb)", channel, property.c_str(), FALSE), connector);
+            } else {
+                co_await callStore(
+                    bus_, "SetProperty",
+                    g_variant_new("(ssv)", channel, property.c_str(), variantOfText(text).get()), connector);
+            }
+        } catch (const BusRefusal& error) {
+            throw refusal(error, storeName, connector);
         }
     }
 }

@@ -1,35 +1,40 @@
 #pragma once
+#include "async/TaskLock.h"
 #include "linux/dbus/SessionBus.h"
+#include "linux/x11/X11Operations.h"
 #include "platform/DesktopPicture.h"
 
 namespace quillmar {
 
 /// XFCE's desktop: each monitor has a picture for every workspace, in the desktop's own settings store. The
 /// options are the store's values, "workspace0/image-style", as GVariant texts; an empty text stands for a
-/// value that is not set.
+/// value that is not set. The desktop has a memory of its own: it forgets no picture.
 class XfceDesktopPicture final : public DesktopPicturing {
 public:
-    /// `root`, which must outlive this, captures the picture that no file is known for.
-    XfceDesktopPicture(Bus bus, DesktopPicturing& root) : bus_(std::move(bus)), root_(root) {}
+    /// `root` captures the picture that no file is known for; it and `pool` must outlive this.
+    XfceDesktopPicture(Bus bus, DesktopPicturing& root, Executor& pool)
+        : bus_(std::move(bus)), root_(root), windowSystem_(pool) {}
 
-    /// Whether the settings store is there or can be started.
-    static bool answers(const Bus& bus);
+    /// Whether the settings store is there or can be started. Throws `std::runtime_error` when it, or the
+    /// bus, does not answer.
+    static Task<bool> answers(Bus bus);
 
-    void setDesktopImage(const std::filesystem::path& file, const Screen& screen,
-                         const DesktopImageOptions& options) override;
-    std::optional<std::filesystem::path> desktopImage(const Screen& screen) override;
-    std::optional<std::filesystem::path> captureDesktopImage(const Screen& screen) override;
-    DesktopImageOptions desktopImageOptions(const Screen& screen) override;
-    /// The desktop has a memory of its own.
-    void recallDesktopImage(const Screen&) override {}
+    bool takesPixels() const override { return false; }
+    Task<void> setDesktopImage(DesktopImage image, Screen screen, DesktopImageOptions options) override;
+    Task<PresentDesktopImage> desktopImage(Screen screen) override;
+    Task<std::optional<std::filesystem::path>> captureDesktopImage(Screen screen) override;
+    Task<DesktopImageOptions> desktopImageOptions(Screen screen) override;
 
 private:
-    DesktopImageOptions stateOf(const Screen& screen) const;
-    int shownWorkspace() const;
-    void store(const Screen& screen, const DesktopImageOptions& values) const;
+    Task<std::optional<std::filesystem::path>> presentFile(std::string connector);
+    Task<DesktopImageOptions> stateOf(std::string connector);
+    Task<int> shownWorkspace(std::string connector);
+    Task<void> store(std::string connector, DesktopImageOptions present, DesktopImageOptions wanted);
 
     Bus bus_;
     DesktopPicturing& root_;
+    X11Operations windowSystem_;
+    TaskLock order_;
 };
 
 }  // namespace quillmar

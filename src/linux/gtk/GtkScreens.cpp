@@ -1,10 +1,12 @@
 #include "linux/gtk/GtkScreens.h"
 
-#include <X11/extensions/Xrandr.h>
+#include <X11/Xlib-xcb.h>
 #include <gdk/gdk.h>
 #include <gdk/gdkx.h>
+#include <xcb/randr.h>
 
 #include "linux/glib/Signal.h"
+#include "linux/x11/OutputMemory.h"
 #include "linux/x11/X11Outputs.h"
 
 namespace quillmar {
@@ -33,13 +35,21 @@ std::uint32_t numberOf(GdkMonitor* monitor) {
     return static_cast<std::uint32_t>(gdk_x11_monitor_get_output(monitor));
 }
 
-std::vector<Screen> readScreens(GdkDisplay* display) {
+/// The toolkit's own connection.
+X11Server serverOf(GdkDisplay* display) {
+    xcb_connection_t* connection = XGetXCBConnection(gdk_x11_display_get_xdisplay(display));
+    xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (int i = DefaultScreen(gdk_x11_display_get_xdisplay(display)); i > 0; --i) xcb_screen_next(&screens);
+    return {connection, screens.data};
+}
+
+std::vector<Screen> readScreens(GdkDisplay* display, OutputMemory& memory) {
     std::vector<Screen> screens;
     GdkMonitor* primary = primaryMonitor(display);
     if (!primary) return screens;
     const GdkRectangle origin = geometryOf(primary);
-    const auto outputs = connectedOutputs(gdk_x11_display_get_xdisplay(display));
-    const auto uuids = outputUuids(outputs);
+    const auto outputs = connectedOutputs(serverOf(display));
+    const auto uuids = memory.identify(outputs);
     for (int i = 0; i < gdk_display_get_n_monitors(display); ++i) {
         GdkMonitor* monitor = gdk_display_get_monitor(display, i);
         GdkRectangle workarea{};
@@ -49,11 +59,13 @@ std::vector<Screen> readScreens(GdkDisplay* display) {
         screen.frame = turned(geometryOf(monitor), origin);
         screen.visibleFrame = turned(workarea, origin);
         screen.scaleFactor = gdk_monitor_get_scale_factor(monitor);
-        for (const ConnectedOutput& output : outputs) {
+        for (std::size_t at = 0; at < outputs.size(); ++at) {
+            const ConnectedOutput& output = outputs[at];
             if (output.number != screen.number) continue;
-            screen.uuid = uuids.at(output.number);
+            screen.uuid = uuids[at];
             screen.connector = output.connector;
             screen.localizedName = outputName(output);
+            screen.area = output.area.value_or(PixelRect{});
         }
         screens.push_back(std::move(screen));
     }
@@ -63,18 +75,20 @@ std::vector<Screen> readScreens(GdkDisplay* display) {
 }  // namespace
 
 struct GtkScreens::State {
-    State()
-        : display(gdk_display_get_default()),
+    State(std::filesystem::path identities, Executor& files)
+        : memory(std::move(identities), files),
+          display(gdk_display_get_default()),
           screen(gdk_display_get_default_screen(display)),
           root(gdk_screen_get_root_window(screen)) {
-        Display* xdisplay = gdk_x11_display_get_xdisplay(display);
-        int errorBase = 0;
-        XRRQueryExtension(xdisplay, &randrEvents, &errorBase);
+        const X11Server server = serverOf(display);
+        const xcb_query_extension_reply_t* randr = xcb_get_extension_data(server.connection, &xcb_randr_id);
+        if (randr) randrEvents = randr->first_event;
         // GDK asks for all but the last: a monitor that is plugged in and stays dark tells on its twin all
         // the same.
-        XRRSelectInput(xdisplay, GDK_WINDOW_XID(root),
-                       RRScreenChangeNotifyMask | RRCrtcChangeNotifyMask | RROutputPropertyNotifyMask |
-                           RROutputChangeNotifyMask);
+        xcb_randr_select_input(server.connection, server.root(),
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
         gdk_window_set_events(
             root, static_cast<GdkEventMask>(gdk_window_get_events(root) | GDK_PROPERTY_CHANGE_MASK));
         gdk_window_add_filter(root, &rootEvent, this);
@@ -93,7 +107,7 @@ struct GtkScreens::State {
         auto* state = static_cast<State*>(data);
         const auto* xevent = static_cast<XEvent*>(event);
         const int randrEvent = xevent->type - state->randrEvents;
-        const bool isRandr = randrEvent == RRScreenChangeNotify || randrEvent == RRNotify;
+        const bool isRandr = randrEvent == XCB_RANDR_SCREEN_CHANGE_NOTIFY || randrEvent == XCB_RANDR_NOTIFY;
         if (isRandr || (xevent->type == PropertyNotify && state->isWorkarea(xevent->xproperty.atom))) {
             state->willHaveChanged();
         }
@@ -118,6 +132,7 @@ struct GtkScreens::State {
         return G_SOURCE_REMOVE;
     }
 
+    OutputMemory memory;
     GdkDisplay* display;
     GdkScreen* screen;
     GdkWindow* root;
@@ -130,11 +145,12 @@ struct GtkScreens::State {
     Signal sizeChanged;
 };
 
-GtkScreens::GtkScreens() : state_(std::make_unique<State>()) {}
+GtkScreens::GtkScreens(std::filesystem::path identities, Executor& files)
+    : state_(std::make_unique<State>(std::move(identities), files)) {}
 GtkScreens::~GtkScreens() = default;
 
 std::vector<Screen> GtkScreens::screens() const {
-    if (!state_->known) state_->known = readScreens(state_->display);
+    if (!state_->known) state_->known = readScreens(state_->display, state_->memory);
     return *state_->known;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
+#include <filesystem>
 #include <memory>
 
+#include "async/Executor.h"
 #include "platform/Screens.h"
 
 namespace quillmar {
@@ -8,7 +10,9 @@ namespace quillmar {
 /// The screens as GDK and RandR have them. Needs a `GtkSession`.
 class GtkScreens final : public ScreensProviding {
 public:
-    GtkScreens();
+    /// Which monitor is which is remembered in the file `identities`, whose folder is made when needed; it is
+    /// read here and written on `files`.
+    GtkScreens(std::filesystem::path identities, Executor& files);
     GtkScreens(const GtkScreens&) = delete;
     GtkScreens& operator=(const GtkScreens&) = delete;
     ~GtkScreens() override;

@@ -75,14 +75,13 @@ std::optional<std::filesystem::path> DesktopImageTable::fileAt(const PixelRect& 
 }
 
 DesktopImageTable DesktopImageTable::painted(std::uint32_t newPixmap, const PixelRect& bounds,
-                                             const PixelRect& area, const std::filesystem::path& file) const {
+                                             const Entry& part) const {
     DesktopImageTable table{newPixmap, {}};
     for (const Entry& entry : entries) {
-        const bool isWhole = entry.area.x + entry.area.width <= bounds.x + bounds.width &&
-                             entry.area.y + entry.area.height <= bounds.y + bounds.height;
-        if (isWhole && !entry.area.intersects(area)) table.entries.push_back(entry);
+        const bool isWhole = entry.area.right() <= bounds.right() && entry.area.bottom() <= bounds.bottom();
+        if (isWhole && !entry.area.intersects(part.area)) table.entries.push_back(entry);
     }
-    table.entries.push_back({area, file});
+    table.entries.push_back(part);
     return table;
 }
 

@@ -27,10 +27,8 @@ struct DesktopImageTable {
     std::string text() const;
     /// The file that exactly this area was painted from.
     std::optional<std::filesystem::path> fileAt(const PixelRect& area) const;
-    /// The table after `file` was painted over `area`, on `newPixmap` with `bounds`, a copy of the pixmap so
-    /// far.
-    DesktopImageTable painted(std::uint32_t newPixmap, const PixelRect& bounds, const PixelRect& area,
-                              const std::filesystem::path& file) const;
+    /// The table after a part was painted on `newPixmap` with `bounds`, a copy of the pixmap so far.
+    DesktopImageTable painted(std::uint32_t newPixmap, const PixelRect& bounds, const Entry& part) const;
 
     bool operator==(const DesktopImageTable&) const = default;
 };

@@ -1,10 +1,12 @@
 #pragma once
-#include <map>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "base/Bytes.h"
-#include "base/Uuid.h"
+#include "base/PixelRect.h"
+#include "display/OutputIdentities.h"
 
 namespace quillmar {
 
@@ -12,13 +14,12 @@ namespace quillmar {
 struct ConnectedOutput {
     std::uint32_t number = 0;  ///< the window server's own name for it
     std::string connector;
-    Bytes edid;  ///< as the monitor sent it; empty when it sends none
+    Bytes edid;                     ///< as the monitor sent it; empty when it sends none
+    std::optional<PixelRect> area;  ///< of the root window that it shows; nothing when switched off
 };
 
-/// The lasting identity of each output's monitor, by the output's number. It follows from the monitor alone,
-/// so that a monitor keeps it on another connector; where the monitor says nothing of itself, or two that are
-/// connected say the same, the connector makes the difference.
-std::map<std::uint32_t, Uuid> outputUuids(const std::vector<ConnectedOutput>& outputs);
+/// What the identities of the outputs' monitors follow from, in the outputs' order.
+std::vector<PluggedMonitor> pluggedMonitors(const std::vector<ConnectedOutput>& outputs);
 
 /// What a person calls the output's monitor: its own name, else its maker and model, else the connector.
 std::string outputName(const ConnectedOutput& output);

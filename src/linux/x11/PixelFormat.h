@@ -16,6 +16,7 @@ public:
         bool operator==(const Layout&) const = default;
     };
 
+    /// Throws `X11Failure` for a layout that cannot be drawn.
     explicit PixelFormat(const Layout& layout);
 
     int bytesPerPixel() const { return layout_.bytesPerPixel; }
@@ -23,8 +24,8 @@ public:
     bool isPlain() const { return isPlain_; }
     /// Four bytes each (blue, green, red, unused) to the server's pixels.
     void pack(std::span<const std::uint8_t> plain, std::span<std::uint8_t> packed) const;
-    /// The server's pixels to three bytes each: red, green, blue.
-    void unpack(std::span<const std::uint8_t> packed, std::span<std::uint8_t> rgb) const;
+    /// The server's pixels to four bytes each, as many as there is room for.
+    void unpack(std::span<const std::uint8_t> packed, std::span<std::uint8_t> plain) const;
 
 private:
     struct Channel {

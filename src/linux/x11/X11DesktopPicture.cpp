@@ -1,50 +1,28 @@
 #include "linux/x11/X11DesktopPicture.h"
 
-#include <X11/Xlib.h>
-#include <isa-l/crc64.h>
-
-#include <algorithm>
 #include <stdexcept>
 
 #include "base/Files.h"
 #include "base/Hash.h"
 #include "base/Text.h"
-#include "diagnostics/Log.h"
-#include "linux/picture/PngEncoder.h"
-#include "linux/x11/X11Connection.h"
 #include "linux/x11/X11Outputs.h"
-#include "linux/x11/X11Pixels.h"
+#include "linux/x11/X11Picture.h"
 #include "linux/x11/X11RootWindow.h"
 
 namespace quillmar {
 
 namespace {
 
-/// The monitors may be rearranged while a picture is decoded for them, but not all the time.
+using Case = DesktopPictureError::Case;
+
+/// The monitors may be rearranged while a picture is handed over for them, but not all the time.
 constexpr int maximumAttempts = 5;
 
-PixelRect areaOf(Display* display, const Screen& screen) {
-    const auto area = outputArea(display, screen.number);
-    if (!area) throw std::runtime_error("The display is no longer connected.");
+PixelRect areaOf(const X11Connection& connection, std::uint32_t screen) {
+    const auto area = outputArea(connection.server(), screen);
+    connection.requireAlive();
+    if (!area) throw X11Failure(Case::disconnected);
     return *area;
-}
-
-Bytes pngOf(std::span<const std::uint8_t> rgb, int width, int height) {
-    MemoryOutput output;
-    PngEncoder encoder(width, height, output);
-    const std::size_t rowBytes = static_cast<std::size_t>(width) * 3;
-    for (; !rgb.empty(); rgb = rgb.subspan(rowBytes)) encoder.writeRow(rgb.first(rowBytes));
-    encoder.finish();
-    return std::move(output.bytes);
-}
-
-std::optional<std::filesystem::path> knownFile(Display* display, const PixelRect& area) {
-    const auto pixmap = rootPixmap(display);
-    const DesktopImageTable table = desktopImageTable(display);
-    auto file = pixmap == table.pixmap ? table.fileAt(area) : std::nullopt;
-    std::error_code ignored;
-    if (file && !std::filesystem::exists(*file, ignored)) file.reset();
-    return file;
 }
 
 struct Layout {
@@ -53,98 +31,129 @@ struct Layout {
     bool operator==(const Layout&) const = default;
 };
 
-/// Each decodes the picture, which takes a while, and grabs the server only after it; false, with nothing
-/// changed on the desktop, when the layout is another one by then.
-bool replaced(Display* display, const Layout& layout, const std::filesystem::path& file,
-              const Screen& screen) {
-    const std::uint32_t pixmap = newRootPixmap(display, layout.root);
-    uploadPicture(display, file, pixmap, layout.area);
-    const X11ServerGrab grab(display);
-    if (Layout{areaOf(display, screen), rootGeometry(display)} == layout) {
-        showRootPixmap(display, pixmap, layout.root, layout.area, file);
+Layout layoutOf(const X11Connection& connection, std::uint32_t screen) {
+    return {areaOf(connection, screen), rootGeometry(connection.server())};
+}
+
+/// Both grab the server only when it has the pixels; false, with nothing changed on the desktop, when the
+/// layout is another one by then.
+bool replaced(const X11Connection& connection, const X11Picture& picture, const Layout& layout,
+              const std::filesystem::path& file, std::uint32_t screen) {
+    const std::uint32_t pixmap = newRootPixmap(connection.server(), layout.root);
+    picture.draw(pixmap, layout.area);
+    const X11ServerGrab grab(connection);
+    if (layoutOf(connection, screen) == layout) {
+        showRootPixmap(connection, pixmap, layout.root, {{layout.area, file}});
         return true;
     }
-    XFreePixmap(display, pixmap);
+    xcb_free_pixmap(connection.get(), pixmap);
     return false;
 }
 
-bool repainted(Display* display, std::uint32_t own, const Layout& layout, const std::filesystem::path& file,
-               const Screen& screen) {
-    const PixelRect whole{0, 0, layout.area.width, layout.area.height};
-    const Pixmap picture =
-        XCreatePixmap(display, DefaultRootWindow(display), static_cast<unsigned>(whole.width),
-                      static_cast<unsigned>(whole.height), layout.root.depth);
-    uploadPicture(display, file, static_cast<std::uint32_t>(picture), whole);
-    const X11ServerGrab grab(display);
-    const bool isCurrent = Layout{areaOf(display, screen), rootGeometry(display)} == layout &&
-                           ownRootPixmap(display, layout.root) == own;
-    if (isCurrent) {
-        repaintRootPixmap(display, own, static_cast<std::uint32_t>(picture), layout.root, layout.area, file);
+bool repainted(const X11Connection& connection, const X11Picture& picture, std::uint32_t own,
+               const Layout& layout, const std::filesystem::path& file, std::uint32_t screen) {
+    const X11ServerGrab grab(connection);
+    if (layoutOf(connection, screen) != layout || ownRootPixmap(connection.server(), layout.root) != own) {
+        return false;
     }
-    XFreePixmap(display, picture);
-    return isCurrent;
+    picture.draw(own, layout.area);
+    showRepainted(connection, own, layout.root, {layout.area, file});
+    return true;
+}
+
+void paint(const X11Connection& connection, const PixelBuffer& pixels, const std::filesystem::path& file,
+           std::uint32_t screen) {
+    const X11Picture picture(connection, {pixels.size(), pixels.descriptor(), 0});
+    for (int attempt = 0; attempt < maximumAttempts; ++attempt) {
+        const Layout layout = layoutOf(connection, screen);
+        const auto own = ownRootPixmap(connection.server(), layout.root);
+        if (own ? repainted(connection, picture, *own, layout, file, screen)
+                : replaced(connection, picture, layout, file, screen)) {
+            return;
+        }
+    }
+    throw X11Failure(Case::rearranged);
+}
+
+PresentDesktopImage presentImage(const X11Connection& connection, const PixelRect& area) {
+    const X11Server& server = connection.server();
+    const auto pixmap = rootPixmap(server);
+    const DesktopImageTable table = desktopImageTable(server);
+    const bool isNobodys = !pixmap || !isPixmap(server, *pixmap);
+    connection.requireAlive();
+    if (isNobodys) return {.isForgotten = true};
+    if (table.pixmap != *pixmap) return {};
+    PresentDesktopImage present{.file = table.fileAt(area)};
+    present.isForgotten = !present.file;
+    std::error_code ignored;
+    if (present.file && !std::filesystem::exists(*present.file, ignored)) present.file.reset();
+    return present;
+}
+
+/// Either a file that is known, or the pixels.
+struct Capture {
+    std::optional<std::filesystem::path> file;
+    SharedPixels pixels;
+};
+
+Capture captured(const X11Connection& connection, const PixelRect& area) {
+    if (auto file = presentImage(connection, area).file) return {std::move(file), nullptr};
+    const auto pixmap = rootPixmap(connection.server());
+    SharedPixels pixels = pixmap ? downloadedPicture(connection, *pixmap, area) : nullptr;
+    connection.requireAlive();
+    if (!pixels) {
+        pixels = std::make_shared<PixelBuffer>(
+            PixelSize{static_cast<int>(area.width), static_cast<int>(area.height)});
+    }
+    return {std::nullopt, std::move(pixels)};
+}
+
+/// Named by what it shows, so that the same picture is written once.
+std::filesystem::path captureName(const PixelBuffer& pixels, const std::string& connector) {
+    const std::span bytes = pixels.bytes();
+    const std::uint64_t hash = fnv1a64({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    return "captured-" + replacingNonAlphanumerics(connector, '-') + "-" +
+           std::to_string(pixels.size().width) + "x" + hexadecimal(hash) + ".png";
 }
 
 }  // namespace
 
-X11DesktopPicture::X11DesktopPicture(std::filesystem::path captureFolder, std::string display)
-    : captureFolder_(std::move(captureFolder)), display_(std::move(display)) {}
+X11DesktopPicture::X11DesktopPicture(Executor& pool, const PictureEncoding& encoding,
+                                     std::filesystem::path captureFolder, std::string display)
+    : encoding_(encoding), captureFolder_(std::move(captureFolder)), operations_(pool, std::move(display)) {}
 
-void X11DesktopPicture::setDesktopImage(const std::filesystem::path& file, const Screen& screen,
-                                        const DesktopImageOptions&) {
-    const X11Connection connection(display_);
-    Display* display = connection.get();
-    X11ErrorTrap trap(display);
-    for (int attempt = 0; attempt < maximumAttempts; ++attempt) {
-        const Layout layout{areaOf(display, screen), rootGeometry(display)};
-        const auto own = ownRootPixmap(display, layout.root);
-        if (own ? repainted(display, *own, layout, file, screen) : replaced(display, layout, file, screen))
-            return;
-    }
-    throw std::runtime_error("The displays are being rearranged.");
+Task<void> X11DesktopPicture::setDesktopImage(DesktopImage image, Screen screen, DesktopImageOptions) {
+    if (!image.pixels) throw std::logic_error("the root window is painted from pixels");
+    co_await operations_.run(screen.connector, [image = std::move(image),
+                                                number = screen.number](const X11Connection& connection) {
+        paint(connection, *image.pixels, image.file, number);
+    });
 }
 
-std::optional<std::filesystem::path> X11DesktopPicture::desktopImage(const Screen& screen) {
-    try {
-        const X11Connection connection(display_);
-        const auto area = outputArea(connection.get(), screen.number);
-        return area ? knownFile(connection.get(), *area) : std::nullopt;
-    } catch (const std::exception&) {
-        logWarning("The present desktop picture could not be found out.", "wallpaper",
-                   std::current_exception());
-        return std::nullopt;
-    }
+Task<PresentDesktopImage> X11DesktopPicture::desktopImage(Screen screen) {
+    co_return co_await operations_.run(screen.connector,
+                                       [number = screen.number](const X11Connection& connection) {
+                                           return presentImage(connection, areaOf(connection, number));
+                                       });
 }
 
-std::optional<std::filesystem::path> X11DesktopPicture::captureDesktopImage(const Screen& screen) {
-    try {
-        const X11Connection connection(display_);
-        const auto area = outputArea(connection.get(), screen.number);
-        if (!area) return std::nullopt;
-        if (auto file = knownFile(connection.get(), *area)) return file;
-        return captured(connection.get(), *area, screen);
-    } catch (const std::exception&) {
-        logWarning("The present desktop picture could not be captured.", "wallpaper",
-                   std::current_exception());
-        return std::nullopt;
-    }
+Task<std::optional<std::filesystem::path>> X11DesktopPicture::captureDesktopImage(Screen screen) {
+    Capture capture =
+        co_await operations_.run(screen.connector, [number = screen.number](const X11Connection& connection) {
+            return captured(connection, areaOf(connection, number));
+        });
+    if (capture.file) co_return capture.file;
+    co_return co_await operations_.executor().run(
+        [pixels = capture.pixels, connector = screen.connector, folder = captureFolder_,
+         encoding = &encoding_]() -> std::optional<std::filesystem::path> {
+            const auto file = folder / captureName(*pixels, connector);
+            if (std::filesystem::exists(file)) return file;
+            createDirectories(folder, 0700);
+            encoding->writePng(*pixels, file);
+            return file;
+        });
 }
 
-std::filesystem::path X11DesktopPicture::captured(Display* display, const PixelRect& area,
-                                                  const Screen& screen) const {
-    const auto pixmap = rootPixmap(display);
-    Bytes rgb = pixmap ? downloadedPicture(display, *pixmap, area) : Bytes();
-    if (rgb.empty())
-        rgb.resize(static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height) * 3);
-    const auto size = static_cast<std::uint64_t>(area.width) << 32 | static_cast<std::uint64_t>(area.height);
-    const std::uint64_t hash = crc64_ecma_refl(size, rgb.data(), rgb.size());
-    const auto file = captureFolder_ / ("captured-" + replacingNonAlphanumerics(screen.connector, '-') + "-" +
-                                        hexadecimal(hash) + ".png");
-    if (std::filesystem::exists(file)) return file;
-    createDirectories(captureFolder_, 0700);
-    const Bytes png = pngOf(rgb, area.width, area.height);
-    writeFileAtomically(file, {reinterpret_cast<const char*>(png.data()), png.size()}, 0600);
-    return file;
-}
+Task<DesktopImageOptions> X11DesktopPicture::desktopImageOptions(Screen) { co_return DesktopImageOptions(); }
 
 }  // namespace quillmar

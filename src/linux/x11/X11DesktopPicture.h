@@ -1,34 +1,31 @@
 #pragma once
+#include "linux/x11/X11Operations.h"
 #include "platform/DesktopPicture.h"
-
-struct _XDisplay;
+#include "platform/PictureRendering.h"
 
 namespace quillmar {
 
-struct PixelRect;
-
 /// The desktop picture as the X root window's background pixmap, for desktops whose root window is to be
-/// seen. Each call has a connection of its own to the X server.
+/// seen. It waits for the X server and the disk on a thread of the pool.
 class X11DesktopPicture final : public DesktopPicturing {
 public:
-    /// Pictures of others that no file is known for are captured to files in `captureFolder`, which is made
-    /// when needed. `display` names the X server; empty: that of the environment.
-    explicit X11DesktopPicture(std::filesystem::path captureFolder, std::string display = {});
+    /// Pictures of others that no file is known for are written by `encoding` to files in `captureFolder`,
+    /// which is made when needed. `display` names the X server; empty: that of the environment. `pool` and
+    /// `encoding` must outlive this.
+    X11DesktopPicture(Executor& pool, const PictureEncoding& encoding, std::filesystem::path captureFolder,
+                      std::string display = {});
 
-    void setDesktopImage(const std::filesystem::path& file, const Screen& screen,
-                         const DesktopImageOptions& options) override;
-    std::optional<std::filesystem::path> desktopImage(const Screen& screen) override;
+    bool takesPixels() const override { return true; }
+    Task<void> setDesktopImage(DesktopImage image, Screen screen, DesktopImageOptions options) override;
+    Task<PresentDesktopImage> desktopImage(Screen screen) override;
     /// A root window that nobody has painted counts as black.
-    std::optional<std::filesystem::path> captureDesktopImage(const Screen& screen) override;
-    DesktopImageOptions desktopImageOptions(const Screen&) override { return {}; }
-    /// What the root window showed lives in the X server alone: there is nothing to recall.
-    void recallDesktopImage(const Screen&) override {}
+    Task<std::optional<std::filesystem::path>> captureDesktopImage(Screen screen) override;
+    Task<DesktopImageOptions> desktopImageOptions(Screen screen) override;
 
 private:
-    std::filesystem::path captured(_XDisplay* display, const PixelRect& area, const Screen& screen) const;
-
+    const PictureEncoding& encoding_;
     std::filesystem::path captureFolder_;
-    std::string display_;
+    X11Operations operations_;
 };
 
 }  // namespace quillmar

@@ -1,91 +1,101 @@
 #include "linux/x11/X11Outputs.h"
 
-#include <X11/Xatom.h>
-#include <X11/Xlib.h>
-#include <X11/extensions/Xrandr.h>
+#include <xcb/randr.h>
 
 #include <algorithm>
-#include <memory>
 #include <span>
-
-#include "linux/x11/X11Connection.h"
+#include <string_view>
 
 namespace quillmar {
 
 namespace {
 
-struct RandrFree {
-    void operator()(XRRScreenResources* resources) const { XRRFreeScreenResources(resources); }
-    void operator()(XRROutputInfo* info) const { XRRFreeOutputInfo(info); }
-    void operator()(XRRCrtcInfo* info) const { XRRFreeCrtcInfo(info); }
-};
-template <class T>
-using Randr = std::unique_ptr<T, RandrFree>;
-
 /// Longer ones are no EDID; in units of four bytes, as the protocol counts.
-constexpr long maximumEdidLength = 8192;
+constexpr std::uint32_t maximumEdidLength = 8192;
 
-bool hasRandr(Display* display) {
-    int event = 0;
-    int error = 0;
-    int major = 0;
-    int minor = 0;
-    return XRRQueryExtension(display, &event, &error) && XRRQueryVersion(display, &major, &minor) &&
-           (major > 1 || minor >= 3);
+bool hasRandr(xcb_connection_t* connection) {
+    const xcb_query_extension_reply_t* extension = xcb_get_extension_data(connection, &xcb_randr_id);
+    if (!extension || !extension->present) return false;
+    const auto version =
+        xcbAnswer(&xcb_randr_query_version_reply, connection, xcb_randr_query_version(connection, 1, 3));
+    return version && (version->major_version > 1 || version->minor_version >= 3);
 }
+
+using Resources = XcbReply<xcb_randr_get_screen_resources_current_reply_t>;
 
 /// What the X server knows already; asking the monitors anew would take a good part of a second.
-Randr<XRRScreenResources> resourcesOf(Display* display) {
-    if (!hasRandr(display)) return nullptr;
-    return Randr<XRRScreenResources>(XRRGetScreenResourcesCurrent(display, DefaultRootWindow(display)));
+Resources resourcesOf(const X11Server& server) {
+    if (!hasRandr(server.connection)) return nullptr;
+    return xcbAnswer(&xcb_randr_get_screen_resources_current_reply, server.connection,
+                     xcb_randr_get_screen_resources_current(server.connection, server.root()));
 }
 
-Bytes edidOf(Display* display, RROutput output) {
-    const Atom property = XInternAtom(display, "EDID", True);
-    if (property == None) return {};
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long left = 0;
-    unsigned char* data = nullptr;
-    if (XRRGetOutputProperty(display, output, property, 0, maximumEdidLength, False, False, AnyPropertyType,
-                             &type, &format, &count, &left, &data) != Success) {
-        return {};
+std::span<const xcb_randr_output_t> outputsOf(const Resources& resources) {
+    return {xcb_randr_get_screen_resources_current_outputs(resources.get()), resources->num_outputs};
+}
+
+XcbReply<xcb_randr_get_output_info_reply_t> infoOf(const X11Server& server, const Resources& resources,
+                                                   xcb_randr_output_t output) {
+    auto info = xcbAnswer(&xcb_randr_get_output_info_reply, server.connection,
+                          xcb_randr_get_output_info(server.connection, output, resources->config_timestamp));
+    if (info && info->status != XCB_RANDR_SET_CONFIG_SUCCESS) info.reset();
+    return info;
+}
+
+std::optional<PixelRect> areaOf(const X11Server& server, const Resources& resources, xcb_randr_crtc_t crtc) {
+    if (crtc == XCB_NONE) return std::nullopt;
+    const auto info =
+        xcbAnswer(&xcb_randr_get_crtc_info_reply, server.connection,
+                  xcb_randr_get_crtc_info(server.connection, crtc, resources->config_timestamp));
+    if (!info || info->status != XCB_RANDR_SET_CONFIG_SUCCESS || info->width == 0 || info->height == 0) {
+        return std::nullopt;
     }
-    const std::unique_ptr<unsigned char, decltype(&XFree)> held(data, &XFree);
-    if (type != XA_INTEGER || format != 8) return {};
-    return Bytes(data, data + count);
+    return PixelRect{info->x, info->y, info->width, info->height};
+}
+
+xcb_atom_t edidAtom(xcb_connection_t* connection) {
+    constexpr std::string_view name = "EDID";
+    const auto atom = xcbAnswer(&xcb_intern_atom_reply, connection,
+                                xcb_intern_atom(connection, 1, name.size(), name.data()));
+    return atom ? atom->atom : xcb_atom_t{XCB_NONE};
+}
+
+Bytes edidOf(xcb_connection_t* connection, xcb_randr_output_t output, xcb_atom_t property) {
+    if (property == XCB_NONE) return {};
+    const auto answer = xcbAnswer(&xcb_randr_get_output_property_reply, connection,
+                                  xcb_randr_get_output_property(connection, output, property, XCB_ATOM_ANY, 0,
+                                                                maximumEdidLength, 0, 0));
+    if (!answer || answer->type != XCB_ATOM_INTEGER || answer->format != 8) return {};
+    const std::uint8_t* data = xcb_randr_get_output_property_data(answer.get());
+    return Bytes(data, data + answer->num_items);
 }
 
 }  // namespace
 
-std::vector<ConnectedOutput> connectedOutputs(Display* display) {
-    X11ErrorTrap trap(display);
+std::vector<ConnectedOutput> connectedOutputs(const X11Server& server) {
     std::vector<ConnectedOutput> outputs;
-    const auto resources = resourcesOf(display);
+    const Resources resources = resourcesOf(server);
     if (!resources) return outputs;
-    for (const RROutput output :
-         std::span(resources->outputs, static_cast<std::size_t>(resources->noutput))) {
-        const Randr<XRROutputInfo> info(XRRGetOutputInfo(display, resources.get(), output));
-        if (!info || info->connection == RR_Disconnected) continue;
-        outputs.push_back({static_cast<std::uint32_t>(output),
-                           std::string(info->name, static_cast<std::size_t>(info->nameLen)),
-                           edidOf(display, output)});
+    const xcb_atom_t edid = edidAtom(server.connection);
+    for (const xcb_randr_output_t output : outputsOf(resources)) {
+        const auto info = infoOf(server, resources, output);
+        if (!info || info->connection == XCB_RANDR_CONNECTION_DISCONNECTED) continue;
+        outputs.push_back(
+            {output,
+             std::string(reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())),
+                         info->name_len),
+             edidOf(server.connection, output, edid), areaOf(server, resources, info->crtc)});
     }
     return outputs;
 }
 
-std::optional<PixelRect> outputArea(Display* display, std::uint32_t output) {
-    X11ErrorTrap trap(display);
-    const auto resources = resourcesOf(display);
-    if (!resources) return std::nullopt;
-    const std::span known(resources->outputs, static_cast<std::size_t>(resources->noutput));
-    if (std::ranges::find(known, RROutput{output}) == known.end()) return std::nullopt;
-    const Randr<XRROutputInfo> info(XRRGetOutputInfo(display, resources.get(), output));
-    if (!info || info->crtc == None) return std::nullopt;
-    const Randr<XRRCrtcInfo> crtc(XRRGetCrtcInfo(display, resources.get(), info->crtc));
-    if (!crtc || crtc->width == 0 || crtc->height == 0) return std::nullopt;
-    return PixelRect{crtc->x, crtc->y, static_cast<int>(crtc->width), static_cast<int>(crtc->height)};
+std::optional<PixelRect> outputArea(const X11Server& server, std::uint32_t output) {
+    const Resources resources = resourcesOf(server);
+    if (!resources || std::ranges::find(outputsOf(resources), output) == outputsOf(resources).end()) {
+        return std::nullopt;
+    }
+    const auto info = infoOf(server, resources, output);
+    return info ? areaOf(server, resources, info->crtc) : std::nullopt;
 }
 
 }  // namespace quillmar

@@ -3,17 +3,15 @@
 #include <vector>
 
 #include "linux/x11/OutputIdentity.h"
-#include "base/PixelRect.h"
-
-struct _XDisplay;
+#include "linux/x11/X11Connection.h"
 
 namespace quillmar {
 
 /// Every output with a monitor, also those that are switched off, in the X server's order. An output that
 /// goes away meanwhile is left out.
-std::vector<ConnectedOutput> connectedOutputs(_XDisplay* display);
+std::vector<ConnectedOutput> connectedOutputs(const X11Server& server);
 
 /// The part of the root window that the output shows now; nothing when it shows none.
-std::optional<PixelRect> outputArea(_XDisplay* display, std::uint32_t output);
+std::optional<PixelRect> outputArea(const X11Server& server, std::uint32_t output);
 
 }  // namespace quillmar

@@ -1,45 +1,37 @@
 #include "linux/x11/X11Workspaces.h"
 
-#include <X11/Xatom.h>
-#include <X11/Xlib.h>
-
 #include <algorithm>
-#include <memory>
 #include <optional>
-
-#include "linux/x11/X11Connection.h"
+#include <string_view>
 
 namespace quillmar {
 
 namespace {
 
 /// No window manager has more; a number beyond it is somebody's mistake.
-constexpr unsigned long maximumCount = 64;
+constexpr std::uint32_t maximumCount = 64;
 
-std::optional<unsigned long> cardinal(Display* display, const char* property) {
-    const Atom name = XInternAtom(display, property, True);
-    if (name == None) return std::nullopt;
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long left = 0;
-    unsigned char* data = nullptr;
-    if (XGetWindowProperty(display, DefaultRootWindow(display), name, 0, 1, False, XA_CARDINAL, &type,
-                           &format, &count, &left, &data) != Success) {
+std::optional<std::uint32_t> cardinal(const X11Server& server, std::string_view property) {
+    const auto name = xcbAnswer(
+        &xcb_intern_atom_reply, server.connection,
+        xcb_intern_atom(server.connection, 1, static_cast<std::uint16_t>(property.size()), property.data()));
+    if (!name || name->atom == XCB_NONE) return std::nullopt;
+    const auto answer =
+        xcbAnswer(&xcb_get_property_reply, server.connection,
+                  xcb_get_property(server.connection, 0, server.root(), name->atom, XCB_ATOM_CARDINAL, 0, 1));
+    if (!answer || answer->type != XCB_ATOM_CARDINAL || answer->format != 32 || answer->value_len != 1) {
         return std::nullopt;
     }
-    const std::unique_ptr<unsigned char, decltype(&XFree)> held(data, &XFree);
-    if (type != XA_CARDINAL || format != 32 || count != 1) return std::nullopt;
-    return *reinterpret_cast<const unsigned long*>(data);
+    return *static_cast<const std::uint32_t*>(xcb_get_property_value(answer.get()));
 }
 
 }  // namespace
 
-Workspaces workspaces(const std::string& display) {
-    const X11Connection connection(display);
+Workspaces workspaces(const X11Connection& connection) {
     const auto count =
-        std::clamp(cardinal(connection.get(), "_NET_NUMBER_OF_DESKTOPS").value_or(1), 1ul, maximumCount);
-    const auto shown = std::min(cardinal(connection.get(), "_NET_CURRENT_DESKTOP").value_or(0), count - 1);
+        std::clamp(cardinal(connection.server(), "_NET_NUMBER_OF_DESKTOPS").value_or(1), 1u, maximumCount);
+    const auto shown = std::min(cardinal(connection.server(), "_NET_CURRENT_DESKTOP").value_or(0), count - 1);
+    connection.requireAlive();
     return {static_cast<int>(count), static_cast<int>(shown)};
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-#include <string>
+#include "linux/x11/X11Connection.h"
 
 namespace quillmar {
 
@@ -9,8 +9,8 @@ struct Workspaces {
     int shown = 0;
 };
 
-/// As the root window of the X server `display` says it (empty: the environment's); one workspace where
-/// nothing is said. Throws `std::runtime_error` when there is no X server.
-Workspaces workspaces(const std::string& display = {});
+/// As the root window says it; one workspace where nothing is said. Throws `X11Failure` when there is no
+/// answer.
+Workspaces workspaces(const X11Connection& connection);
 
 }  // namespace quillmar
