@@ -1,6 +1,7 @@
 #pragma once
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "platform/DesktopPicture.h"
@@ -13,6 +14,9 @@ struct SpannedState {
     std::map<std::string, std::string> monitors;  ///< our pictures by the monitors' connectors
     std::string ownFile;  ///< the desktop's own picture, which the other monitors show
     DesktopImageOptions ownOptions;
+    /// How the desktop lays it out.
+    std::optional<SpannedDesktopPicturing::Layout> ownLayout;
+    std::optional<std::string> arrangement;  ///< of the monitors, when it was composed
 
     /// Reads the file; what is missing or damaged is as good as nothing.
     static SpannedState load(const std::filesystem::path& file);
@@ -24,7 +28,9 @@ struct SpannedState {
         io.required("composed", self.composed)
             .required("monitors", self.monitors)
             .required("ownFile", self.ownFile)
-            .required("ownOptions", self.ownOptions);
+            .required("ownOptions", self.ownOptions)
+            .optional("ownLayout", self.ownLayout)
+            .optional("arrangement", self.arrangement);
     }
 };
 

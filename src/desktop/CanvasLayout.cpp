@@ -1,9 +1,7 @@
-#include "wallpaper/CanvasLayout.h"
+#include "desktop/CanvasLayout.h"
 
 #include <algorithm>
 #include <cmath>
-
-#include "wallpaper/GeneratedWallpaper.h"
 
 namespace quillmar {
 namespace {
@@ -58,8 +56,11 @@ PictureCaption captionOn(PixelSize canvas, const std::string& text) {
 
 Canvas Canvas::of(const DisplayInfo& display) {
     const PixelSize size = canvasSize(display);
+    if (display.pixelSize) {
+        return {size, static_cast<double>(size.width), static_cast<double>(size.height)};
+    }
     const double scale = display.scaleFactor > 1.0 ? display.scaleFactor : 1.0;
-    return {{size.width, size.height}, display.frame.width * scale, display.frame.height * scale};
+    return {size, display.frame.width * scale, display.frame.height * scale};
 }
 
 int maximumPixelSize(ImagePresentationLayout layout, const Canvas& canvas, PixelSize source) {

@@ -1,4 +1,4 @@
-#include "linux/desktop/SpannedState.h"
+#include "desktop/SpannedState.h"
 
 #include <system_error>
 
