@@ -1,8 +1,8 @@
-#include "remote/providers/ApodProvider.h"
+#include "remote/services/ApodService.h"
 
 #include <fmt/format.h>
 
-#include "RemoteProviderFixture.h"
+#include "RemoteServiceFixture.h"
 
 namespace quillmar {
 namespace {
@@ -16,11 +16,11 @@ std::string item(std::string_view date, std::string_view mediaType = "image", st
                        date, name, date, mediaType);
 }
 
-struct ApodProviderTest : RemoteProviderFixture {
-    ApodProvider provider{web, services.apod, clock, random};
+struct ApodServiceTest : RemoteServiceFixture {
+    ApodService service{web, services.apod, clock, random};
 
-    Task<RemotePicture> latest() { return provider.resolve({.apiKey = " KEY\n"}); }
-    Task<RemotePicture> anyDay() { return provider.resolve({.apiKey = "KEY", .switchPeriodically = true}); }
+    Task<RemotePicture> latest() { return service.resolve({.apiKey = " KEY\n"}); }
+    Task<RemotePicture> anyDay() { return service.resolve({.apiKey = "KEY", .switchPeriodically = true}); }
     /// Starts and ends of the windows that were asked for.
     std::string windows() {
         std::string ranges;
@@ -34,7 +34,7 @@ struct ApodProviderTest : RemoteProviderFixture {
     }
 };
 
-TEST_F(ApodProviderTest, theFirstAddressThatTheWebKnowsIsTaken) {
+TEST_F(ApodServiceTest, theFirstAddressThatTheWebKnowsIsTaken) {
     const std::vector<std::array<std::string, 4>> rows = {
         {"http://h/u", "HTTPS://h/hd", "http://h/u", "HTTPS://h/hd"},
         {"", "https://h/hd", "https://h/hd", "https://h/hd"},
@@ -52,7 +52,7 @@ TEST_F(ApodProviderTest, theFirstAddressThatTheWebKnowsIsTaken) {
     }
 }
 
-TEST_F(ApodProviderTest, aDayWithoutAPictureLeadsToTheNewestOneOfTheThirtyDaysBeforeIt) {
+TEST_F(ApodServiceTest, aDayWithoutAPictureLeadsToTheNewestOneOfTheThirtyDaysBeforeIt) {
     const Table rows = {
         {item("2020-03-03", "image", "first"), ""},
         {item("2026-05-02", "video"), window("2026-04-02", "2026-05-01")},
@@ -77,7 +77,7 @@ TEST_F(ApodProviderTest, aDayWithoutAPictureLeadsToTheNewestOneOfTheThirtyDaysBe
     }
 }
 
-TEST_F(ApodProviderTest, theWindowsGoBackOverDaysThatAreNotThereToTheFirstDay) {
+TEST_F(ApodServiceTest, theWindowsGoBackOverDaysThatAreNotThereToTheFirstDay) {
     web.answers("end_date=2026-04-03", {"[" + item("2010-01-01") + "]"});
     EXPECT_EQ(resolved(latest()).picture.sourceDescription, "of 2010-01-01");
     EXPECT_EQ(windows(), window("2026-04-04", "2026-05-03") + window("2026-03-05", "2026-04-03"));
@@ -87,7 +87,7 @@ TEST_F(ApodProviderTest, theWindowsGoBackOverDaysThatAreNotThereToTheFirstDay) {
     EXPECT_EQ(windows(), window("2010-01-16", "2010-02-14") + window("2010-01-01", "2010-01-15"));
 }
 
-TEST_F(ApodProviderTest, anyOtherAnswerEndsTheWalk) {
+TEST_F(ApodServiceTest, anyOtherAnswerEndsTheWalk) {
     web.answers("/apod", {item("2026-05-04", "video")});
     web.answers("start_date", {"{}"});
     EXPECT_EQ(failure(latest()), "expected an array, found an object");
@@ -100,7 +100,7 @@ TEST_F(ApodProviderTest, anyOtherAnswerEndsTheWalk) {
     EXPECT_THAT(asked(), SizeIs(5));
 }
 
-TEST_F(ApodProviderTest, aRandomDayLiesBetweenTheFirstOneAndYesterday) {
+TEST_F(ApodServiceTest, aRandomDayLiesBetweenTheFirstOneAndYesterday) {
     web.answers("&date=2010-01-01", {item("2010-01-01", "IMAGE"), item("2010-01-01", "video")});
     web.answers("&date=2026-05-03", {item("2026-05-03", "video"), item("2026-05-03")});
     draws = {5966, 5966, 0, 0, 1, 0, 2, 0, 3, 0, 0, 0, 0, 0, 0};
@@ -117,7 +117,7 @@ TEST_F(ApodProviderTest, aRandomDayLiesBetweenTheFirstOneAndYesterday) {
     EXPECT_THAT(asked(), Each(EndsWith("&date=2010-01-01")));
 }
 
-TEST_F(ApodProviderTest, cancelledTheWalksAskForNothingMore) {
+TEST_F(ApodServiceTest, cancelledTheWalksAskForNothingMore) {
     draws = {5, 5};
     for (const bool isAnswered : {false, true}) {
         EXPECT_EQ(cancelledAt("&date=", isAnswered, anyDay()), "cancelled");

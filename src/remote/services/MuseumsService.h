@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "async/WallClock.h"
-#include "remote/providers/MuseumCatalog.h"
-#include "remote/providers/RemotePicture.h"
+#include "remote/services/MuseumCatalog.h"
+#include "remote/services/RemotePicture.h"
 
 namespace quillmar {
 
@@ -27,10 +27,10 @@ struct MuseumCandidateCacheEntry {
 
 /// Works of the enabled museums, in an order of its own for each display, and no work on two displays at
 /// once. Main thread.
-class MuseumsProvider {
+class MuseumsService {
 public:
-    MuseumsProvider(RemoteImageFetching& fetching, const RemoteServices& services, const WallClock& clock,
-                    RandomIndex randomIndex)
+    MuseumsService(RemoteImageFetching& fetching, const RemoteServices& services, const WallClock& clock,
+                   RandomIndex randomIndex)
         : fetching_(fetching),
           services_(services),
           clock_(clock),
@@ -41,7 +41,7 @@ public:
 
 private:
     using Context = RemoteImageSelectionContext;
-    Task<RemotePicture> pictureOf(MuseumQuery query, Context context);
+    Task<RemotePicture> pictureOf(MuseumQuery query, Context context, bool showsInformation);
     Task<std::vector<MuseumArtwork>> candidates(MuseumQuery query);
     void remember(MuseumCandidateCacheKey key, std::vector<MuseumArtwork> candidates);
     std::optional<MuseumArtwork> choose(const std::vector<MuseumArtwork>& candidates, const Context& context);

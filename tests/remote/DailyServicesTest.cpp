@@ -1,10 +1,10 @@
 #include <fstream>
 
-#include "RemoteProviderFixture.h"
+#include "RemoteServiceFixture.h"
 #include "fakes/FakeExecutors.h"
 #include "fakes/TemporaryFolder.h"
-#include "remote/providers/BingProvider.h"
-#include "remote/providers/WindowsSpotlightProvider.h"
+#include "remote/services/BingService.h"
+#include "remote/services/WindowsSpotlightService.h"
 #include "storage/LastUsedStamp.h"
 
 namespace quillmar {
@@ -13,11 +13,11 @@ namespace {
 using namespace ::testing;
 using namespace std::chrono_literals;
 
-struct BingProviderTest : RemoteProviderFixture {
-    BingProvider provider{web, services.bing, services.bingWeb};
+struct BingServiceTest : RemoteServiceFixture {
+    BingService service{web, services.bing, services.bingWeb};
 };
 
-TEST_F(BingProviderTest, thePictureOfTheDayIsRelativeToTheWebHost) {
+TEST_F(BingServiceTest, thePictureOfTheDayIsRelativeToTheWebHost) {
     const Table rows = {
         {"/th?id=OHR.Lake_1.jpg&pid=hp", "https://bingweb.example/th?id=OHR.Lake_1.jpg&pid=hp"},
         {"th?id=1", "https://bingweb.example/th?id=1"},
@@ -25,22 +25,22 @@ TEST_F(BingProviderTest, thePictureOfTheDayIsRelativeToTheWebHost) {
     for (const auto& [reference, url] : rows) {
         web.answers("/HPImageArchive",
                     {R"({"images": [{"url": ")" + reference + R"("}, {"url": "/second"}]})"});
-        EXPECT_EQ(resolved(provider.resolve({.market = "pt-pt"})).picture.sourceDescription, std::nullopt);
+        EXPECT_EQ(resolved(service.resolve({.market = "pt-pt"})).picture.sourceDescription, std::nullopt);
         EXPECT_THAT(downloaded(), ElementsAre(url));
         EXPECT_THAT(asked(), ElementsAre("/HPImageArchive.aspx?format=js&idx=0&n=1&mkt=pt-pt"));
     }
     web.answers("/HPImageArchive", {R"({"images": [{"url": "/p.jpg", "copyright": "© Ann"}]})"});
-    EXPECT_EQ(resolved(provider.resolve({})).picture.sourceDescription, "© Ann");
+    EXPECT_EQ(resolved(service.resolve({})).picture.sourceDescription, "© Ann");
 }
 
-TEST_F(BingProviderTest, anAnswerWithoutAPictureIsAFailure) {
+TEST_F(BingServiceTest, anAnswerWithoutAPictureIsAFailure) {
     const std::string unusable = "Bing did not return an image matching the selected options.";
     expectFailures({{R"({"images": []})", unusable},
                     {R"({"images": [{"url": "no url"}]})", unusable},
                     {R"({"images": null})", "images: expected an array, found null"},
                     {R"({"images": [{"copyright": "c"}]})", "images[0].url: missing key"},
                     {"<html>", "not valid JSON"}},
-                   [this] { return provider.resolve({}); });
+                   [this] { return service.resolve({}); });
 }
 
 std::string spotlightAnswer(const std::string& texts, const std::string& asset = "https://i/new.jpg") {
@@ -49,10 +49,10 @@ std::string spotlightAnswer(const std::string& texts, const std::string& asset =
     return R"({"batchrsp": {"items": [{"item": ")" + ad + R"("}]}})";
 }
 
-struct WindowsSpotlightProviderTest : RemoteProviderFixture {
+struct WindowsSpotlightServiceTest : RemoteServiceFixture {
     TemporaryFolder folder;
     InlineExecutor files;
-    WindowsSpotlightProvider provider{web, services.windowsSpotlight, clock, files};
+    WindowsSpotlightService service{web, services.windowsSpotlight, clock, files};
     std::filesystem::path file = folder.path() / "old.jpg";
 
     /// Applied an hour ago, for two hours.
@@ -66,7 +66,7 @@ struct WindowsSpotlightProviderTest : RemoteProviderFixture {
     }
 };
 
-TEST_F(WindowsSpotlightProviderTest, aNewPictureOfTheCountryIsRememberedAsNotYetShown) {
+TEST_F(WindowsSpotlightServiceTest, aNewPictureOfTheCountryIsRememberedAsNotYetShown) {
     struct Row {
         std::string locale;
         std::string country;
@@ -82,7 +82,7 @@ TEST_F(WindowsSpotlightProviderTest, aNewPictureOfTheCountryIsRememberedAsNotYet
     };
     for (const Row& row : rows) {
         web.answers("/selection", {spotlightAnswer(row.texts)});
-        const RemotePicture picture = resolved(provider.resolve({.locale = row.locale}, false)).picture;
+        const RemotePicture picture = resolved(service.resolve({.locale = row.locale}, false)).picture;
         EXPECT_EQ(picture.image, "/cache/new.jpg");
         EXPECT_EQ(picture.sourceDescription, row.credit);
         const WindowsSpotlightSelection selection{
@@ -94,7 +94,7 @@ TEST_F(WindowsSpotlightProviderTest, aNewPictureOfTheCountryIsRememberedAsNotYet
     }
 }
 
-TEST_F(WindowsSpotlightProviderTest, anAnswerWithoutAPictureIsAFailure) {
+TEST_F(WindowsSpotlightServiceTest, anAnswerWithoutAPictureIsAFailure) {
     const std::string unusable = "Windows Spotlight did not return an image matching the selected options.";
     expectFailures({{R"({"batchrsp": {"items": []}})", unusable},
                     {spotlightAnswer("", "no url"), unusable},
@@ -104,10 +104,10 @@ TEST_F(WindowsSpotlightProviderTest, anAnswerWithoutAPictureIsAFailure) {
                     {R"({"batchrsp": {"items": [{"item": {}}]}})", "batchrsp.items[0].item: expected a text"},
                     {R"({"batchrsp": {"items": [{"item": "{}"}]}})", "ad: missing key"},
                     {R"({"batchrsp": {"items": [{"item": "<html>"}]}})", "not valid JSON"}},
-                   [this] { return provider.resolve({}, false); });
+                   [this] { return service.resolve({}, false); });
 }
 
-TEST_F(WindowsSpotlightProviderTest, thePictureThatWasAppliedComesAgainWithinItsInterval) {
+TEST_F(WindowsSpotlightServiceTest, thePictureThatWasAppliedComesAgainWithinItsInterval) {
     struct Row {
         std::string name;
         bool isReused;
@@ -133,7 +133,7 @@ TEST_F(WindowsSpotlightProviderTest, thePictureThatWasAppliedComesAgainWithinIts
     for (const Row& row : rows) {
         WindowsSpotlightSettings settings = remembering();
         row.change(settings);
-        const RemotePicture picture = resolved(provider.resolve(settings, row.advances)).picture;
+        const RemotePicture picture = resolved(service.resolve(settings, row.advances)).picture;
         EXPECT_EQ(picture.image, row.isReused ? file : "/cache/new.jpg") << row.name;
         EXPECT_THAT(asked(), SizeIs(row.isReused ? 0 : 1)) << row.name;
         if (!row.isReused) continue;

@@ -1,8 +1,9 @@
-#include "remote/providers/MuseumAnswers.h"
+#include "remote/services/MuseumAnswers.h"
 
 #include "base/JsonRecord.h"
 #include "base/Text.h"
 #include "base/UrlEditing.h"
+#include "remote/services/ServiceAnswer.h"
 
 namespace quillmar {
 namespace {
@@ -13,13 +14,20 @@ struct ArtInstituteArtwork {
     std::int64_t id = 0;
     Text title;
     Text imageID;
+    Text artist;
     static void describe(auto& self, auto& io) {
-        io.required("id", self.id).optional("title", self.title).optional("image_id", self.imageID);
+        io.required("id", self.id)
+            .optional("title", self.title)
+            .optional("image_id", self.imageID)
+            .optional("artist_title", self.artist);
     }
 };
 struct ArtInstituteConfig {
     std::string iiifURL;
-    static void describe(auto& self, auto& io) { io.required("iiif_url", self.iiifURL); }
+    Text websiteURL;
+    static void describe(auto& self, auto& io) {
+        io.required("iiif_url", self.iiifURL).optional("website_url", self.websiteURL);
+    }
 };
 struct ArtInstituteResponse {
     std::vector<ArtInstituteArtwork> data;
@@ -36,34 +44,50 @@ struct MetropolitanSearchResponse {
 struct MetropolitanObjectResponse {
     std::int64_t objectID = 0;
     bool isPublicDomain = false;
-    std::string primaryImageLarge;
+    Text primaryImage;
+    Text primaryImageLarge;
     Text title;
+    Text artist;
+    Text page;
     static void describe(auto& self, auto& io) {
         io.required("objectID", self.objectID)
             .required("isPublicDomain", self.isPublicDomain)
-            .required("primaryImageLarge", self.primaryImageLarge)
-            .optional("title", self.title);
+            .optional("primaryImage", self.primaryImage)
+            .optional("primaryImageLarge", self.primaryImageLarge)
+            .optional("title", self.title)
+            .optional("artistDisplayName", self.artist)
+            .optional("objectURL", self.page);
     }
 };
 
-struct Identified {
-    std::string id;
-    static void describe(auto& self, auto& io) { io.required("id", self.id); }
+/// An element of a list that holds texts as well as objects with a text under one key, and may hold
+/// anything else, which counts for nothing.
+template <const char* const key>
+struct Mixed {
+    Text text;
 };
+template <const char* const key>
+void read(const json::Value& json, Mixed<key>& value, const json::Place&) {
+    using enum json::Value::Kind;
+    const json::Value* found = json.kind() == object ? json::detail::find(json.members(), key) : &json;
+    if (found && found->kind() == text) value.text = std::string(found->text());
+}
+constexpr char idKey[] = "id";
+constexpr char contentKey[] = "content";
+using Link = Mixed<idKey>;
+using Name = Mixed<contentKey>;
+using Links = std::optional<std::vector<Link>>;
+
 struct RijksmuseumSearchResponse {
-    std::vector<Identified> orderedItems;
+    std::vector<Link> orderedItems;
     static void describe(auto& self, auto& io) { io.required("orderedItems", self.orderedItems); }
-};
-struct Name {
-    Text content;
-    static void describe(auto& self, auto& io) { io.optional("content", self.content); }
 };
 struct RijksmuseumLinkedRecord {
     std::string id;
     std::optional<std::vector<Name>> identifiedBy;
-    std::optional<std::vector<Identified>> shows;
-    std::optional<std::vector<Identified>> digitallyShownBy;
-    std::optional<std::vector<Identified>> accessPoint;
+    Links shows;
+    Links digitallyShownBy;
+    Links accessPoint;
     static void describe(auto& self, auto& io) {
         io.required("id", self.id)
             .optional("identified_by", self.identifiedBy)
@@ -72,6 +96,14 @@ struct RijksmuseumLinkedRecord {
             .optional("access_point", self.accessPoint);
     }
 };
+/// The first text of a list.
+Text firstOf(const auto& list) {
+    if (!list) return std::nullopt;
+    for (const auto& element : *list) {
+        if (element.text) return element.text;
+    }
+    return std::nullopt;
+}
 
 struct ClevelandImage {
     std::string url;
@@ -82,15 +114,23 @@ struct ClevelandImages {
     std::optional<ClevelandImage> print;
     static void describe(auto& self, auto& io) { io.optional("web", self.web).optional("print", self.print); }
 };
+struct ClevelandCreator {
+    Text description;
+    static void describe(auto& self, auto& io) { io.optional("description", self.description); }
+};
 struct ClevelandArtwork {
     std::int64_t id = 0;
     Text title;
     Text shareLicenseStatus;
+    Text page;
+    std::optional<std::vector<ClevelandCreator>> creators;
     std::optional<ClevelandImages> images;
     static void describe(auto& self, auto& io) {
         io.required("id", self.id)
             .optional("title", self.title)
             .optional("share_license_status", self.shareLicenseStatus)
+            .optional("url", self.page)
+            .optional("creators", self.creators)
             .optional("images", self.images);
     }
 };
@@ -110,13 +150,17 @@ struct SMKItem {
     std::optional<bool> isPublicDomain;
     Text imageIIIFID;
     Text imageThumbnail;
+    Text page;
+    Text rights;
     static void describe(auto& self, auto& io) {
         io.required("id", self.id)
             .optional("object_number", self.objectNumber)
             .optional("titles", self.titles)
             .optional("public_domain", self.isPublicDomain)
             .optional("image_iiif_id", self.imageIIIFID)
-            .optional("image_thumbnail", self.imageThumbnail);
+            .optional("image_thumbnail", self.imageThumbnail)
+            .optional("frontend_url", self.page)
+            .optional("rights", self.rights);
     }
 };
 struct SMKResponse {
@@ -142,7 +186,10 @@ struct SmithsonianOnlineMedia {
 };
 struct SmithsonianDescription {
     std::optional<SmithsonianOnlineMedia> onlineMedia;
-    static void describe(auto& self, auto& io) { io.optional("online_media", self.onlineMedia); }
+    Text page;
+    static void describe(auto& self, auto& io) {
+        io.optional("online_media", self.onlineMedia).optional("record_link", self.page);
+    }
 };
 struct SmithsonianContent {
     std::optional<SmithsonianDescription> description;
@@ -167,10 +214,23 @@ struct SmithsonianEnvelope {
 
 std::optional<Url> parsedURL(const Text& text) { return text ? Url::parse(*text) : std::nullopt; }
 
-MuseumArtwork artwork(MuseumsSource source, const std::string& id, const Text& title, Url image) {
+/// What else may be known of a work.
+struct Details {
+    Text artist;
+    Text page;
+    Text licence;
+};
+
+MuseumArtwork artwork(MuseumsSource source, const std::string& id, const Text& title, Url image,
+                      Details details) {
     const bool isTitled = title && !title->empty();
-    return {std::string(identityPrefix(source)) + id, isTitled ? *title : "Untitled", std::move(image),
-            source};
+    return {.identity = std::string(identityPrefix(source)) + id,
+            .title = isTitled ? *title : "Untitled",
+            .imageURL = std::move(image),
+            .source = source,
+            .artist = unlessBlank(std::move(details.artist)),
+            .page = webAddressText(details.page),
+            .licence = unlessBlank(std::move(details.licence))};
 }
 
 std::optional<Url> imageOf(const SmithsonianRow& row) {
@@ -190,12 +250,16 @@ std::optional<Url> imageOf(const SmithsonianRow& row) {
 std::vector<MuseumArtwork> parseArtInstitute(std::string_view json) {
     const auto response = json::decode<ArtInstituteResponse>(json);
     const auto base = Url::parse(response.config.iiifURL);
+    const auto website = webAddress(response.config.websiteURL);
     std::vector<MuseumArtwork> artworks;
     for (const ArtInstituteArtwork& item : response.data) {
         if (!base || !item.imageID) continue;
+        const std::string id = std::to_string(item.id);
+        const Text page = website ? Text(appendingPath(*website, "artworks/" + id).string()) : std::nullopt;
         artworks.push_back(
-            artwork(MuseumsSource::artInstituteChicago, std::to_string(item.id), item.title,
-                    appendingPath(*base, escapedPathComponent(*item.imageID) + "/full/1686,/0/default.jpg")));
+            artwork(MuseumsSource::artInstituteChicago, id, item.title,
+                    appendingPath(*base, escapedPathComponent(*item.imageID) + "/full/1686,/0/default.jpg"),
+                    {item.artist, page, "CC0"}));
     }
     return artworks;
 }
@@ -206,33 +270,29 @@ std::vector<std::int64_t> parseMetropolitanSearch(std::string_view json) {
 
 std::optional<MuseumArtwork> parseMetropolitanObject(std::string_view json) {
     const auto object = json::decode<MetropolitanObjectResponse>(json);
-    auto image = Url::parse(object.primaryImageLarge);
+    auto image = parsedURL(object.primaryImageLarge);
+    if (!image) image = parsedURL(object.primaryImage);
     if (!object.isPublicDomain || !image) return std::nullopt;
     return artwork(MuseumsSource::metropolitanMuseum, std::to_string(object.objectID), object.title,
-                   *std::move(image));
+                   *std::move(image), {object.artist, object.page, "CC0"});
 }
 
 std::vector<Url> parseRijksmuseumSearch(std::string_view json) {
     std::vector<Url> records;
-    for (const Identified& item : json::decode<RijksmuseumSearchResponse>(json).orderedItems) {
-        if (auto url = Url::parse(item.id)) records.push_back(*std::move(url));
+    for (const Link& item : json::decode<RijksmuseumSearchResponse>(json).orderedItems) {
+        if (auto url = parsedURL(item.text)) records.push_back(*std::move(url));
     }
     return records;
 }
 
 RijksmuseumRecord parseRijksmuseumRecord(std::string_view json) {
     auto linked = json::decode<RijksmuseumLinkedRecord>(json);
-    RijksmuseumRecord record{.id = std::move(linked.id)};
-    for (const Name& name : linked.identifiedBy.value_or(std::vector<Name>())) {
-        if (!name.content) continue;
-        record.title = *name.content;
-        break;
-    }
-    for (const auto& links : {linked.shows, linked.digitallyShownBy}) {
-        if (!record.linkedID && links && !links->empty()) record.linkedID = links->front().id;
-    }
-    for (const Identified& point : linked.accessPoint.value_or(std::vector<Identified>())) {
-        if (!record.imageURL) record.imageURL = Url::parse(point.id);
+    RijksmuseumRecord record{.id = std::move(linked.id),
+                             .title = firstOf(linked.identifiedBy).value_or(""),
+                             .linkedID = firstOf(linked.shows)};
+    if (!record.linkedID) record.linkedID = firstOf(linked.digitallyShownBy);
+    for (const Link& point : linked.accessPoint.value_or(std::vector<Link>())) {
+        if (!record.imageURL) record.imageURL = parsedURL(point.text);
     }
     return record;
 }
@@ -242,7 +302,8 @@ MuseumArtwork rijksmuseumArtwork(const RijksmuseumRecord& first, const Url& imag
     auto sized = full == std::string::npos
                      ? std::nullopt
                      : Url::parse(image.string().substr(0, full) + "/full/2000,/0/default.jpg");
-    return artwork(MuseumsSource::rijksmuseum, first.id, first.title, sized.value_or(image));
+    return artwork(MuseumsSource::rijksmuseum, first.id, first.title, sized.value_or(image),
+                   {.page = first.id});
 }
 
 std::vector<MuseumArtwork> parseCleveland(std::string_view json) {
@@ -252,8 +313,10 @@ std::vector<MuseumArtwork> parseCleveland(std::string_view json) {
         const auto& image = item.images->print ? item.images->print : item.images->web;
         auto url = image ? Url::parse(image->url) : std::nullopt;
         if (!url) continue;
+        const bool isSigned = item.creators && !item.creators->empty();
         artworks.push_back(
-            artwork(MuseumsSource::clevelandMuseum, std::to_string(item.id), item.title, *std::move(url)));
+            artwork(MuseumsSource::clevelandMuseum, std::to_string(item.id), item.title, *std::move(url),
+                    {isSigned ? item.creators->front().description : std::nullopt, item.page, "CC0"}));
     }
     return artworks;
 }
@@ -267,7 +330,7 @@ std::vector<MuseumArtwork> parseSMK(std::string_view json) {
         if (!image) continue;
         const Text title = item.titles && !item.titles->empty() ? item.titles->front().title : std::nullopt;
         artworks.push_back(artwork(MuseumsSource::smkDenmark, item.id, title ? title : item.objectNumber,
-                                   *std::move(image)));
+                                   *std::move(image), {{}, item.page, item.rights}));
     }
     return artworks;
 }
@@ -276,7 +339,8 @@ std::vector<MuseumArtwork> parseSmithsonian(std::string_view json) {
     std::vector<MuseumArtwork> artworks;
     for (const SmithsonianRow& row : json::decode<SmithsonianEnvelope>(json).response.rows) {
         if (auto image = imageOf(row)) {
-            artworks.push_back(artwork(MuseumsSource::smithsonian, row.id, row.title, *std::move(image)));
+            artworks.push_back(artwork(MuseumsSource::smithsonian, row.id, row.title, *std::move(image),
+                                       {{}, row.content.description->page, "CC0"}));
         }
     }
     return artworks;

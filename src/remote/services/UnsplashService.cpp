@@ -1,4 +1,4 @@
-#include "remote/providers/UnsplashProvider.h"
+#include "remote/services/UnsplashService.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,8 @@
 #include "base/JsonRecord.h"
 #include "base/Text.h"
 #include "base/UrlEditing.h"
-#include "remote/fetching/RemoteImageProviderError.h"
+#include "remote/fetching/ServiceText.h"
+#include "remote/services/ServiceAnswer.h"
 
 namespace quillmar {
 namespace {
@@ -18,7 +19,10 @@ struct Urls {
 };
 struct Links {
     std::string downloadLocation;
-    static void describe(auto& self, auto& io) { io.required("download_location", self.downloadLocation); }
+    std::optional<std::string> html;
+    static void describe(auto& self, auto& io) {
+        io.required("download_location", self.downloadLocation).optional("html", self.html);
+    }
 };
 struct User {
     std::optional<std::string> name;
@@ -49,7 +53,12 @@ std::string creditOf(const UnsplashResponse& photo) {
 
 UnsplashPhoto parseUnsplash(std::string_view json) {
     const auto photo = json::decode<UnsplashResponse>(json);
-    return {photo.urls.raw.value_or(photo.urls.full), photo.links.downloadLocation, creditOf(photo)};
+    return {.sourceURL = photo.urls.raw.value_or(photo.urls.full),
+            .downloadLocation = photo.links.downloadLocation,
+            .title = photo.description ? photo.description : photo.altDescription,
+            .author = photo.user.name,
+            .page = photo.links.html,
+            .credit = creditOf(photo)};
 }
 
 Url unsplashRequest(const Url& host, const UnsplashSettings& settings) {
@@ -61,10 +70,11 @@ Url unsplashRequest(const Url& host, const UnsplashSettings& settings) {
         {{"orientation", "landscape"}, {filter, std::string(trimmed(settings.filterValue()))}});
 }
 
-Task<RemotePicture> UnsplashProvider::resolve(UnsplashSettings settings, double widthInPixels) {
+Task<RemotePicture> UnsplashService::resolve(UnsplashSettings settings, double widthInPixels) {
     const std::map<std::string, std::string> headers = {
         {"Authorization", "Client-ID " + std::string(trimmed(settings.accessKey))}, {"Accept-Version", "v1"}};
-    const UnsplashPhoto photo = parseUnsplash(
+    const UnsplashPhoto photo = understood(
+        service_, parseUnsplash,
         co_await fetching_.fetchMetadata(service_, unsplashRequest(service_.host, settings), headers));
     const auto source = Url::parse(photo.sourceURL);
     if (!source) throw RemoteImageProviderError(RemoteImageProviderError::Case::noUsableImage, service_.name);
@@ -72,12 +82,21 @@ Task<RemotePicture> UnsplashProvider::resolve(UnsplashSettings settings, double 
     const Url image =
         appendingQueryItems(*source, {{"auto", "format"}, {"fit", "max"}, {"w", std::to_string(width)}});
     co_await countDownload(photo.downloadLocation, headers);
-    co_return RemotePicture{.image = co_await fetching_.downloadImage(service_, image),
-                            .sourceDescription = photo.credit};
+    RemotePicture picture{.image = co_await fetching_.downloadImage(service_, image),
+                          .sourceDescription = photo.credit,
+                          .credit = {.title = unlessBlank(photo.title),
+                                     .author = unlessBlank(photo.author),
+                                     .sourceURL = webAddressText(photo.page),
+                                     .licence = "Unsplash License"}};
+    if (settings.showsAttribution) {
+        picture.overlayCaption =
+            captionOf({photo.title.value_or(""), photo.author.value_or(""), service_.name});
+    }
+    co_return picture;
 }
 
 /// The service asks for it: every use of a photograph is told to it.
-Task<void> UnsplashProvider::countDownload(std::string location, std::map<std::string, std::string> headers) {
+Task<void> UnsplashService::countDownload(std::string location, std::map<std::string, std::string> headers) {
     const auto url = Url::parse(location);
     if (!url) co_return;
     try {

@@ -1,4 +1,4 @@
-#include "remote/providers/MuseumsProvider.h"
+#include "remote/services/MuseumsService.h"
 
 #include <algorithm>
 #include <exception>
@@ -6,6 +6,7 @@
 
 #include "base/Hash.h"
 #include "remote/fetching/RemoteImageProviderError.h"
+#include "remote/fetching/ServiceText.h"
 
 namespace quillmar {
 namespace {
@@ -17,6 +18,22 @@ constexpr std::chrono::seconds candidatesLife{86400};
 constexpr std::size_t maximumCandidates = 128;
 constexpr std::size_t maximumCacheEntries = 16;
 constexpr std::size_t maximumRecent = 64;
+/// Pictures that one turn of a museum may try.
+constexpr int downloadsOfAMuseum = 3;
+
+RemotePicture describedPicture(const MuseumArtwork& artwork, std::filesystem::path image,
+                               const std::string& museum, bool showsInformation) {
+    RemotePicture picture{.image = std::move(image),
+                          .sourceDescription = artwork.title + " — " + museum,
+                          .credit = {.title = artwork.title,
+                                     .author = artwork.artist,
+                                     .sourceURL = artwork.page,
+                                     .licence = artwork.licence}};
+    if (showsInformation) {
+        picture.overlayCaption = captionOf({artwork.title, artwork.artist.value_or(""), museum});
+    }
+    return picture;
+}
 
 }  // namespace
 
@@ -26,7 +43,7 @@ MuseumCandidateCacheKey MuseumCandidateCacheKey::of(const MuseumQuery& query) {
     return key;
 }
 
-Task<RemotePicture> MuseumsProvider::resolve(MuseumsSettings settings, RemoteImageSelectionContext context) {
+Task<RemotePicture> MuseumsService::resolve(MuseumsSettings settings, RemoteImageSelectionContext context) {
     MuseumQuery query{.smithsonianAPIKey = settings.smithsonianAPIKey};
     if (!settings.useAllCategories && !settings.categories.empty()) {
         const auto chosen = static_cast<std::ptrdiff_t>(randomIndex_(settings.categories.size()));
@@ -39,7 +56,7 @@ Task<RemotePicture> MuseumsProvider::resolve(MuseumsSettings settings, RemoteIma
     for (const MuseumsSource source : sources) {
         query.source = source;
         try {
-            co_return co_await pictureOf(query, context);
+            co_return co_await pictureOf(query, context, settings.showsArtworkInformation);
         } catch (const CancellationError&) {
             throw;
         } catch (const std::exception&) {
@@ -50,17 +67,28 @@ Task<RemotePicture> MuseumsProvider::resolve(MuseumsSettings settings, RemoteIma
     std::rethrow_exception(lastError);
 }
 
-Task<RemotePicture> MuseumsProvider::pictureOf(MuseumQuery query, Context context) {
+Task<RemotePicture> MuseumsService::pictureOf(MuseumQuery query, Context context, bool showsInformation) {
     const RemoteService& museum = services_.museum(query.source);
-    const auto artwork = choose(co_await candidates(query), context);
-    if (!artwork) throw Error(Error::Case::noUsableImage, museum.name);
-    auto image = co_await fetching_.downloadImage(museum, artwork->imageURL, maximumImageBytes);
-    record(context, artwork->identity);
-    co_return RemotePicture{.image = std::move(image),
-                            .sourceDescription = artwork->title + " — " + museum.name};
+    std::vector<MuseumArtwork> works = co_await candidates(query);
+    for (int attempt = 1;; ++attempt) {
+        const auto artwork = choose(works, context);
+        if (!artwork) throw Error(Error::Case::noUsableImage, museum.name);
+        std::optional<std::filesystem::path> image;
+        try {
+            image = co_await fetching_.downloadImage(museum, artwork->imageURL, maximumImageBytes);
+        } catch (const Error&) {
+            // Lists name pictures that are gone, and some hosts challenge programs now and then.
+            std::erase(works, *artwork);
+            if (attempt == downloadsOfAMuseum || works.empty()) throw;
+        }
+        co_await throwIfCancelled();
+        if (!image) continue;
+        record(context, artwork->identity);
+        co_return describedPicture(*artwork, *std::move(image), museum.name, showsInformation);
+    }
 }
 
-Task<std::vector<MuseumArtwork>> MuseumsProvider::candidates(MuseumQuery query) {
+Task<std::vector<MuseumArtwork>> MuseumsService::candidates(MuseumQuery query) {
     const auto key = MuseumCandidateCacheKey::of(query);
     const auto found = museumCandidateCache_.find(key);
     if (found != museumCandidateCache_.end() && clock_.now() - found->second.fetchedAt < candidatesLife) {
@@ -78,7 +106,7 @@ Task<std::vector<MuseumArtwork>> MuseumsProvider::candidates(MuseumQuery query) 
     co_return artworks;
 }
 
-void MuseumsProvider::remember(MuseumCandidateCacheKey key, std::vector<MuseumArtwork> candidates) {
+void MuseumsService::remember(MuseumCandidateCacheKey key, std::vector<MuseumArtwork> candidates) {
     const WallTime now = clock_.now();
     museumCandidateCache_.insert_or_assign(key, MuseumCandidateCacheEntry{std::move(candidates), now, now});
     while (museumCandidateCache_.size() > maximumCacheEntries) {
@@ -87,8 +115,8 @@ void MuseumsProvider::remember(MuseumCandidateCacheKey key, std::vector<MuseumAr
     }
 }
 
-std::optional<MuseumArtwork> MuseumsProvider::choose(const std::vector<MuseumArtwork>& candidates,
-                                                     const Context& context) {
+std::optional<MuseumArtwork> MuseumsService::choose(const std::vector<MuseumArtwork>& candidates,
+                                                    const Context& context) {
     const auto& recent = recentMuseumArtworkByContext_[context];
     std::set<std::string> elsewhere;
     for (const auto& [other, identity] : activeMuseumArtworkByContext_) {
@@ -108,7 +136,7 @@ std::optional<MuseumArtwork> MuseumsProvider::choose(const std::vector<MuseumArt
     return *choice[randomIndex_(choice.size())];
 }
 
-void MuseumsProvider::record(const Context& context, const std::string& identity) {
+void MuseumsService::record(const Context& context, const std::string& identity) {
     auto& recent = recentMuseumArtworkByContext_[context];
     std::erase(recent, identity);
     recent.push_back(identity);

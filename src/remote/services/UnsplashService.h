@@ -5,13 +5,16 @@
 
 #include "modes/SearchImageSettings.h"
 #include "remote/fetching/RemoteImageFetching.h"
-#include "remote/providers/RemotePicture.h"
+#include "remote/services/RemotePicture.h"
 
 namespace quillmar {
 
 struct UnsplashPhoto {
     std::string sourceURL;
     std::string downloadLocation;
+    std::optional<std::string> title;
+    std::optional<std::string> author;
+    std::optional<std::string> page;
     std::string credit;  ///< what the photograph shows and whose it is
 };
 /// Throws `JsonRecordError`.
@@ -19,9 +22,9 @@ UnsplashPhoto parseUnsplash(std::string_view json);
 Url unsplashRequest(const Url& host, const UnsplashSettings& settings);
 
 /// A random photograph of Unsplash. Main thread.
-class UnsplashProvider {
+class UnsplashService {
 public:
-    UnsplashProvider(RemoteImageFetching& fetching, RemoteService service)
+    UnsplashService(RemoteImageFetching& fetching, RemoteService service)
         : fetching_(fetching), service_(std::move(service)) {}
     /// `widthInPixels` of the display, before rounding.
     Task<RemotePicture> resolve(UnsplashSettings settings, double widthInPixels);

@@ -7,7 +7,7 @@
 #include "base/RandomIndex.h"
 #include "modes/SearchImageSettings.h"
 #include "remote/fetching/RemoteImageFetching.h"
-#include "remote/providers/RemotePicture.h"
+#include "remote/services/RemotePicture.h"
 
 namespace quillmar {
 
@@ -24,9 +24,9 @@ std::vector<WallhavenImage> parseWallhaven(std::string_view json);
 Url wallhavenRequest(const Url& host, const WallhavenSettings& settings);
 
 /// A picture of a search in Wallhaven. Main thread.
-class WallhavenProvider {
+class WallhavenService {
 public:
-    WallhavenProvider(RemoteImageFetching& fetching, RemoteService service, RandomIndex randomIndex)
+    WallhavenService(RemoteImageFetching& fetching, RemoteService service, RandomIndex randomIndex)
         : fetching_(fetching), service_(std::move(service)), randomIndex_(std::move(randomIndex)) {}
     Task<RemotePicture> resolve(WallhavenSettings settings);
 

@@ -1,4 +1,4 @@
-#include "remote/providers/WindowsSpotlightProvider.h"
+#include "remote/services/WindowsSpotlightService.h"
 
 #include <vector>
 
@@ -6,7 +6,7 @@
 #include "base/Text.h"
 #include "base/UrlEditing.h"
 #include "modes/FileReadable.h"
-#include "remote/fetching/RemoteImageProviderError.h"
+#include "remote/services/ServiceAnswer.h"
 #include "storage/LastUsedStamp.h"
 
 namespace quillmar {
@@ -17,8 +17,8 @@ struct Item {
     static void describe(auto& self, auto& io) { io.required("item", self.item); }
 };
 struct Batch {
-    std::vector<Item> items;
-    static void describe(auto& self, auto& io) { io.required("items", self.items); }
+    std::optional<std::vector<Item>> items;  ///< left out, at random, of an answer without a picture
+    static void describe(auto& self, auto& io) { io.optional("items", self.items); }
 };
 struct SpotlightEnvelope {
     Batch batch;
@@ -51,14 +51,24 @@ std::string countryOf(std::string_view locale) {
     return last.empty() ? "US" : uppercased(last);
 }
 
+/// The picture with the words that the settings want on it: the same ones when it comes again.
+RemotePicture pictureOf(const WindowsSpotlightSettings& settings, WindowsSpotlightSelection selection,
+                        std::filesystem::path file) {
+    RemotePicture picture{.image = std::move(file), .sourceDescription = selection.sourceDescription};
+    if (settings.showsCopyright) picture.overlayCaption = selection.sourceDescription;
+    picture.windowsSpotlightSelection = std::move(selection);
+    return picture;
+}
+
 }  // namespace
 
 std::optional<SpotlightImage> parseSpotlight(std::string_view json) {
     const auto envelope = json::decode<SpotlightEnvelope>(json);
-    if (envelope.batch.items.empty()) return std::nullopt;
-    Ad ad = json::decode<SpotlightPayload>(envelope.batch.items.front().item).ad;
-    auto& credit = ad.copyright ? ad.copyright : ad.iconHoverText ? ad.iconHoverText : ad.title;
-    return SpotlightImage{std::move(ad.landscapeImage.asset), std::move(credit)};
+    const auto& items = envelope.batch.items;
+    if (!items || items->empty()) return std::nullopt;
+    Ad ad = json::decode<SpotlightPayload>(items->front().item).ad;
+    const auto& credit = ad.copyright ? ad.copyright : ad.iconHoverText ? ad.iconHoverText : ad.title;
+    return SpotlightImage{std::move(ad.landscapeImage.asset), ad.title, ad.copyright, credit};
 }
 
 Url spotlightRequest(const Url& host, const std::string& locale) {
@@ -75,25 +85,25 @@ bool isCurrentSelection(const WindowsSpotlightSettings& settings, WallTime now) 
            *last->appliedAt + Seconds(settings.rotationIntervalSeconds) > now;
 }
 
-Task<RemotePicture> WindowsSpotlightProvider::resolve(WindowsSpotlightSettings settings,
-                                                      bool advancesSelection) {
+Task<RemotePicture> WindowsSpotlightService::resolve(WindowsSpotlightSettings settings,
+                                                     bool advancesSelection) {
     if (!advancesSelection && isCurrentSelection(settings, clock_.now())) {
         if (auto picture = co_await remembered(settings)) co_return *std::move(picture);
     }
     const RemoteImageProviderError unusable(RemoteImageProviderError::Case::noUsableImage, service_.name);
     const std::string json = co_await fetching_.fetchMetadata(
         service_, spotlightRequest(service_.host, settings.locale), {{"User-Agent", "Mozilla/5.0"}});
-    const auto image = parseSpotlight(json);
+    const auto image = understood(service_, parseSpotlight, json);
     const auto url = image ? Url::parse(image->asset) : std::nullopt;
     if (!url) throw unusable;
     std::filesystem::path file = co_await fetching_.downloadImage(service_, *url);
     WindowsSpotlightSelection selection{Url::fromFilePath(file), image->credit, settings.locale, {}};
-    co_return RemotePicture{.image = std::move(file),
-                            .sourceDescription = image->credit,
-                            .windowsSpotlightSelection = std::move(selection)};
+    RemotePicture picture = pictureOf(settings, std::move(selection), std::move(file));
+    picture.credit = {.title = unlessBlank(image->title), .licence = unlessBlank(image->copyright)};
+    co_return picture;
 }
 
-Task<std::optional<RemotePicture>> WindowsSpotlightProvider::remembered(WindowsSpotlightSettings settings) {
+Task<std::optional<RemotePicture>> WindowsSpotlightService::remembered(WindowsSpotlightSettings settings) {
     auto& selection = settings.lastSelection;
     const auto file = selection->imageURL.filePath();
     if (!file) co_return std::nullopt;
@@ -103,9 +113,9 @@ Task<std::optional<RemotePicture>> WindowsSpotlightProvider::remembered(WindowsS
         return true;
     });
     if (!isThere) co_return std::nullopt;
-    co_return RemotePicture{.image = *file,
-                            .sourceDescription = selection->sourceDescription,
-                            .windowsSpotlightSelection = selection};
+    RemotePicture picture = pictureOf(settings, *selection, *file);
+    picture.credit.title = unlessBlank(selection->sourceDescription);  // all that is remembered of it
+    co_return picture;
 }
 
 }  // namespace quillmar

@@ -1,4 +1,4 @@
-#include "remote/providers/NasaEpicProvider.h"
+#include "remote/services/NasaEpicService.h"
 
 #include <fmt/format.h>
 
@@ -10,7 +10,8 @@
 #include "base/JsonRecord.h"
 #include "base/Text.h"
 #include "base/UrlEditing.h"
-#include "remote/fetching/RemoteImageProviderError.h"
+#include "remote/fetching/ServiceText.h"
+#include "remote/services/ServiceAnswer.h"
 
 namespace quillmar {
 namespace {
@@ -79,16 +80,20 @@ Url NasaEpicAPI::imageURL(const Url& archiveHost, const NasaEpicObservation& obs
                                  escapedPathComponent(observation.identifier), format));
 }
 
-std::string NasaEpicAPI::caption(const NasaEpicObservation& observation) {
+std::string NasaEpicAPI::momentText(const NasaEpicObservation& observation) {
     const auto minute = std::chrono::floor<std::chrono::minutes>(observation.capturedAt);
     const auto day = std::chrono::floor<std::chrono::days>(minute);
     const std::chrono::hh_mm_ss clock(minute - day);
-    return fmt::format("NASA EPIC  •  {} {:02d}:{:02d} UTC  •  Imagery: NASA EPIC Team", calendarDayText(day),
-                       clock.hours().count(), clock.minutes().count());
+    return fmt::format("{} {:02d}:{:02d} UTC", calendarDayText(day), clock.hours().count(),
+                       clock.minutes().count());
 }
 
-Task<RemotePicture> NasaEpicProvider::resolve(NasaEpicSettings settings, RemoteImageSelectionContext context,
-                                              bool advancesSelection) {
+std::string NasaEpicAPI::caption(const NasaEpicObservation& observation) {
+    return captionOf({"NASA EPIC", momentText(observation), "Imagery: NASA EPIC Team"});
+}
+
+Task<RemotePicture> NasaEpicService::resolve(NasaEpicSettings settings, RemoteImageSelectionContext context,
+                                             bool advancesSelection) {
     std::optional<NasaEpicObservation> observation;
     if (settings.presentation == NasaEpicPresentation::latestObservation) {
         observation = (co_await newestDay(settings)).back();
@@ -97,14 +102,17 @@ Task<RemotePicture> NasaEpicProvider::resolve(NasaEpicSettings settings, RemoteI
     }
     const Url url = NasaEpicAPI::imageURL(archiveHost_, *observation, settings);
     RemotePicture picture{.image = co_await fetching_.downloadImage(service_, url),
-                          .sourceDescription = service_.name};
+                          .sourceDescription = service_.name,
+                          .credit = {.title = service_.name + " " + NasaEpicAPI::momentText(*observation),
+                                     .author = "NASA EPIC Team",
+                                     .sourceURL = service_.host.string()}};
     if (settings.showsCreditAndObservationTime) picture.overlayCaption = NasaEpicAPI::caption(*observation);
     co_return picture;
 }
 
-Task<NasaEpicObservation> NasaEpicProvider::nextInSequence(NasaEpicSettings settings,
-                                                           RemoteImageSelectionContext context,
-                                                           bool advancesSelection) {
+Task<NasaEpicObservation> NasaEpicService::nextInSequence(NasaEpicSettings settings,
+                                                          RemoteImageSelectionContext context,
+                                                          bool advancesSelection) {
     const auto fingerprint = NasaEpicSequenceFingerprint::of(settings);
     const auto found = nasaEpicSequenceByContext_.find(context);
     if (found != nasaEpicSequenceByContext_.end()) {
@@ -125,17 +133,18 @@ Task<NasaEpicObservation> NasaEpicProvider::nextInSequence(NasaEpicSettings sett
 }
 
 /// At least one.
-Task<NasaEpicProvider::Observations> NasaEpicProvider::newestDay(NasaEpicSettings settings) {
-    Observations observations =
-        NasaEpicAPI::parseDay(co_await fetching_.fetchMetadata(service_, address(settings, "")));
+Task<NasaEpicService::Observations> NasaEpicService::newestDay(NasaEpicSettings settings) {
+    Observations observations = understood(service_, NasaEpicAPI::parseDay,
+                                           co_await fetching_.fetchMetadata(service_, address(settings, "")));
     if (observations.empty()) throw Error(Error::Case::noUsableImage, service_.name);
     co_return observations;
 }
 
 /// At least one, of all days that answer.
-Task<NasaEpicProvider::Observations> NasaEpicProvider::recentDays(NasaEpicSettings settings) {
-    std::vector<std::string> days = NasaEpicAPI::parseAvailableDays(
-        co_await fetching_.fetchMetadata(service_, address(settings, "/available")));
+Task<NasaEpicService::Observations> NasaEpicService::recentDays(NasaEpicSettings settings) {
+    std::vector<std::string> days =
+        understood(service_, NasaEpicAPI::parseAvailableDays,
+                   co_await fetching_.fetchMetadata(service_, address(settings, "/available")));
     const auto wanted = static_cast<std::size_t>(std::max(settings.recentDays, 0));
     if (days.size() > wanted) days.resize(wanted);
     Observations all;
@@ -156,7 +165,7 @@ Task<NasaEpicProvider::Observations> NasaEpicProvider::recentDays(NasaEpicSettin
     co_return all;
 }
 
-Url NasaEpicProvider::address(const NasaEpicSettings& settings, const std::string& rest) const {
+Url NasaEpicService::address(const NasaEpicSettings& settings, const std::string& rest) const {
     return appendingPath(service_.host, fmt::format("/api/{}{}", enumName(settings.imageProduct), rest));
 }
 

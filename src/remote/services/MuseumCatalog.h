@@ -5,7 +5,7 @@
 
 #include "base/RandomIndex.h"
 #include "remote/fetching/RemoteImageFetching.h"
-#include "remote/providers/MuseumAnswers.h"
+#include "remote/services/MuseumAnswers.h"
 
 namespace quillmar {
 
@@ -27,13 +27,17 @@ public:
     Task<std::vector<MuseumArtwork>> artworks(MuseumQuery query);
 
 private:
-    Task<std::vector<MuseumArtwork>> metropolitanObjects(std::vector<std::int64_t> ids);
+    Task<std::string> fetchFromMetropolitan(Url url);
+    Task<std::string> metropolitanSearch(MuseumQuery query);
+    Task<std::vector<MuseumArtwork>> metropolitanObjects(MuseumQuery query);
+    Task<std::optional<MuseumArtwork>> metropolitanObject(std::int64_t id);
     Task<std::vector<MuseumArtwork>> rijksmuseumWorks(std::vector<Url> records);
     Task<std::optional<MuseumArtwork>> rijksmuseumWork(Url record);
 
     RemoteImageFetching& fetching_;
     const RemoteServices& services_;
     RandomIndex randomIndex_;
+    TimePoint nextMetropolitanTurn_;
 };
 
 }  // namespace quillmar

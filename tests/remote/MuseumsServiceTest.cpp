@@ -1,8 +1,8 @@
-#include "remote/providers/MuseumsProvider.h"
+#include "remote/services/MuseumsService.h"
 
 #include <fmt/format.h>
 
-#include "remote/RemoteProviderFixture.h"
+#include "remote/RemoteServiceFixture.h"
 
 namespace quillmar {
 namespace {
@@ -105,9 +105,9 @@ TEST(MuseumAnswersTest, onlyFreeWorksWithAPictureCount) {
                 ElementsAre("smithsonian:1 A https://i/1"));
 }
 
-struct MuseumsProviderTest : RemoteProviderFixture {
-    MuseumsProvider museums{web, services, clock,
-                            [this](std::size_t bound) { return chance ? chance(bound) : 0; }};
+struct MuseumsServiceTest : RemoteServiceFixture {
+    MuseumsService museums{web, services, clock,
+                           [this](std::size_t bound) { return chance ? chance(bound) : 0; }};
     std::function<std::size_t(std::size_t)> chance;
 
     /// Cleveland, with works of these numbers.
@@ -126,7 +126,7 @@ struct MuseumsProviderTest : RemoteProviderFixture {
     }
 };
 
-TEST_F(MuseumsProviderTest, aWorkIsCreditedAndItsListServesADay) {
+TEST_F(MuseumsServiceTest, aWorkIsCreditedAndItsListServesADay) {
     web.answers("/api/artworks/", {works({1, 2})});
     const Outcome outcome = on("A");
     EXPECT_EQ(outcome.picture.sourceDescription, "W1 — Cleveland Museum of Art");
@@ -141,7 +141,7 @@ TEST_F(MuseumsProviderTest, aWorkIsCreditedAndItsListServesADay) {
     EXPECT_THAT(downloaded(), ElementsAre("https://i/1", "https://i/2", "https://i/1"));
 }
 
-TEST_F(MuseumsProviderTest, noWorkIsOnTwoDisplaysAndNoneComesBackSoonerThanItMust) {
+TEST_F(MuseumsServiceTest, noWorkIsOnTwoDisplaysAndNoneComesBackSoonerThanItMust) {
     web.answers("/api/artworks/", {works({1, 2, 3})});
     for (const char* display : {"A", "B", "A", "A", "B", "A"}) on(display);
     EXPECT_THAT(downloaded(), ElementsAre("https://i/1", "https://i/2", "https://i/3", "https://i/1",
@@ -155,7 +155,7 @@ TEST_F(MuseumsProviderTest, noWorkIsOnTwoDisplaysAndNoneComesBackSoonerThanItMus
     EXPECT_THAT(asked(), SizeIs(2));
 }
 
-TEST_F(MuseumsProviderTest, theSixtyFifthWorkForgetsTheFirst) {
+TEST_F(MuseumsServiceTest, theSixtyFifthWorkForgetsTheFirst) {
     std::vector<int> numbers(66);
     for (int i = 0; i < 66; ++i) numbers[static_cast<std::size_t>(i)] = i;
     web.answers("/api/artworks/", {works(numbers)});
@@ -164,7 +164,7 @@ TEST_F(MuseumsProviderTest, theSixtyFifthWorkForgetsTheFirst) {
         << "the first is as good as new, before the one that was never shown";
 }
 
-TEST_F(MuseumsProviderTest, aListIsCutAtItsBoundAndAnEmptyOneIsNotKept) {
+TEST_F(MuseumsServiceTest, aListIsCutAtItsBoundAndAnEmptyOneIsNotKept) {
     std::vector<int> numbers(129);
     for (int i = 0; i < 129; ++i) numbers[static_cast<std::size_t>(i)] = i;
     web.answers("/api/artworks/", {works({}), works(numbers)});
@@ -178,7 +178,7 @@ TEST_F(MuseumsProviderTest, aListIsCutAtItsBoundAndAnEmptyOneIsNotKept) {
     EXPECT_EQ(asked.back(), 128u);
 }
 
-TEST_F(MuseumsProviderTest, ofSeventeenListsTheOneThatWasUsedLongestAgoIsForgotten) {
+TEST_F(MuseumsServiceTest, ofSeventeenListsTheOneThatWasUsedLongestAgoIsForgotten) {
     web.answers("/openaccess/",
                 {R"({"response":{"rows":[{"id":"1","content":{"descriptiveNonRepeating":{"online_media":
         {"media":[{"content":"https://i/1","type":"Images","usage":{"access":"CC0"}}]}}}}]}})"});
@@ -198,7 +198,7 @@ TEST_F(MuseumsProviderTest, ofSeventeenListsTheOneThatWasUsedLongestAgoIsForgott
     EXPECT_THAT(asked(), SizeIs(1));
 }
 
-TEST_F(MuseumsProviderTest, aMuseumThatFailsCostsItsTurnAndTheLastFailureIsTheOneToHear) {
+TEST_F(MuseumsServiceTest, aMuseumThatFailsCostsItsTurnAndTheLastFailureIsTheOneToHear) {
     web.answers("/api/artworks/", {works({1})});
     web.answersStatus("/api/v1/art/search/", 503);
     web.answers("/api/v1/artworks/search", {R"({"data":null})"});
@@ -221,7 +221,7 @@ TEST_F(MuseumsProviderTest, aMuseumThatFailsCostsItsTurnAndTheLastFailureIsTheOn
     EXPECT_THAT(asked(), ElementsAre("/api/artworks/?has_image=1&limit=100&skip=0"));
 }
 
-TEST_F(MuseumsProviderTest, theMetropolitanIsAskedForTwelveObjectsAtMost) {
+TEST_F(MuseumsServiceTest, theMetropolitanIsAskedForTwelveObjectsAtMost) {
     web.answers("/v1/search", {R"({"objectIDs":[1,2,3,4,5,6,7,8,9,10,11,12,13,14]})"});
     web.answers("/v1/objects/",
                 {R"({"objectID":5,"isPublicDomain":false,"primaryImageLarge":"","title":"A"})",
@@ -235,7 +235,7 @@ TEST_F(MuseumsProviderTest, theMetropolitanIsAskedForTwelveObjectsAtMost) {
     EXPECT_THAT(asked(), SizeIs(2)) << "the first that fails ends the search";
 }
 
-TEST_F(MuseumsProviderTest, theRijksmuseumLeadsOverThreeRecordsOfItsOwnHostToAPicture) {
+TEST_F(MuseumsServiceTest, theRijksmuseumLeadsOverThreeRecordsOfItsOwnHostToAPicture) {
     std::string items;
     for (int i = 0; i < 10; ++i)
         items += fmt::format(R"({}{{"id":"https://id.elsewhere/w{}"}})", i ? "," : "", i);
@@ -258,7 +258,7 @@ TEST_F(MuseumsProviderTest, theRijksmuseumLeadsOverThreeRecordsOfItsOwnHostToAPi
               "https://i/x.jpg");
 }
 
-TEST_F(MuseumsProviderTest, cancelledInAnyLoopNobodyElseIsAsked) {
+TEST_F(MuseumsServiceTest, cancelledInAnyLoopNobodyElseIsAsked) {
     chance = [](std::size_t bound) { return bound - 1; };  // the order stays
     web.answers("/search/collection", {R"({"orderedItems":[{"id":"https://x/w1"},{"id":"https://x/w2"}]})"});
     web.answers("/v1/search", {R"({"objectIDs":[1,2,3]})"});

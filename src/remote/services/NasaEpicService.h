@@ -7,7 +7,7 @@
 #include "async/WallClock.h"
 #include "modes/NasaEpicSettings.h"
 #include "remote/fetching/RemoteImageFetching.h"
-#include "remote/providers/RemotePicture.h"
+#include "remote/services/RemotePicture.h"
 
 namespace quillmar {
 
@@ -26,6 +26,8 @@ std::vector<NasaEpicObservation> parseDay(std::string_view json);
 std::vector<std::string> parseAvailableDays(std::string_view json);
 Url imageURL(const Url& archiveHost, const NasaEpicObservation& observation,
              const NasaEpicSettings& settings);
+/// "2024-06-15 00:16 UTC"
+std::string momentText(const NasaEpicObservation& observation);
 std::string caption(const NasaEpicObservation& observation);
 }  // namespace NasaEpicAPI
 
@@ -50,10 +52,10 @@ struct NasaEpicSequenceState {
 };
 
 /// The newest whole-Earth picture, or those of the last days one after the other. Main thread.
-class NasaEpicProvider {
+class NasaEpicService {
 public:
-    NasaEpicProvider(RemoteImageFetching& fetching, RemoteService service, Url archiveHost,
-                     const WallClock& clock)
+    NasaEpicService(RemoteImageFetching& fetching, RemoteService service, Url archiveHost,
+                    const WallClock& clock)
         : fetching_(fetching),
           service_(std::move(service)),
           archiveHost_(std::move(archiveHost)),

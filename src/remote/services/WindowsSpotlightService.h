@@ -7,13 +7,15 @@
 #include "async/WallClock.h"
 #include "modes/DailyImageSettings.h"
 #include "remote/fetching/RemoteImageFetching.h"
-#include "remote/providers/RemotePicture.h"
+#include "remote/services/RemotePicture.h"
 
 namespace quillmar {
 
 struct SpotlightImage {
     std::string asset;
-    std::optional<std::string> credit;
+    std::optional<std::string> title;
+    std::optional<std::string> copyright;
+    std::optional<std::string> credit;  ///< the first of what it says of itself
 };
 /// The first picture of an answer; nothing when it has none. Throws `JsonRecordError`.
 std::optional<SpotlightImage> parseSpotlight(std::string_view json);
@@ -23,10 +25,10 @@ Url spotlightRequest(const Url& host, const std::string& locale);
 bool isCurrentSelection(const WindowsSpotlightSettings& settings, WallTime now);
 
 /// The pictures of the Windows lock screen. Main thread; files are looked at on the executor.
-class WindowsSpotlightProvider {
+class WindowsSpotlightService {
 public:
-    WindowsSpotlightProvider(RemoteImageFetching& fetching, RemoteService service, const WallClock& clock,
-                             Executor& files)
+    WindowsSpotlightService(RemoteImageFetching& fetching, RemoteService service, const WallClock& clock,
+                            Executor& files)
         : fetching_(fetching), service_(std::move(service)), clock_(clock), files_(files) {}
     /// Without `advancesSelection` the picture that was applied last comes again for as long as its interval.
     Task<RemotePicture> resolve(WindowsSpotlightSettings settings, bool advancesSelection);

@@ -1,17 +1,17 @@
-#include "RemoteProviderFixture.h"
-#include "remote/providers/UnsplashProvider.h"
-#include "remote/providers/WallhavenProvider.h"
+#include "RemoteServiceFixture.h"
+#include "remote/services/UnsplashService.h"
+#include "remote/services/WallhavenService.h"
 
 namespace quillmar {
 namespace {
 
 using namespace ::testing;
 
-struct WallhavenProviderTest : RemoteProviderFixture {
-    WallhavenProvider provider{web, services.wallhaven, random};
+struct WallhavenServiceTest : RemoteServiceFixture {
+    WallhavenService service{web, services.wallhaven, random};
 };
 
-TEST_F(WallhavenProviderTest, aSearchAsksForWhatIsChosenAndForNothingElse) {
+TEST_F(WallhavenServiceTest, aSearchAsksForWhatIsChosenAndForNothingElse) {
     using Mode = WallhavenResolutionMode;
     const std::string usual = "categories=100&purity=100&sorting=random&order=desc";
     const std::vector<std::pair<WallhavenSettings, std::string>> rows = {
@@ -46,17 +46,17 @@ TEST_F(WallhavenProviderTest, aSearchAsksForWhatIsChosenAndForNothingElse) {
     }
 }
 
-TEST_F(WallhavenProviderTest, chanceChoosesAmongThePicturesThatWereFound) {
+TEST_F(WallhavenServiceTest, chanceChoosesAmongThePicturesThatWereFound) {
     web.answers("/search", {R"({"data": [{"path": "https://w/a.jpg", "short_url": "https://w/s"},
         {"path": "https://w/b.jpg", "short_url": null}], "meta": {}})"});
     draws = {1, 0};
-    EXPECT_EQ(resolved(provider.resolve({})).picture.sourceDescription, "Wallhaven");
-    EXPECT_EQ(resolved(provider.resolve({})).picture.sourceDescription, "https://w/s");
+    EXPECT_EQ(resolved(service.resolve({})).picture.sourceDescription, "Wallhaven");
+    EXPECT_EQ(resolved(service.resolve({})).picture.sourceDescription, "https://w/s");
     EXPECT_THAT(downloaded(), ElementsAre("https://w/b.jpg", "https://w/a.jpg"));
     EXPECT_THAT(bounds, ElementsAre(2, 2));
 }
 
-TEST_F(WallhavenProviderTest, anAnswerWithoutAPictureIsAFailure) {
+TEST_F(WallhavenServiceTest, anAnswerWithoutAPictureIsAFailure) {
     const std::string unusable = "Wallhaven did not return an image matching the selected options.";
     draws = {0, 0};
     expectFailures({{R"({"data": []})", unusable},
@@ -65,14 +65,14 @@ TEST_F(WallhavenProviderTest, anAnswerWithoutAPictureIsAFailure) {
                     {R"({"data": null})", "data: expected an array, found null"},
                     {R"({"data": [{"path": null}]})", "data[0].path: expected a text"},
                     {R"({"error": ""})", "data: missing key"}},
-                   [this] { return provider.resolve({}); });
+                   [this] { return service.resolve({}); });
 }
 
-struct UnsplashProviderTest : RemoteProviderFixture {
-    UnsplashProvider provider{web, services.unsplash};
+struct UnsplashServiceTest : RemoteServiceFixture {
+    UnsplashService service{web, services.unsplash};
 };
 
-TEST_F(UnsplashProviderTest, aPhotographIsAskedForAsTheFilterAndTheDisplaySayAndItsUseIsTold) {
+TEST_F(UnsplashServiceTest, aPhotographIsAskedForAsTheFilterAndTheDisplaySayAndItsUseIsTold) {
     struct Row {
         UnsplashFilter filter;
         std::string item;
@@ -94,7 +94,7 @@ TEST_F(UnsplashProviderTest, aPhotographIsAskedForAsTheFilterAndTheDisplaySayAnd
     for (const Row& row : rows) {
         settings.filter = row.filter;
         web.answers("/photos/random", {R"({"urls": {)" + row.urls + "}, " + rest});
-        EXPECT_EQ(failure(provider.resolve(settings, row.width)), "");  // though the telling is a 404
+        EXPECT_EQ(failure(service.resolve(settings, row.width)), "");  // though the telling is a 404
         for (const auto& request : web.requests) {
             EXPECT_THAT(request.headers,
                         ElementsAre(Pair("Accept-Version", "v1"), Pair("Authorization", "Client-ID KEY")));
@@ -102,11 +102,11 @@ TEST_F(UnsplashProviderTest, aPhotographIsAskedForAsTheFilterAndTheDisplaySayAnd
         EXPECT_THAT(asked(), ElementsAre("/photos/random?orientation=landscape&" + row.item, "/told"));
         EXPECT_THAT(downloaded(), ElementsAre("https://i/" + row.image));
     }
-    EXPECT_EQ(cancelledAt("/told", false, provider.resolve(settings, 1)), "cancelled");
+    EXPECT_EQ(cancelledAt("/told", false, service.resolve(settings, 1)), "cancelled");
     EXPECT_THAT(downloaded(), IsEmpty());
 }
 
-TEST_F(UnsplashProviderTest, theCreditSaysWhatIsThereAndWhoseItIs) {
+TEST_F(UnsplashServiceTest, theCreditSaysWhatIsThereAndWhoseItIs) {
     const std::string described = R"("description": "Lake", "alt_description": "Water", "user": )";
     const std::string otherwise = R"("description": null, "alt_description": "Water", "user": )";
     const Table rows = {
@@ -121,7 +121,7 @@ TEST_F(UnsplashProviderTest, theCreditSaysWhatIsThereAndWhoseItIs) {
     for (const auto& [texts, credit] : rows) EXPECT_EQ(parseUnsplash(before + texts + "}").credit, credit);
 }
 
-TEST_F(UnsplashProviderTest, anAnswerOfAnotherShapeIsAFailureThatNeverShowsTheKey) {
+TEST_F(UnsplashServiceTest, anAnswerOfAnotherShapeIsAFailureThatNeverShowsTheKey) {
     const std::string links = R"("links": {"download_location": "KEY"})";
     const std::string unusable = "Unsplash did not return an image matching the selected options.";
     expectFailures(
@@ -131,7 +131,7 @@ TEST_F(UnsplashProviderTest, anAnswerOfAnotherShapeIsAFailureThatNeverShowsTheKe
          {R"({"urls": {"full": "KEY"}, "links": ["KEY"]})", "links: expected an object, found an array"},
          {R"({"urls": {"full": "f"}, "user": null, )" + links + "}", "user: expected an object, found"},
          {R"("KEY")", "expected an object, found a text"}},
-        [this] { return provider.resolve({.accessKey = "KEY"}, 1); });
+        [this] { return service.resolve({.accessKey = "KEY"}, 1); });
 }
 
 }  // namespace

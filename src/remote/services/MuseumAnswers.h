@@ -16,6 +16,9 @@ struct MuseumArtwork {
     std::string title;     ///< never empty
     Url imageURL;
     MuseumsSource source = MuseumsSource::artInstituteChicago;
+    std::optional<std::string> artist;
+    std::optional<std::string> page;  ///< web address of what the museum says about it
+    std::optional<std::string> licence;
     bool operator==(const MuseumArtwork&) const = default;
 };
 
@@ -33,6 +36,7 @@ std::vector<MuseumArtwork> parseArtInstitute(std::string_view json);
 std::vector<std::int64_t> parseMetropolitanSearch(std::string_view json);
 /// Nothing when the work is not in the public domain or has no picture.
 std::optional<MuseumArtwork> parseMetropolitanObject(std::string_view json);
+/// Items that are no addresses are left out, as they are of every list of this museum.
 std::vector<Url> parseRijksmuseumSearch(std::string_view json);
 RijksmuseumRecord parseRijksmuseumRecord(std::string_view json);
 std::vector<MuseumArtwork> parseCleveland(std::string_view json);

@@ -1,8 +1,8 @@
-#include "remote/providers/NasaEpicProvider.h"
+#include "remote/services/NasaEpicService.h"
 
 #include <fmt/format.h>
 
-#include "RemoteProviderFixture.h"
+#include "RemoteServiceFixture.h"
 
 namespace quillmar {
 namespace {
@@ -22,20 +22,20 @@ std::string day(const std::vector<std::string>& names) {
     return "[" + list + "]";
 }
 
-struct NasaEpicProviderTest : RemoteProviderFixture {
-    NasaEpicProvider provider{web, services.epic, services.epicArchive, clock};
+struct NasaEpicServiceTest : RemoteServiceFixture {
+    NasaEpicService service{web, services.epic, services.epicArchive, clock};
     NasaEpicSettings film{.presentation = NasaEpicPresentation::rotateThroughDays};
     RemoteImageSelectionContext here{RemoteImagePresentation::wallpaper, "display:a"};
 
-    Task<RemotePicture> next() { return provider.resolve(film, here, true); }
+    Task<RemotePicture> next() { return service.resolve(film, here, true); }
     /// The observation that comes next, or the same again without `advances`.
     std::string shown(bool advances = true) {
-        const Outcome outcome = resolved(provider.resolve(film, here, advances));
+        const Outcome outcome = resolved(service.resolve(film, here, advances));
         return outcome.failure.empty() ? outcome.picture.image.stem().string() : outcome.failure;
     }
 };
 
-TEST_F(NasaEpicProviderTest, whatHasNoNameOrNoMomentIsLeftOut) {
+TEST_F(NasaEpicServiceTest, whatHasNoNameOrNoMomentIsLeftOut) {
     const auto observations = NasaEpicAPI::parseDay(R"([
         {"image": "late", "date": "2024-06-05 23:59:59"}, {"image": " ", "date": "2024-06-05 01:00:00"},
         {"image": "t", "date": "2024-06-05T01:00:00"},    {"image": "t", "date": "2024-06-05 1:00:00"},
@@ -49,16 +49,16 @@ TEST_F(NasaEpicProviderTest, whatHasNoNameOrNoMomentIsLeftOut) {
                 ElementsAre("2024-02-29", "2023-12-31"));
 }
 
-TEST_F(NasaEpicProviderTest, theLatestObservationHasItsArchiveAddressAndCaption) {
+TEST_F(NasaEpicServiceTest, theLatestObservationHasItsArchiveAddressAndCaption) {
     NasaEpicSettings settings;
     web.answers("/api/", {R"([{"image": "epic 2", "date": "2024-06-05 07:08:59"}, )"
                           R"({"image": "epic 1", "date": "2024-06-04 23:00:00"}])"});
-    RemotePicture picture = resolved(provider.resolve(settings, here, true)).picture;
+    RemotePicture picture = resolved(service.resolve(settings, here, true)).picture;
     EXPECT_EQ(picture.overlayCaption, "NASA EPIC  •  2024-06-05 07:08 UTC  •  Imagery: NASA EPIC Team");
     settings.imageProduct = NasaEpicImageProduct::enhanced;
     settings.usesFullResolutionPNG = true;
     settings.showsCreditAndObservationTime = false;
-    picture = resolved(provider.resolve(settings, here, true)).picture;
+    picture = resolved(service.resolve(settings, here, true)).picture;
     EXPECT_EQ(picture.overlayCaption, std::nullopt);
     EXPECT_EQ(picture.sourceDescription, "NASA EPIC");
     EXPECT_THAT(asked(), ElementsAre("/api/natural", "/api/enhanced"));
@@ -67,7 +67,7 @@ TEST_F(NasaEpicProviderTest, theLatestObservationHasItsArchiveAddressAndCaption)
                             "https://epicarchive.example/archive/enhanced/2024/06/05/png/epic%202.png"));
 }
 
-TEST_F(NasaEpicProviderTest, anAnswerWithoutObservationsIsNoPicture) {
+TEST_F(NasaEpicServiceTest, anAnswerWithoutObservationsIsNoPicture) {
     const Table rows = {
         {"[]", unusable},
         {R"([{"image": "", "date": "2024-06-05 07:08:59"}])", unusable},
@@ -78,7 +78,7 @@ TEST_F(NasaEpicProviderTest, anAnswerWithoutObservationsIsNoPicture) {
     expectFailures(rows, [this] { return next(); });
 }
 
-TEST_F(NasaEpicProviderTest, theFilmOfTheNewestDayRunsRoundFromItsOldestObservation) {
+TEST_F(NasaEpicServiceTest, theFilmOfTheNewestDayRunsRoundFromItsOldestObservation) {
     web.answers("/api/natural", {day({"e0509", "e0507", "e0508"})});
     web.downloadFails("e0508");
     const std::string broken = "Quillmar could not download the image from NASA EPIC.";
@@ -89,7 +89,7 @@ TEST_F(NasaEpicProviderTest, theFilmOfTheNewestDayRunsRoundFromItsOldestObservat
     EXPECT_THAT(asked(), ElementsAre("/api/natural"));
 }
 
-TEST_F(NasaEpicProviderTest, theFilmOfSeveralDaysIsMadeOfThoseThatAnswer) {
+TEST_F(NasaEpicServiceTest, theFilmOfSeveralDaysIsMadeOfThoseThatAnswer) {
     film.recentDays = 3;
     web.answers("/available", {R"(["2024-06-01", "2024-06-04", "2024-06-03", "2024-06-05"])"});
     web.answers("/date/2024-06-05", {day({"e0507", "e0506"})});
@@ -108,12 +108,12 @@ TEST_F(NasaEpicProviderTest, theFilmOfSeveralDaysIsMadeOfThoseThatAnswer) {
     EXPECT_EQ(shown(), "NASA EPIC returned HTTP 404.");
 }
 
-TEST_F(NasaEpicProviderTest, aSequenceServesItsContextAndSettingsForTwoHours) {
+TEST_F(NasaEpicServiceTest, aSequenceServesItsContextAndSettingsForTwoHours) {
     web.answers("/api/", {day({"e0507", "e0508"})});
     const std::vector<std::pair<std::function<void()>, std::string>> rows = {
         {[] {}, "e0507"},
         {[this] { film.showsCreditAndObservationTime = false; }, "e0508"},
-        {[this] { resolved(provider.resolve({}, here, true)); }, "e0507"},
+        {[this] { resolved(service.resolve({}, here, true)); }, "e0507"},
         {[this] { here.displayID = "display:b"; }, "e0507"},
         {[this] { here = {RemoteImagePresentation::screensaver, "display:a"}; }, "e0507"},
         {[this] { here.presentation = RemoteImagePresentation::wallpaper; }, "e0508"},
@@ -130,7 +130,7 @@ TEST_F(NasaEpicProviderTest, aSequenceServesItsContextAndSettingsForTwoHours) {
     EXPECT_THAT(asked(), SizeIs(7));
 }
 
-TEST_F(NasaEpicProviderTest, cancelledTheDaysAreNotAskedOnAndNoHalfFilmIsKept) {
+TEST_F(NasaEpicServiceTest, cancelledTheDaysAreNotAskedOnAndNoHalfFilmIsKept) {
     film.recentDays = 2;
     web.answers("/available", {R"(["2024-06-04", "2024-06-05"])"});
     web.answers("/date/2024-06-04", {day({"e0407"})});
@@ -143,7 +143,7 @@ TEST_F(NasaEpicProviderTest, cancelledTheDaysAreNotAskedOnAndNoHalfFilmIsKept) {
     EXPECT_THAT(asked(), SizeIs(3));
 }
 
-TEST_F(NasaEpicProviderTest, ofTwoLoadsOfOneContextTheLastOneToEndIsKept) {
+TEST_F(NasaEpicServiceTest, ofTwoLoadsOfOneContextTheLastOneToEndIsKept) {
     web.answers("/api/", {day({"e0407", "e0408"}), day({"e0507", "e0508"})});
     TaskScope tasks(loop);
     std::array<Outcome, 2> outcomes;

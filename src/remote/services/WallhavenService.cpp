@@ -1,4 +1,4 @@
-#include "remote/providers/WallhavenProvider.h"
+#include "remote/services/WallhavenService.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -6,7 +6,7 @@
 #include "base/JsonRecord.h"
 #include "base/Text.h"
 #include "base/UrlEditing.h"
-#include "remote/fetching/RemoteImageProviderError.h"
+#include "remote/services/ServiceAnswer.h"
 
 namespace quillmar {
 namespace {
@@ -53,16 +53,18 @@ Url wallhavenRequest(const Url& host, const WallhavenSettings& s) {
     return appendingQueryItems(appendingPath(host, "/api/v1/search"), items);
 }
 
-Task<RemotePicture> WallhavenProvider::resolve(WallhavenSettings settings) {
+Task<RemotePicture> WallhavenService::resolve(WallhavenSettings settings) {
     const RemoteImageProviderError unusable(RemoteImageProviderError::Case::noUsableImage, service_.name);
     const auto images =
-        parseWallhaven(co_await fetching_.fetchMetadata(service_, wallhavenRequest(service_.host, settings)));
+        understood(service_, parseWallhaven,
+                   co_await fetching_.fetchMetadata(service_, wallhavenRequest(service_.host, settings)));
     if (images.empty()) throw unusable;
     const WallhavenImage& image = images[randomIndex_(images.size())];
     const auto url = Url::parse(image.path);
     if (!url) throw unusable;
     co_return RemotePicture{.image = co_await fetching_.downloadImage(service_, *url),
-                            .sourceDescription = image.shortURL.value_or("Wallhaven")};
+                            .sourceDescription = image.shortURL.value_or("Wallhaven"),
+                            .credit = {.sourceURL = webAddressText(image.shortURL)}};
 }
 
 }  // namespace quillmar

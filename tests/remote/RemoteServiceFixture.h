@@ -7,13 +7,13 @@
 #include "fakes/FakeRemoteImageFetching.h"
 #include "fakes/FakeServices.h"
 #include "fakes/VirtualLoop.h"
-#include "remote/providers/RemotePicture.h"
+#include "remote/services/RemotePicture.h"
 
 namespace quillmar {
 
-/// A provider's world: services that answer from memory, virtual time that begins at 9 o'clock UTC on
+/// A service under test: services that answer from memory, virtual time that begins at 9 o'clock UTC on
 /// 2026-05-04, and chosen chance.
-struct RemoteProviderFixture : ::testing::Test {
+struct RemoteServiceFixture : ::testing::Test {
     struct Outcome {
         RemotePicture picture;
         std::string failure;  ///< empty when there is a picture
