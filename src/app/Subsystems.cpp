@@ -31,7 +31,8 @@ Subsystems::Subsystems(const Ports& platform)
       remoteImageFetcher(
           platform.webSession, platform.backgroundPool, platform.pictureRendering, platform.clock,
           {.cache = applicationSupportDirectoryOrNowhere(platform.environment) / "Cache/Images",
-           .temporary = temporaryDirectoryOrNowhere(platform.environment)}),
+           .temporary = temporaryDirectoryOrNowhere(platform.environment),
+           .userAgent = remoteServices.userAgent}),
       remoteImages({.fetching = remoteImageFetcher,
                     .services = remoteServices,
                     .clock = platform.clock,

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "async/AsyncMutex.h"
+#include "async/TaskLock.h"
 #include "async/TaskScope.h"
 #include "desktop/LastShownPictures.h"
 #include "desktop/PictureWriter.h"
@@ -84,7 +84,7 @@ private:
     std::unique_ptr<DesktopPicturing> spanned_;
     DesktopPicturing* desktop_ = nullptr;  ///< null until the desktop's way is known
     bool forgetsWithSession_ = false;
-    std::map<std::string, AsyncMutex> order_;                 ///< by display
+    std::map<std::string, TaskLock> order_;                 ///< by display
     std::map<std::string, std::filesystem::path> mustShow_;   ///< by display
     std::map<std::string, CacheFileLease> leases_;            ///< by display: on what it shows
     std::map<std::string, std::filesystem::path> lastKnown_;  ///< by display: what the desktop said

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "async/AsyncMutex.h"
+#include "async/TaskLock.h"
 #include "async/Executor.h"
 #include "platform/Screens.h"
 
@@ -30,7 +30,7 @@ private:
     std::filesystem::path file_;
     Executor& executor_;
     std::optional<Pictures> pictures_;  ///< absent until they are read
-    AsyncMutex order_;
+    TaskLock order_;
 };
 
 /// What tells the screen's monitor, or else its connector.

@@ -2,7 +2,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "async/AsyncMutex.h"
+#include "async/TaskLock.h"
 #include "async/Executor.h"
 #include "desktop/SpannedComposition.h"
 #include "desktop/SpannedState.h"
@@ -45,7 +45,7 @@ private:
 
     Services services_;
     std::optional<SpannedState> state_;  ///< absent until it is read
-    AsyncMutex order_;
+    TaskLock order_;
 };
 
 }  // namespace quillmar
