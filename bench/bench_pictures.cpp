@@ -13,10 +13,10 @@
 #include <numbers>
 
 #include "PhotoSamples.h"
+#include "desktop/CanvasLayout.h"
 #include "fakes/TemporaryFolder.h"
 #include "linux/picture/LinuxPictureRendering.h"
 #include "linux/picture/PngReader.h"
-#include "wallpaper/CanvasLayout.h"
 #include "wallpaper/GeneratedWallpaper.h"
 
 namespace quillmar {

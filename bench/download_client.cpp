@@ -8,7 +8,7 @@
 
 #include "async/TaskScope.h"
 #include "async/ThreadPool.h"
-#include "fakes/FakePictureRendering.h"
+#include "base/PublicAddress.h"
 #include "fakes/TemporaryFolder.h"
 #include "linux/glib/GlibMainLoop.h"
 #include "linux/glib/SystemWallClock.h"
@@ -21,10 +21,9 @@ namespace {
 /// Takes every file for a picture: what decoding costs is measured elsewhere.
 class NoLook final : public PictureRendering {
 public:
-    Bytes solidColorPng(int, int, RgbColor) const override { return {}; }
-    void renderImage(const std::filesystem::path&, const PictureComposer&,
-                     const std::filesystem::path&) const override {}
-    bool isPicture(const std::filesystem::path&) const override { return true; }
+    Task<SharedPixels> render(std::filesystem::path, PictureComposer) override { co_return SharedPixels(); }
+    Task<SharedPixels> load(std::filesystem::path, PixelSize) override { co_return SharedPixels(); }
+    Task<bool> isPicture(std::filesystem::path) override { co_return true; }
 };
 
 double peakMegabytes() {
@@ -60,10 +59,10 @@ private:
     GlibMainLoop loop_;
     SystemWallClock clock_;
     ThreadPool pool_{2};
-    SoupHTTPSession session_{loop_, 3};
+    SoupHTTPSession session_{loop_, 3, &isPublicAddress};
     NoLook pictures_;
     RemoteImageFetcher fetcher_{
-        session_, pool_, pictures_, clock_, {folder_.path() / "cache", folder_.path()}};
+        session_, pool_, pictures_, clock_, {folder_.path() / "cache", folder_.path(), "bench"}};
 };
 
 }  // namespace

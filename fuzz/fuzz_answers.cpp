@@ -6,13 +6,13 @@
 #include <string_view>
 
 #include "base/JsonError.h"
-#include "remote/providers/ApodProvider.h"
-#include "remote/providers/BingProvider.h"
-#include "remote/providers/MuseumAnswers.h"
-#include "remote/providers/NasaEpicProvider.h"
-#include "remote/providers/UnsplashProvider.h"
-#include "remote/providers/WallhavenProvider.h"
-#include "remote/providers/WindowsSpotlightProvider.h"
+#include "remote/services/ApodService.h"
+#include "remote/services/BingService.h"
+#include "remote/services/MuseumAnswers.h"
+#include "remote/services/NasaEpicService.h"
+#include "remote/services/UnsplashService.h"
+#include "remote/services/WallhavenService.h"
+#include "remote/services/WindowsSpotlightService.h"
 
 namespace quillmar {
 namespace {

@@ -10,6 +10,7 @@
 #include "app/CommandLine.h"
 #include "app/OfflineBackup.h"
 #include "async/ThreadPool.h"
+#include "base/PublicAddress.h"
 #include "diagnostics/DiagnosticLog.h"
 #include "diagnostics/DiagnosticPipeline.h"
 #include "diagnostics/HTTPErrorReporter.h"
@@ -174,8 +175,8 @@ private:
     LinuxPictureRendering rendering_;
     ThreadPool pool_{4};
     SerialExecutor logFiles_{pool_};
-    SoupHTTPSession reportSession_{loop_, 1};
-    SoupHTTPSession webSession_{loop_, maximumConnectionsPerHost};
+    SoupHTTPSession reportSession_{loop_, 1, &isPublicAddress};
+    SoupHTTPSession webSession_{loop_, maximumConnectionsPerHost, &isPublicAddress};
     HTTPErrorReporter reporter_{
         loop_, clock_, logFiles_, reportSession_, scrubber_, supportFolder_ / "ErrorQueue", reportEndpoint()};
     DiagnosticPipeline pipeline_{loop_, clock_, logFiles_, reporter_, supportFolder_ / "Logs"};

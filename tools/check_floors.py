@@ -20,7 +20,7 @@ FLOORS = [
     ["diagnostics"],
     ["display", "storage"],
     ["settings", "remote/fetching"],
-    ["remote/providers"],
+    ["remote/services"],
     ["remote"],
     ["wallpaper"],
     ["app"],

@@ -3,15 +3,15 @@
 #include <optional>
 
 #include "app/ApplicationInstanceLock.h"
-#include "app/ApplicationMenuController.h"
 #include "app/ApplicationQuitController.h"
 #include "app/ApplicationStartupTask.h"
+#include "app/CacheUpkeep.h"
+#include "app/ConfiguredWallpapers.h"
 #include "app/ControlService.h"
+#include "app/Lives.h"
 #include "app/Ports.h"
+#include "app/Rotation.h"
 #include "app/Subsystems.h"
-#include "async/Timer.h"
-#include "display/DisplayConfigurationChangeCoordinator.h"
-#include "storage/CacheMaintenanceScheduler.h"
 
 namespace quillmar {
 
@@ -24,8 +24,7 @@ enum class TerminateReply { terminateNow, terminateCancel, terminateLater };
 /// stopped and saved at quit. Main thread.
 class AppDelegate {
 public:
-    AppDelegate(const Ports& platform, std::unique_ptr<ApplicationInstanceLock> instanceLock,
-                ApplicationMenuController::Install installMenu);
+    AppDelegate(const Ports& ports, std::unique_ptr<ApplicationInstanceLock> instanceLock);
 
     /// Whether this is the instance that does the work. A second one only brings the first to the front.
     bool isPrimary() const { return instanceLock_ != nullptr; }
@@ -42,38 +41,32 @@ public:
     ApplicationQuitController& quitController() { return quitController_; }
     /// The features; null until the primary instance has begun to launch, and always in a second one.
     Subsystems* subsystems() { return subsystems_.get(); }
-    void applicationDidChangeScreenParameters();
 
 private:
+    /// What runs in the primary instance, and the one list of it.
+    struct Running {
+        Running(const Ports& ports, Subsystems& subsystems);
+        LastServicePictures lastPictures;
+        CacheUpkeep cache;
+        Rotation rotation;
+        ConfiguredWallpapers wallpapers;
+        NetworkRecovery network;
+        Lives lives;
+    };
     Task<void> forwardActivation();
     Task<void> startUp();
     Task<void> showSettingsRecoveryAlert();
-    Task<void> sweepCacheAtStart();
-    Task<void> sweepCachePeriodically();
-    std::optional<FilePaths> filesOfSettings() const;
-    DisplayIDs displaysOfServices() const;
-    void recallPicturesOfServices();
-    void followNetwork();
-    Task<void> retryFailedServices();
-    Task<void> applyWallpapersAtStart();
-    Task<TopologyApplyResult> applyWallpapers();
     Task<void> shutDown();
     Task<bool> keepsRunningAfterFailedSave();
-    void resumeAfterCancelledTermination();
     bool isSettingsWindowVisible() const;
-    DisplayConfigurationChangeCoordinator& displayCoordinator();
-    void reportTopologyFailure(const TopologyApplyResult& result) const;
 
-    Ports platform_;
+    Ports ports_;
     std::unique_ptr<ApplicationInstanceLock> instanceLock_;
-    ApplicationMenuController applicationMenuController_;
     ApplicationQuitController quitController_;
     bool isPreparingToTerminate_ = false;
     std::unique_ptr<Subsystems> subsystems_;
-    CacheMaintenanceScheduler cacheMaintenanceScheduler_;
     std::optional<ControlService> control_;
-    std::optional<DisplayConfigurationChangeCoordinator> displayCoordinator_;
-    OneShotTimer networkSettling_;
+    std::optional<Running> running_;
     ApplicationStartupTask startupTask_;
     TaskScope tasks_;
 };

@@ -31,7 +31,7 @@ ControlService::ControlService(const Ports& platform, Subsystems& subsystems, st
                   .clock = platform.clock,
                   .version = platform.bundle.semanticVersion("unknown"),
                   .displays = subsystems.displays,
-                  .desktopPicture = platform.desktopPicture,
+                  .desktop = subsystems.desktopPictures,
                   .grantFor =
                       [files = &platform.backgroundPool](Url url) { return grantFor(files, std::move(url)); },
                   .readKey = [files = &platform.backgroundPool](

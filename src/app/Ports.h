@@ -38,8 +38,9 @@ struct Ports {
     UsageReporting& usageReporting;
     AlertPresenting& alerts;
     ScreensProviding& screens;
-    DesktopPicturing& desktopPicture;
+    DesktopChoosing& desktop;
     PictureRendering& pictureRendering;
+    const PictureEncoding& pictureEncoding;
     RemoteNotificationCenter& notificationCenter;
     HTTPSession& webSession;                      ///< for picture services
     SettingsWindowing* settingsWindow = nullptr;  ///< absent where the program has none to show

@@ -11,6 +11,7 @@
 #include "remote/fetching/RemoteImageFetcher.h"
 #include "settings/AppSettingsModel.h"
 #include "storage/CacheMaintenanceService.h"
+#include "wallpaper/StaticPictures.h"
 #include "wallpaper/WallpaperCoordinator.h"
 #include "wallpaper/WallpaperRotationCoordinator.h"
 #include "wallpaper/WallpaperService.h"
@@ -37,7 +38,12 @@ public:
     RemoteImageResolver remoteImages;
     RemoteErrorNotificationService remoteErrorNotifications;
     WallpaperApplicationGate wallpaperGate;
+    SerialExecutor pictureFiles;
+    PictureWriter pictureWriter;
+    SerialExecutor desktopFiles;
+    DesktopPictures desktopPictures;
     WallpaperRenderer wallpaperRenderer;
+    StaticPictures staticPictures;
     WallpaperService wallpaperService;
     WallpaperSettingsTransactionService wallpaperTransactions;
     WallpaperCoordinator wallpaperCoordinator;

@@ -76,8 +76,8 @@ Task<ControlReply> WallpaperCommand::run(ControlCall call) {
     co_await services_.settingsModel.loaded();
     std::vector<std::string> words(std::next(call.arguments.begin()), call.arguments.end());
     try {
-        if (call.arguments.front() == "status") co_return status(words);
-        if (words.empty() || words.front().starts_with("--")) co_return list(words);
+        if (call.arguments.front() == "status") co_return co_await status(std::move(words));
+        if (words.empty() || words.front().starts_with("--")) co_return co_await list(std::move(words));
         if (words.front() == "set")
             co_return co_await set(std::move(words), std::move(call.workingDirectory));
         if (words.front() == "next") co_return co_await showNext(std::move(words));
@@ -126,18 +126,21 @@ Task<ControlReply> WallpaperCommand::showNext(std::vector<std::string> words) {
     co_return replyOf(co_await services_.coordinator.enqueue(ids, WallpaperApplyReason::rotation));
 }
 
-ControlReply WallpaperCommand::list(const std::vector<std::string>& words) const {
-    std::vector<WallpaperStatus> displays = statuses();
-    return {.output = isJsonAsked(words) ? statusAsJson(std::move(displays)) : statusAsText(displays)};
+Task<ControlReply> WallpaperCommand::list(std::vector<std::string> words) const {
+    std::vector<WallpaperStatus> displays = co_await statuses();
+    co_return ControlReply{.output = isJsonAsked(words) ? statusAsJson(std::move(displays))
+                                                        : statusAsText(displays)};
 }
 
-ControlReply WallpaperCommand::status(const std::vector<std::string>& words) const {
+Task<ControlReply> WallpaperCommand::status(std::vector<std::string> words) const {
     ProgramStatus program{services_.version, services_.settingsModel.settings().general.pauseRotations,
-                          statuses()};
-    return {.output = isJsonAsked(words) ? statusAsJson(std::move(program)) : statusAsText(program)};
+                          co_await statuses()};
+    co_return ControlReply{.output =
+                               isJsonAsked(words) ? statusAsJson(std::move(program)) : statusAsText(program)};
 }
 
-std::vector<WallpaperStatus> WallpaperCommand::statuses() const {
+Task<std::vector<WallpaperStatus>> WallpaperCommand::statuses() const {
+    const auto shown = co_await services_.desktop.shown();
     std::vector<WallpaperStatus> displays;
     const auto& entries = services_.rotation.schedule().entries;
     const auto& failures = services_.coordinator.lastFailures();
@@ -145,8 +148,8 @@ std::vector<WallpaperStatus> WallpaperCommand::statuses() const {
         const auto* entry =
             findEntry(services_.settingsModel.settings().wallpaper.displays, connected.info.id);
         WallpaperStatus status{connected.info, entry ? entry->mode : WallpaperMode{}};
-        if (const auto file = services_.desktopPicture.desktopImage(connected.screen))
-            status.shows = file->string();
+        if (const auto file = shown.find(connected.info.id); file != shown.end())
+            status.shows = file->second.string();
         if (const auto found = entries.find(connected.info.id); found != entries.end()) {
             const auto& [descriptor, next, failureCount] = found->second;
             const Seconds wait = next - services_.clock.now();
@@ -157,7 +160,7 @@ std::vector<WallpaperStatus> WallpaperCommand::statuses() const {
         }
         displays.push_back(std::move(status));
     }
-    return displays;
+    co_return displays;
 }
 
 }  // namespace quillmar

@@ -24,7 +24,7 @@ public:
         const WallClock& clock;
         std::string version;
         const DisplayService& displays;
-        DesktopPicturing& desktopPicture;
+        DesktopPictures& desktop;
         /// The stored grant that finds a chosen file or folder again; empty when none can be made.
         std::function<Task<std::optional<Bytes>>(Url)> grantFor;
         /// The text of a file without the blanks around it. Throws `std::runtime_error`.
@@ -38,9 +38,9 @@ public:
 private:
     Task<ControlReply> set(std::vector<std::string> words, std::string workingDirectory);
     Task<ControlReply> showNext(std::vector<std::string> words);
-    ControlReply list(const std::vector<std::string>& words) const;
-    ControlReply status(const std::vector<std::string>& words) const;
-    std::vector<WallpaperStatus> statuses() const;
+    Task<ControlReply> list(std::vector<std::string> words) const;
+    Task<ControlReply> status(std::vector<std::string> words) const;
+    Task<std::vector<WallpaperStatus>> statuses() const;
     std::vector<DisplayInfo> matching(const std::string& name) const;
 
     Services services_;

@@ -1,4 +1,5 @@
 #pragma once
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,8 @@ struct DisplayInfo {
     CGRectCodable visibleFrame;  ///< the frame less panels and docks
     double scaleFactor = 1;      ///< pixels a point
     bool isMain = false;
-    PixelSize pixelSize;  ///< of what it shows, as the window server counts; no part of the document
+    /// Of what it shows, as the window server counts; absent where it does not say. No part of the document.
+    std::optional<PixelSize> pixelSize;
 
     bool operator==(const DisplayInfo&) const = default;
     static void describe(auto& self, auto& io) {
@@ -34,6 +36,10 @@ public:
     /// The connected displays that have an identity, in the system's order.
     virtual std::vector<DisplayInfo> displays() const = 0;
 };
+
+/// Size of the display's pictures: its own pixels where they are known, else its frame times its scale, which
+/// never counts as less than 1.
+PixelSize canvasSize(const DisplayInfo& display);
 
 /// The displays as a JSON document, for people and scripts.
 std::string displaysAsJson(const std::vector<DisplayInfo>& displays);

@@ -17,6 +17,16 @@ std::map<std::uint32_t, std::string> DisplayIdentityResolver::resolve(std::span<
     return ids;
 }
 
+namespace {
+
+std::optional<PixelSize> pixelSizeOf(const Screen& screen) {
+    const PixelRect& area = screen.area;
+    if (area.width < 1 || area.height < 1) return std::nullopt;
+    return PixelSize{static_cast<int>(area.width), static_cast<int>(area.height)};
+}
+
+}  // namespace
+
 std::vector<ConnectedDisplay> DisplayService::connectedDisplays() const {
     const std::vector<Screen> screens = screens_.screens();
     std::vector<DisplayIdentityResolver::Candidate> candidates;
@@ -33,7 +43,8 @@ std::vector<ConnectedDisplay> DisplayService::connectedDisplays() const {
                              .frame = screen.frame,
                              .visibleFrame = screen.visibleFrame,
                              .scaleFactor = screen.scaleFactor,
-                             .isMain = screen.number == primary},
+                             .isMain = screen.number == primary,
+                             .pixelSize = pixelSizeOf(screen)},
                             screen});
     }
     return displays;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "async/Task.h"
+#include "base/Enum.h"
 #include "base/HexColor.h"
 #include "base/PixelBuffer.h"
 #include "platform/Screens.h"
@@ -67,6 +68,10 @@ public:
     /// failure changes nothing.
     virtual Task<void> set(std::filesystem::path file, std::optional<DesktopImageOptions> options) = 0;
 };
+
+constexpr auto enumNames(SpannedDesktopPicturing::Layout) {
+    return std::to_array<std::string_view>({"none", "tile", "center", "fit", "stretch", "fill", "spanned"});
+}
 
 /// How the running desktop takes its pictures.
 struct DesktopMethods {

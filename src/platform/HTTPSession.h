@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "async/Task.h"
@@ -15,6 +16,18 @@ namespace quillmar {
 enum class HTTPReach {
     anywhere,
     publicNetworks  ///< not this machine, nor one of a private, link-local or otherwise reserved network
+};
+
+/// A request was not sent, for the machine that its name leads to is not one that it may reach.
+class ForbiddenAddressError final : public std::runtime_error {
+public:
+    /// `address` as it is written in numbers, or the host's name where that tells already.
+    explicit ForbiddenAddressError(std::string address)
+        : std::runtime_error(address + " is no address of the Internet."), address_(std::move(address)) {}
+    const std::string& address() const { return address_; }
+
+private:
+    std::string address_;
 };
 
 struct HTTPRequest {
@@ -51,9 +64,9 @@ class HTTPSession {
 public:
     virtual ~HTTPSession() = default;
     /// Sends the request and waits for the head of the answer; redirects are answers like any other. Throws
-    /// `std::runtime_error` when no answer came or the request may not reach that machine,
-    /// `CancellationError` when the task or the session was cancelled; both end the transfer itself. The body
-    /// ends before the session does.
+    /// `std::runtime_error` when no answer came, `ForbiddenAddressError` when the request may not reach that
+    /// machine, `CancellationError` when the task or the session was cancelled; both end the transfer itself.
+    /// The body ends before the session does.
     virtual Task<HTTPResponse> open(HTTPRequest request) = 0;
     /// Cancels what runs; every later `open` is cancelled at once.
     virtual void invalidateAndCancel() = 0;

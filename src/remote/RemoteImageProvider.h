@@ -8,23 +8,25 @@
 #include "modes/ManagedScreensaverMode.h"
 #include "modes/RemoteImagePresentation.h"
 #include "modes/WallpaperMode.h"
+#include "remote/services/RemotePicture.h"
 #include "storage/CacheFileLease.h"
 
 namespace quillmar {
 
-/// A service's picture on this machine, validated.
+/// A service's picture on this machine, validated. Its texts are short, without control characters.
 struct ResolvedRemoteImage {
     CacheFileLease cacheLease;  ///< on `image`
     std::filesystem::path image;
     std::optional<std::string> sourceDescription;  ///< credit or title
     std::optional<std::string> overlayCaption;     ///< to be drawn over the picture
     std::optional<WindowsSpotlightSelection> windowsSpotlightSelection;
+    PictureCredit credit;
     bool operator==(const ResolvedRemoteImage&) const = default;
 };
 
 /// Finds the picture of a mode of the picture services. Main thread. Throws `RemoteImageProviderError`,
-/// `JsonRecordError` for an answer that no service should give, `std::runtime_error` with the system's words
-/// for a network that fails, and `CancellationError` when the task was cancelled.
+/// `std::system_error` for a disk or a helper that fails, and `CancellationError` when the task was
+/// cancelled.
 class RemoteImageProvider {
 public:
     virtual ~RemoteImageProvider() = default;

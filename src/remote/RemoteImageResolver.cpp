@@ -1,6 +1,7 @@
 #include "remote/RemoteImageResolver.h"
 
 #include "remote/fetching/RemoteImageProviderError.h"
+#include "remote/fetching/ServiceText.h"
 
 namespace quillmar {
 namespace {
@@ -9,12 +10,27 @@ using Error = RemoteImageProviderError;
 
 Error unusable(const std::string& what) { return {Error::Case::noUsableImage, what}; }
 
+/// What strangers wrote goes into the settings, onto terminals and onto the screen from here on.
+void boundTexts(RemotePicture& picture) {
+    PictureCredit& credit = picture.credit;
+    std::vector<std::optional<std::string>*> texts{
+        &picture.sourceDescription, &picture.overlayCaption, &credit.title, &credit.author,
+        &credit.sourceURL,          &credit.licence};
+    if (picture.windowsSpotlightSelection) {
+        texts.push_back(&picture.windowsSpotlightSelection->sourceDescription);
+    }
+    for (auto* text : texts) {
+        if (*text) *text = boundedText(**text);
+    }
+    if (picture.overlayCaption && picture.overlayCaption->empty()) picture.overlayCaption.reset();
+}
+
 }  // namespace
 
 RemoteImageResolver::RemoteImageResolver(Parts parts)
     : cacheFiles_(parts.cacheFiles),
       cacheDirectory_(std::move(parts.cacheDirectory)),
-      apod_(parts.fetching, parts.services.apod, parts.clock, parts.randomIndex),
+      apod_(parts.fetching, parts.services, parts.clock, parts.randomIndex),
       nasaEpic_(parts.fetching, parts.services.epic, parts.services.epicArchive, parts.clock),
       wallhaven_(parts.fetching, parts.services.wallhaven, parts.randomIndex),
       unsplash_(parts.fetching, parts.services.unsplash),
@@ -46,16 +62,21 @@ Task<RemotePicture> RemoteImageResolver::picture(const auto&, const Request& req
 Task<ResolvedRemoteImage> RemoteImageResolver::resolve(WallpaperMode mode, Request request) {
     // The folder's, until the file's own: a sweep must not come between a download and its use.
     const CacheFileLease folderLease(cacheFiles_, cacheDirectory_, true);
+    const auto turn = co_await lines_[mode.kind()].acquire();
     RemotePicture found =
         co_await std::visit([&](const auto& settings) { return picture(settings, request); }, mode.value);
     CacheFileLease fileLease(cacheFiles_, found.image);
-    co_return ResolvedRemoteImage{std::move(fileLease), std::move(found.image),
-                                  std::move(found.sourceDescription), std::move(found.overlayCaption),
-                                  std::move(found.windowsSpotlightSelection)};
+    boundTexts(found);
+    co_return ResolvedRemoteImage{std::move(fileLease),
+                                  std::move(found.image),
+                                  std::move(found.sourceDescription),
+                                  std::move(found.overlayCaption),
+                                  std::move(found.windowsSpotlightSelection),
+                                  std::move(found.credit)};
 }
 
-Task<RemotePicture> RemoteImageResolver::picture(const APODSettings& settings, const Request&) {
-    return apod_.resolve(settings);
+Task<RemotePicture> RemoteImageResolver::picture(const APODSettings& settings, const Request& request) {
+    return apod_.resolve(settings, request.widthInPixels());
 }
 Task<RemotePicture> RemoteImageResolver::picture(const NasaEpicSettings& settings, const Request& request) {
     return nasaEpic_.resolve(settings, request.context(), request.advancesSelection);
@@ -64,7 +85,7 @@ Task<RemotePicture> RemoteImageResolver::picture(const WallhavenSettings& settin
     return wallhaven_.resolve(settings);
 }
 Task<RemotePicture> RemoteImageResolver::picture(const UnsplashSettings& settings, const Request& request) {
-    return unsplash_.resolve(settings, request.display->frame.width * request.display->scaleFactor);
+    return unsplash_.resolve(settings, request.widthInPixels());
 }
 Task<RemotePicture> RemoteImageResolver::picture(const BingSettings& settings, const Request&) {
     return bing_.resolve(settings);

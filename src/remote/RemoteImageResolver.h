@@ -1,17 +1,21 @@
 #pragma once
+#include <map>
+
+#include "async/TaskLock.h"
 #include "remote/RemoteImageProvider.h"
-#include "remote/providers/ApodProvider.h"
-#include "remote/providers/BingProvider.h"
-#include "remote/providers/MuseumsProvider.h"
-#include "remote/providers/NasaEpicProvider.h"
-#include "remote/providers/UnsplashProvider.h"
-#include "remote/providers/WallhavenProvider.h"
-#include "remote/providers/WindowsSpotlightProvider.h"
+#include "remote/services/ApodService.h"
+#include "remote/services/BingService.h"
+#include "remote/services/MuseumsService.h"
+#include "remote/services/NasaEpicService.h"
+#include "remote/services/UnsplashService.h"
+#include "remote/services/WallhavenService.h"
+#include "remote/services/WindowsSpotlightService.h"
 
 namespace quillmar {
 
-/// The one place that asks picture services. What it remembers of them lives as long as it does. Main
-/// thread.
+/// The one place that asks picture services. Who asks the same service waits in line, so that what one
+/// display got is remembered before the next one chooses; no service holds up another. What is remembered
+/// lives as long as the resolver. Main thread.
 class RemoteImageResolver final : public RemoteImageProvider {
 public:
     /// What the resolver is made of; all of it outlives it.
@@ -39,6 +43,7 @@ private:
         std::string unusableText;  ///< names a mode that is none of a service
 
         RemoteImageSelectionContext context() const { return {presentation, display->id}; }
+        double widthInPixels() const { return display->frame.width * display->scaleFactor; }
     };
     Task<ResolvedRemoteImage> resolve(WallpaperMode mode, Request request);
 
@@ -53,13 +58,14 @@ private:
 
     const CacheFileProtection& cacheFiles_;
     const std::filesystem::path cacheDirectory_;
-    ApodProvider apod_;
-    NasaEpicProvider nasaEpic_;
-    WallhavenProvider wallhaven_;
-    UnsplashProvider unsplash_;
-    BingProvider bing_;
-    WindowsSpotlightProvider windowsSpotlight_;
-    MuseumsProvider museums_;
+    std::map<WallpaperModeKind, TaskLock> lines_;
+    ApodService apod_;
+    NasaEpicService nasaEpic_;
+    WallhavenService wallhaven_;
+    UnsplashService unsplash_;
+    BingService bing_;
+    WindowsSpotlightService windowsSpotlight_;
+    MuseumsService museums_;
 };
 
 }  // namespace quillmar

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstring>
 #include <optional>
 
@@ -17,14 +16,6 @@
 
 namespace quillmar {
 namespace {
-
-/// No window server has a larger side; a frame that claims one must not become a file of terabytes.
-constexpr double maximumSide = 65535;
-
-int pixels(double points, double scale) {
-    const double value = std::round(points * scale);
-    return std::isfinite(value) ? static_cast<int>(std::clamp(value, 1.0, maximumSide)) : 1;
-}
 
 using ByteView = std::span<const std::uint8_t>;
 
@@ -121,11 +112,6 @@ bool isWholeSingleFrame(const PngFile& file) {
 }
 
 }  // namespace
-
-PixelSize canvasSize(const DisplayInfo& display) {
-    const double scale = display.scaleFactor > 1.0 ? display.scaleFactor : 1.0;
-    return {pixels(display.frame.width, scale), pixels(display.frame.height, scale)};
-}
 
 std::string solidColorFileName(const DisplayInfo& display, PixelSize size,
                                const std::string& normalizedColor) {

@@ -7,16 +7,6 @@
 
 namespace quillmar {
 
-/// Size of a display's picture in pixels, each side at least 1.
-struct PixelSize {
-    int width = 1;
-    int height = 1;
-    bool operator==(const PixelSize&) const = default;
-
-    /// The display's frame times its scale, which never counts as less than 1.
-    static PixelSize of(const DisplayInfo& display);
-};
-
 /// The name of a generated solid colour: the same inputs always give the same name, and different ones never.
 std::string solidColorFileName(const DisplayInfo& display, PixelSize size,
                                const std::string& normalizedColor);

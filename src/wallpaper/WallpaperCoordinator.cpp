@@ -2,41 +2,12 @@
 
 #include <algorithm>
 
-#include "diagnostics/Log.h"
 #include "modes/WallpaperApplicationError.h"
 
 namespace quillmar {
 namespace {
 
 using Error = WallpaperApplicationError;
-
-std::map<std::string, WallpaperMode> modesByDisplay(const WallpaperSettings& settings) {
-    std::map<std::string, WallpaperMode> modes;
-    for (const auto& entry : settings.displays) modes.emplace(entry.displayID, entry.mode);
-    return modes;
-}
-
-WallpaperMode modeOf(const std::map<std::string, WallpaperMode>& modes, const std::string& displayID) {
-    const auto found = modes.find(displayID);
-    return found == modes.end() ? WallpaperMode{} : found->second;
-}
-
-/// What the file must say when some displays of `wanted` kept what they showed under `previous`.
-WallpaperSettings mergedAfterFailure(WallpaperSettings wanted, WallpaperSettings previous,
-                                     const DisplayIDs& failedDisplayIDs) {
-    for (const std::string& id : failedDisplayIDs) {
-        DisplayWallpaperSettings* before = findEntry(previous.displays, id);
-        DisplayWallpaperSettings* now = findEntry(wanted.displays, id);
-        if (before && now) {
-            *now = *before;
-        } else if (before) {
-            wanted.displays.push_back(*before);
-        } else {
-            std::erase_if(wanted.displays, [&](const auto& entry) { return entry.displayID == id; });
-        }
-    }
-    return wanted;
-}
 
 }  // namespace
 
@@ -48,310 +19,147 @@ WallpaperCoordinator::WallpaperCoordinator(MainLoop& loop, const DisplayProvidin
                                            RemoteWallpaperErrorNotifying* remoteErrorNotifier)
     : displayProvider_(displayProvider),
       applier_(applier),
-      settingsTransactionApplier_(settingsTransactionApplier),
       settingsModel_(settingsModel),
       gate_(gate),
-      clock_(clock),
-      remoteErrorNotifier_(remoteErrorNotifier),
-      tasks_(loop) {}
+      notices_(settingsModel, clock, remoteErrorNotifier),
+      memory_(settingsModel, clock),
+      changes_(settingsModel, settingsTransactionApplier, notices_, memory_),
+      queue_(loop, [this](std::string displayID, WallpaperWork next) {
+          return work(std::move(displayID), std::move(next));
+      }) {}
 
 Task<WallpaperApplyBatchResult> WallpaperCoordinator::enqueue(std::optional<DisplayIDs> displayIDs,
                                                               WallpaperApplyReason reason) {
     if (gate_.isLockScreenOverrideActive) co_return suppressedBatch(displayIDs, reason);
-    auto ticket = std::make_shared<Ticket>();
-    ticket->requestedDisplayIDs = displayIDs;
-    addToLine({std::move(displayIDs), reason, {ticket}});
-    co_return co_await answer(ticket);
+    const auto ticket = ticketFor(displayIDs);
+    for (const std::string& id : ticket->displayIDs) queue_.add(id, WallpaperPass{reason, {ticket}});
+    if (ticket->displayIDs.empty()) ticket->answer();
+    co_return co_await WallpaperTicket::wait(ticket);
 }
 
 Task<WallpaperApplyBatchResult> WallpaperCoordinator::apply(WallpaperSettings settings) {
-    co_return co_await addToLine(
+    co_return co_await addChange(
         [wanted = std::move(settings)](WallpaperSettings& present) { present = wanted; }, std::nullopt);
 }
 
 Task<WallpaperApplyBatchResult> WallpaperCoordinator::apply(WallpaperSettingsChange change,
                                                             DisplayIDs displayIDs) {
-    co_return co_await addToLine(std::move(change), std::move(displayIDs));
+    co_return co_await addChange(std::move(change), std::move(displayIDs));
 }
 
-Task<WallpaperApplyBatchResult> WallpaperCoordinator::addToLine(WallpaperSettingsChange change,
+Task<WallpaperApplyBatchResult> WallpaperCoordinator::addChange(WallpaperSettingsChange change,
                                                                 std::optional<DisplayIDs> displayIDs) {
     if (gate_.isLockScreenOverrideActive) {
         co_return suppressedBatch(displayIDs, WallpaperApplyReason::userInitiated);
     }
-    auto ticket = std::make_shared<Ticket>();
-    pendingRequests_.push_back(PendingSettingsRequest{std::move(change), std::move(displayIDs), ticket});
-    startDraining();
-    co_return co_await answer(ticket);
-}
-
-Task<WallpaperApplyBatchResult> WallpaperCoordinator::answer(std::shared_ptr<Ticket> ticket) {
-    while (!ticket->result) co_await ticket->answered.wait();
-    co_return *std::move(ticket->result);
-}
-
-void WallpaperCoordinator::resolve(Ticket& ticket, WallpaperApplyBatchResult batch) {
-    ticket.result = std::move(batch);
-    ticket.answered.resumeAll();
-}
-
-void WallpaperCoordinator::addToLine(PendingCurrentRequest request) {
-    // Only the last in line may take another in: whatever stands between must keep its place.
-    PendingCurrentRequest* last = nullptr;
-    if (!pendingRequests_.empty()) last = std::get_if<PendingCurrentRequest>(&pendingRequests_.back());
-    if (last && last->reason == request.reason) {
-        if (!request.displayIDs) {
-            last->displayIDs.reset();
-        } else if (last->displayIDs) {
-            last->displayIDs->merge(*request.displayIDs);
-        }
-        std::ranges::move(request.waiters, std::back_inserter(last->waiters));
-    } else {
-        pendingRequests_.push_back(std::move(request));
-    }
-    startDraining();
-}
-
-void WallpaperCoordinator::startDraining() {
-    if (std::exchange(isApplying_, true)) return;
-    tasks_.spawn(drain());
-}
-
-Task<void> WallpaperCoordinator::drain() {
-    while (!pendingRequests_.empty()) {
-        PendingRequest request = std::move(pendingRequests_.front());
-        pendingRequests_.pop_front();
-        if (auto* settings = std::get_if<PendingSettingsRequest>(&request)) {
-            resolve(*settings->waiter, co_await runSettingsTransaction(std::move(settings->change),
-                                                                       std::move(settings->displayIDs)));
-            continue;
-        }
-        const auto& current = std::get<PendingCurrentRequest>(request);
-        WallpaperApplyBatchResult batch;
-        if (gate_.isLockScreenOverrideActive) {
-            batch = suppressedBatch(current.displayIDs, current.reason);
-        } else {
-            batch = co_await applyCurrentSettings(current.displayIDs, current.reason);
-        }
-        for (const auto& waiter : current.waiters) resolve(*waiter, sliceFor(*waiter, batch, current.reason));
-    }
-    isApplying_ = false;
-}
-
-WallpaperApplyBatchResult WallpaperCoordinator::sliceFor(const Ticket& waiter,
-                                                         const WallpaperApplyBatchResult& batch,
-                                                         WallpaperApplyReason reason) const {
-    if (!waiter.requestedDisplayIDs) return batch;
-    WallpaperApplyBatchResult slice;
-    DisplayIDs missing = *waiter.requestedDisplayIDs;
-    for (const auto& display : batch.displays) {
-        if (!waiter.requestedDisplayIDs->contains(display.displayID)) continue;
-        slice.displays.push_back(display);
-        missing.erase(display.displayID);
-    }
-    for (const std::string& id : missing) slice.displays.push_back(unavailable(id, reason));
-    return slice;
-}
-
-Task<WallpaperApplyBatchResult> WallpaperCoordinator::applyCurrentSettings(
-    std::optional<DisplayIDs> displayIDs, WallpaperApplyReason reason) {
-    const std::vector<DisplayInfo> connected = displays(displayIDs);
-    // As they are now: a change of the settings meanwhile is another request's.
-    std::vector<WallpaperMode> modes;
-    for (const DisplayInfo& display : connected) {
-        const auto* entry = findEntry(settingsModel_.settings().wallpaper.displays, display.id);
-        modes.push_back(entry ? entry->mode : WallpaperMode{});
-    }
-    WallpaperApplyBatchResult batch;
-    addUnavailable(batch.displays, displayIDs, connected, reason);
-    for (std::size_t i = 0; i < connected.size(); ++i) {
-        batch.displays.push_back(co_await applyDisplay(connected[i], std::move(modes[i]), reason));
-    }
+    auto progress = std::make_shared<WallpaperSettingsChangeInProgress>();
+    progress->change = std::move(change);
+    progress->ticket = ticketFor(displayIDs);
+    for (const std::string& id : progress->ticket->displayIDs) queue_.add(id, progress);
+    if (progress->ticket->displayIDs.empty() && co_await changes_.save(progress)) progress->ticket->answer();
+    WallpaperApplyBatchResult batch = co_await WallpaperTicket::wait(progress->ticket);
+    std::ranges::sort(batch.displays, {}, [&](const WallpaperDisplayApplyResult& result) {
+        const auto place = std::ranges::find(progress->ticket->displayIDs, result.displayID);
+        return std::pair(result.isFailed(), place);
+    });
     co_return batch;
 }
 
-Task<WallpaperDisplayApplyResult> WallpaperCoordinator::applyDisplay(DisplayInfo display, WallpaperMode mode,
-                                                                     WallpaperApplyReason reason) {
-    WallpaperDisplayApplyResult result{display.id, display.localizedName, reason, {}};
-    if (gate_.isLockScreenOverrideActive) {
-        result.failureMessage = Error(Error::Case::suppressedWhileLocked).message(language());
-        co_return result;
+Task<void> WallpaperCoordinator::work(std::string displayID, WallpaperWork work) {
+    if (auto* pass = std::get_if<WallpaperPass>(&work)) {
+        const WallpaperDisplayApplyResult result = co_await applyCurrent(displayID, pass->reason);
+        for (const auto& ticket : pass->tickets) ticket->deliver(result);
+    } else {
+        co_await applyChange(std::move(displayID),
+                             std::get<std::shared_ptr<WallpaperSettingsChangeInProgress>>(std::move(work)));
     }
+}
+
+Task<WallpaperDisplayApplyResult> WallpaperCoordinator::applyCurrent(std::string displayID,
+                                                                     WallpaperApplyReason reason) {
+    if (gate_.isLockScreenOverrideActive) co_return suppressed(displayID, reason);
+    const auto connected = display(displayID);
+    if (!connected) co_return unavailable(displayID, reason);
+    WallpaperDisplayApplyResult result{displayID, connected->localizedName, reason, {}};
+    // As it is now: a change of the settings meanwhile is another request's.
+    const auto* entry = findEntry(settingsModel_.settings().wallpaper.displays, displayID);
+    const WallpaperApplyRequest request{*connected, entry ? entry->mode : WallpaperMode{}, reason};
     std::exception_ptr failure;
     try {
-        rememberSelection(display.id, co_await applier_.apply({display, mode, reason}));
+        memory_.remember(displayID, co_await applier_.apply(request));
+        notices_.succeeded(displayID);
     } catch (const CancellationError&) {
         throw;
     } catch (const std::exception& error) {
         result.failureMessage = errorText(error, language());
         failure = std::current_exception();
     }
-    noteResult(result);
     if (failure) {
-        co_await notifyIfRemote(failure, display, mode);
-        logWarning("A wallpaper apply operation failed.", "wallpaper", failure,
-                   {{"display_id", display.id},
-                    {"reason", std::string(enumName(reason))},
-                    {"mode", std::string(enumName(mode.kind()))}});
+        notices_.failed(displayID, *result.failureMessage);
+        co_await notices_.report(request, failure, "A wallpaper apply operation failed.", true);
     }
     co_return result;
 }
 
-Task<WallpaperApplyBatchResult> WallpaperCoordinator::runSettingsTransaction(
-    WallpaperSettingsChange change, std::optional<DisplayIDs> displayIDs) {
+Task<void> WallpaperCoordinator::applyChange(std::string displayID,
+                                             std::shared_ptr<WallpaperSettingsChangeInProgress> change) {
     constexpr auto reason = WallpaperApplyReason::userInitiated;
-    WallpaperApplyBatchResult batch;
-    const GeneralLanguage spoken = language();
-    if (gate_.isLockScreenOverrideActive) co_return suppressedBatch(displayIDs, reason);
-    if (!settingsTransactionApplier_) {
-        batch.transactionFailureMessage =
-            localized("Quillmar could not start the wallpaper transaction."_key, spoken);
-        co_return batch;
+    if (change->state == WallpaperSettingsChangeInProgress::State::waiting &&
+        gate_.isLockScreenOverrideActive) {
+        change->ticket->deliver(suppressed(displayID, reason));
+        co_return;
     }
-    const WallpaperSettings previous = settingsModel_.settings().wallpaper;
-    WallpaperSettings settings = previous;
-    change(settings);
-    if (!co_await commitWallpaper(settings)) {
-        batch.transactionFailureMessage = localized(
-            "Quillmar could not save the wallpaper settings. Review the settings save error before trying "
-            "again."_key,
-            spoken);
-        co_return batch;
+    if (!co_await changes_.save(change)) co_return;
+    if (auto connected = display(displayID)) {
+        co_await changes_.applyTo(*std::move(connected), change);
+    } else {
+        co_await changes_.refuseFor(unavailable(displayID, reason), change);
     }
-    const std::vector<DisplayInfo> connected = displays(displayIDs);
-    const auto modes = modesByDisplay(settings);
-    std::vector<WallpaperApplyRequest> requests;
-    for (const DisplayInfo& display : connected) requests.push_back({display, modeOf(modes, display.id)});
-    const WallpaperSettingsTransactionResult result =
-        co_await settingsTransactionApplier_->applyTransaction(std::move(requests), modesByDisplay(previous));
-    batch = batchOf(result, spoken);
-    for (const WallpaperDisplayApplyResult& display : batch.displays) noteResult(display);
-    addUnavailable(batch.displays, displayIDs, connected, reason);
-    co_await reportFailures(&result);
-    DisplayIDs failed;
-    for (const WallpaperDisplayApplyResult& display : batch.displays) {
-        if (display.isFailed()) failed.insert(display.displayID);
-    }
-    if (!failed.empty()) {
-        if (!co_await commitWallpaper(mergedAfterFailure(settings, previous, failed))) {
-            batch.transactionFailureMessage = localized(
-                "Quillmar could not roll back the failed wallpaper change. Review the settings save error "
-                "before trying again."_key,
-                spoken);
+}
+
+/// Displays that are not connected come first in the answer, then the others in the system's order.
+std::shared_ptr<WallpaperTicket> WallpaperCoordinator::ticketFor(
+    const std::optional<DisplayIDs>& displayIDs) const {
+    auto ticket = std::make_shared<WallpaperTicket>();
+    const std::vector<DisplayInfo> connected = displayProvider_.displays();
+    for (const std::string& id : displayIDs.value_or(DisplayIDs{})) {
+        if (std::ranges::find(connected, id, &DisplayInfo::id) == connected.end()) {
+            ticket->displayIDs.push_back(id);
         }
     }
-    for (const auto& applied : result.applied) rememberSelection(applied.request.display.id, applied.outcome);
-    co_return batch;
+    for (const DisplayInfo& display : connected) {
+        if (!displayIDs || displayIDs->contains(display.id)) ticket->displayIDs.push_back(display.id);
+    }
+    return ticket;
 }
 
-Task<bool> WallpaperCoordinator::commitWallpaper(WallpaperSettings settings) {
-    const auto hold = co_await settingsModel_.transactionGate().acquire();
-    co_return co_await settingsModel_.commit(
-        [settings = std::move(settings)](AppSettings& document) { document.wallpaper = settings; });
-}
-
-void WallpaperCoordinator::noteResult(const WallpaperDisplayApplyResult& result) {
-    if (result.isFailed()) {
-        lastFailures_.insert_or_assign(result.displayID,
-                                       WallpaperFailure{*result.failureMessage, clock_.now()});
-    } else {
-        lastFailures_.erase(result.displayID);
-    }
-}
-
-Task<void> WallpaperCoordinator::notifyIfRemote(std::exception_ptr error, DisplayInfo display,
-                                                WallpaperMode mode) {
-    if (!remoteErrorNotifier_ || !isRemote(mode.kind())) co_return;
-    if (!settingsModel_.settings().general.showRemoteErrorNotifications) co_return;
-    co_await remoteErrorNotifier_->notify(std::move(error), std::move(display), std::move(mode));
-}
-
-Task<void> WallpaperCoordinator::reportFailures(const WallpaperSettingsTransactionResult* result) {
-    for (const auto& [request, error] : result->failures) {
-        co_await notifyIfRemote(error, request.display, request.mode);
-        logWarning(
-            "A wallpaper settings transaction failed.", "wallpaper", error,
-            {{"display_id", request.display.id}, {"mode", std::string(enumName(request.mode.kind()))}});
-    }
-    for (const auto& [display, error] : result->rollbackFailures) {
-        logError("A wallpaper settings transaction could not restore a display.", "wallpaper", error,
-                 {{"display_id", display.id}});
-    }
-}
-
-WallpaperApplyBatchResult WallpaperCoordinator::batchOf(const WallpaperSettingsTransactionResult& result,
-                                                        GeneralLanguage spoken) {
-    WallpaperApplyBatchResult batch;
-    for (const auto& [request, outcome] : result.applied) {
-        batch.displays.push_back({request.display.id, request.display.localizedName, request.reason, {}});
-    }
-    for (const auto& [request, error] : result.failures) {
-        batch.displays.push_back(
-            {request.display.id, request.display.localizedName, request.reason, errorText(error, spoken)});
-    }
-    for (const auto& [display, error] : result.rollbackFailures) {
-        batch.rollbackFailures.push_back({display.id, display.localizedName, errorText(error, spoken)});
-    }
-    return batch;
+std::optional<DisplayInfo> WallpaperCoordinator::display(const std::string& displayID) const {
+    const std::vector<DisplayInfo> connected = displayProvider_.displays();
+    const auto found = std::ranges::find(connected, displayID, &DisplayInfo::id);
+    return found == connected.end() ? std::nullopt : std::optional(*found);
 }
 
 WallpaperApplyBatchResult WallpaperCoordinator::suppressedBatch(const std::optional<DisplayIDs>& displayIDs,
                                                                 WallpaperApplyReason reason) const {
-    const std::vector<DisplayInfo> connected = displays(displayIDs);
     WallpaperApplyBatchResult batch;
-    for (const DisplayInfo& display : connected) {
-        batch.displays.push_back({display.id, display.localizedName, reason,
-                                  Error(Error::Case::suppressedWhileLocked).message(language())});
+    for (const std::string& id : ticketFor(displayIDs)->displayIDs) {
+        batch.displays.push_back(suppressed(id, reason));
     }
-    addUnavailable(batch.displays, displayIDs, connected, reason);
     return batch;
 }
 
-std::vector<DisplayInfo> WallpaperCoordinator::displays(const std::optional<DisplayIDs>& displayIDs) const {
-    std::vector<DisplayInfo> connected = displayProvider_.displays();
-    if (displayIDs) {
-        std::erase_if(connected,
-                      [&](const DisplayInfo& display) { return !displayIDs->contains(display.id); });
-    }
-    return connected;
-}
-
-void WallpaperCoordinator::addUnavailable(std::vector<WallpaperDisplayApplyResult>& results,
-                                          const std::optional<DisplayIDs>& requested,
-                                          const std::vector<DisplayInfo>& connected,
-                                          WallpaperApplyReason reason) const {
-    if (!requested) return;
-    for (const std::string& id : *requested) {
-        if (std::ranges::find(connected, id, &DisplayInfo::id) != connected.end()) continue;
-        results.push_back(unavailable(id, reason));
-    }
+WallpaperDisplayApplyResult WallpaperCoordinator::suppressed(const std::string& displayID,
+                                                             WallpaperApplyReason reason) const {
+    const auto connected = display(displayID);
+    if (!connected) return unavailable(displayID, reason);
+    return {displayID, connected->localizedName, reason,
+            Error(Error::Case::suppressedWhileLocked).message(language())};
 }
 
 WallpaperDisplayApplyResult WallpaperCoordinator::unavailable(const std::string& displayID,
                                                               WallpaperApplyReason reason) const {
     return {displayID, displayID, reason,
             Error(Error::Case::unavailableDisplay, displayID).message(language())};
-}
-
-void WallpaperCoordinator::rememberSelection(const std::string& displayID,
-                                             const WallpaperApplyOutcome& outcome) {
-    if (const auto& image = outcome.selectedSlideshowImageURL) {
-        settingsModel_.update([displayID, image](AppSettings& settings) {
-            auto* entry = findEntry(settings.wallpaper.displays, displayID);
-            auto* slideshow =
-                entry ? std::get_if<SlideshowPresentationSettings>(&entry->mode.value) : nullptr;
-            if (slideshow) slideshow->lastImageURL = *image;
-        });
-    }
-    if (auto selection = outcome.windowsSpotlightSelection) {
-        // A remembered picture keeps the moment of its real change, so that its interval runs on.
-        if (!selection->appliedAt) selection->appliedAt = clock_.now();
-        settingsModel_.update([displayID, selection](AppSettings& settings) {
-            auto* entry = findEntry(settings.wallpaper.displays, displayID);
-            auto* spotlight = entry ? std::get_if<WindowsSpotlightSettings>(&entry->mode.value) : nullptr;
-            if (spotlight && spotlight->locale == selection->locale) spotlight->lastSelection = *selection;
-        });
-    }
 }
 
 }  // namespace quillmar

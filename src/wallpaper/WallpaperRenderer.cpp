@@ -4,17 +4,19 @@
 
 #include "base/Files.h"
 #include "base/HexColor.h"
+#include "desktop/CanvasLayout.h"
 #include "modes/WallpaperApplicationError.h"
+#include "platform/PictureRenderingError.h"
 #include "storage/LastUsedStamp.h"
-#include "wallpaper/CanvasLayout.h"
 #include "wallpaper/GeneratedWallpaper.h"
 
 namespace quillmar {
 namespace {
 
+namespace fs = std::filesystem;
 using Error = WallpaperApplicationError;
 
-void createCacheDirectory(const std::filesystem::path& directory) {
+void createCacheDirectory(const fs::path& directory) {
     try {
         createDirectories(directory, 0700);
     } catch (const std::system_error& error) {
@@ -22,71 +24,94 @@ void createCacheDirectory(const std::filesystem::path& directory) {
     }
 }
 
+/// Stamps a file that can be used, so that no sweep takes it for forgotten.
+bool isUsable(const fs::path& file, PixelSize size, WallTime now) {
+    if (!isValidGeneratedPng(file, size)) return false;
+    stampLastUsed(file, now);
+    return true;
+}
+
 }  // namespace
 
-std::filesystem::path WallpaperRenderer::solidColor(const std::string& hexColor,
-                                                    const DisplayInfo& display) const {
+Task<GeneratedPicture> WallpaperRenderer::solidColor(std::string hexColor, DisplayInfo display) {
     const std::string normalized = normalizedHexColor(hexColor);
     const auto color = parseHexColor(normalized);
     if (!color) throw Error(Error::Case::invalidSolidColor, hexColor);
-    createCacheDirectory(cacheDirectory_);
-
     const PixelSize size = canvasSize(display);
-    std::filesystem::path file = cacheDirectory_ / solidColorFileName(display, size, normalized);
-    if (!isValidGeneratedPng(file, size)) {
-        Bytes png;
-        try {
-            png = rendering_.solidColorPng(size.width, size.height, *color);
-        } catch (const std::exception&) {  // the message of the case says all that helps the user
-            throw Error(Error::Case::solidColorRenderingFailed);
-        }
-        write(file, png);
+    const fs::path file = services_.cacheDirectory / solidColorFileName(display, size, normalized);
+    const Found found = co_await services_.executor.run(
+        [file, size, now = services_.clock.now(), directory = services_.cacheDirectory] {
+            createCacheDirectory(directory);
+            return Found{file, isUsable(file, size, now)};
+        });
+    if (auto cached = co_await fromCache(found, display)) co_return *std::move(cached);
+    SharedPixels pixels;
+    try {
+        pixels = co_await services_.executor.run([size, color]() -> SharedPixels {
+            auto buffer = std::make_shared<PixelBuffer>(size);
+            buffer->fill(*color);
+            return buffer;
+        });
+    } catch (const std::system_error&) {  // the message of the case says all that helps the user
+        throw Error(Error::Case::solidColorRenderingFailed);
     }
-    stampLastUsed(file, clock_.now());
-    return file;
+    co_return madeNew(file, std::move(pixels));
 }
 
-std::filesystem::path WallpaperRenderer::image(const std::filesystem::path& source,
-                                               ImagePresentationLayout layout,
-                                               const std::string& backgroundHexColor,
-                                               const std::string& caption, const DisplayInfo& display) const {
-    createCacheDirectory(cacheDirectory_);
+Task<GeneratedPicture> WallpaperRenderer::image(fs::path source, ImagePresentationLayout layout,
+                                                std::string backgroundHexColor, std::string caption,
+                                                DisplayInfo display) {
     const Canvas canvas = Canvas::of(display);
-    const PixelSize size{canvas.size.width, canvas.size.height};
     const std::string background = normalizedHexColor(backgroundHexColor);
-    std::filesystem::path file =
-        cacheDirectory_ / imageFileName(display, size, layout, background, imageFingerprint(source, caption));
-    if (!isValidGeneratedPng(file, size)) {
-        const RgbColor color = parseHexColor(background).value_or(RgbColor{});
-        const auto composer = [&](PixelSize picture) {
-            return compositionOf(layout, canvas, color, caption, picture);
-        };
-        render(source, composer, file);
-    }
-    stampLastUsed(file, clock_.now());
-    return file;
+    const Found found = co_await services_.executor.run([=, size = canvas.size, now = services_.clock.now(),
+                                                         directory = services_.cacheDirectory] {
+        createCacheDirectory(directory);
+        const fs::path file =
+            directory / imageFileName(display, size, layout, background, imageFingerprint(source, caption));
+        return Found{file, isUsable(file, size, now)};
+    });
+    if (auto cached = co_await fromCache(found, display)) co_return *std::move(cached);
+    const RgbColor color = parseHexColor(background).value_or(RgbColor{});
+    SharedPixels pixels = co_await render(
+        source, [=](PixelSize picture) { return compositionOf(layout, canvas, color, caption, picture); });
+    co_return madeNew(found.file, std::move(pixels));
 }
 
-void WallpaperRenderer::render(const std::filesystem::path& source, const PictureComposer& composer,
-                               const std::filesystem::path& file) const {
-    try {
-        rendering_.renderImage(source, composer, file);
-    } catch (const PictureDecodingError&) {  // the messages of the cases say all that helps the user
-        throw Error(Error::Case::unreadableImage, source.string());
-    } catch (const std::system_error& error) {
-        throw Error(Error::Case::cacheWriteFailed, file.string(), error.code().message());
-    } catch (const std::exception&) {
-        throw Error(Error::Case::imageRenderingFailed);
+/// Nothing when there is none, or when it turns out to be damaged: then it makes room for a new one.
+Task<std::optional<GeneratedPicture>> WallpaperRenderer::fromCache(Found found, DisplayInfo display) {
+    if (!found.isThere) co_return std::nullopt;
+    GeneratedPicture picture{.lease = CacheFileLease(services_.cacheFiles, found.file), .file = found.file};
+    if (co_await services_.desktop.isShown(display.id, found.file)) co_return picture;
+    if (co_await services_.desktop.takesPixels()) {
+        picture.pixels = co_await services_.rendering.load(found.file, canvasSize(display));
+        if (picture.pixels) co_return picture;
+    } else if (co_await services_.rendering.isPicture(found.file)) {
+        co_return picture;
     }
+    co_await services_.executor.run([file = found.file] {
+        std::error_code ignored;  // what cannot be removed is written over
+        fs::remove(file, ignored);
+    });
+    co_return std::nullopt;
 }
 
-void WallpaperRenderer::write(const std::filesystem::path& file, const Bytes& png) const {
+GeneratedPicture WallpaperRenderer::madeNew(fs::path file, SharedPixels pixels) const {
+    CacheFileLease lease(services_.cacheFiles, file);
+    return {std::move(lease), std::move(file), std::move(pixels), true};
+}
+
+Task<SharedPixels> WallpaperRenderer::render(fs::path source, PictureComposer composer) {
     try {
-        writeFileAtomically(file, {reinterpret_cast<const char*>(png.data()), png.size()}, 0644,
-                            Durability::reproducible);
-    } catch (const std::system_error& error) {
-        throw Error(Error::Case::cacheWriteFailed, file.string(), error.code().message());
+        co_return co_await services_.rendering.render(source, std::move(composer));
+    } catch (const PictureRenderingError& error) {
+        // The messages of these two cases say all that helps the user.
+        if (error.errorCase() == PictureRenderingError::Case::unreadable) {
+            throw Error(Error::Case::unreadableImage, source.string());
+        }
+        if (error.errorCase() != PictureRenderingError::Case::failed) throw;
+    } catch (const std::system_error&) {  // the machine could not begin it: as good as not drawn
     }
+    throw Error(Error::Case::imageRenderingFailed);
 }
 
 }  // namespace quillmar

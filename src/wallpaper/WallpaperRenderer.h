@@ -1,40 +1,57 @@
 #pragma once
 #include <filesystem>
 
+#include "async/Executor.h"
 #include "async/WallClock.h"
+#include "desktop/DesktopPictures.h"
 #include "display/DisplayInfo.h"
 #include "modes/ImagePresentationLayout.h"
 #include "platform/PictureRendering.h"
 
 namespace quillmar {
 
-/// Renders the files that displays show into the cache, or finds them there. Safe to use from several threads
-/// at once.
+/// A picture in a display's size.
+struct GeneratedPicture {
+    CacheFileLease lease;        ///< on `file`
+    std::filesystem::path file;  ///< of the cache; not written yet when the picture is new
+    SharedPixels pixels;         ///< null where nobody needs them
+    bool isNew = false;
+};
+
+/// Makes the pictures that displays show, or finds them in the cache. Main thread. Throws
+/// `WallpaperApplicationError`, and `PictureRenderingError` for a source whose reading took too long or too
+/// much.
 class WallpaperRenderer {
 public:
-    WallpaperRenderer(std::filesystem::path cacheDirectory, const PictureRendering& rendering,
-                      const WallClock& clock)
-        : cacheDirectory_(std::move(cacheDirectory)), rendering_(rendering), clock_(clock) {}
+    struct Services {
+        std::filesystem::path cacheDirectory;
+        PictureRendering& rendering;
+        DesktopPictures& desktop;
+        Executor& executor;  ///< for files and one-coloured pictures
+        const CacheFileProtection& cacheFiles;
+        const WallClock& clock;
+    };
+    explicit WallpaperRenderer(Services services) : services_(std::move(services)) {}
 
-    const std::filesystem::path& cacheDirectory() const { return cacheDirectory_; }
-    /// A file of one colour in the display's size. `hexColor` as the user wrote it. Throws
-    /// `WallpaperApplicationError`.
-    std::filesystem::path solidColor(const std::string& hexColor, const DisplayInfo& display) const;
-
-    /// A file with the picture `source` in the display's size; rendered only when no valid one is there. An
-    /// empty caption is none; a background that is no colour is black. Throws `WallpaperApplicationError`.
-    std::filesystem::path image(const std::filesystem::path& source, ImagePresentationLayout layout,
-                                const std::string& backgroundHexColor, const std::string& caption,
-                                const DisplayInfo& display) const;
+    const std::filesystem::path& cacheDirectory() const { return services_.cacheDirectory; }
+    /// One colour; `hexColor` as the user wrote it.
+    Task<GeneratedPicture> solidColor(std::string hexColor, DisplayInfo display);
+    /// The picture of the file `source`; rendered only when no good one is in the cache. An empty caption is
+    /// none; a background that is no colour is black.
+    Task<GeneratedPicture> image(std::filesystem::path source, ImagePresentationLayout layout,
+                                 std::string backgroundHexColor, std::string caption, DisplayInfo display);
 
 private:
-    void render(const std::filesystem::path& source, const PictureComposer& composer,
-                const std::filesystem::path& file) const;
-    void write(const std::filesystem::path& file, const Bytes& png) const;
+    /// A file of the cache and whether it can be what its name says.
+    struct Found {
+        std::filesystem::path file;
+        bool isThere = false;
+    };
+    Task<std::optional<GeneratedPicture>> fromCache(Found found, DisplayInfo display);
+    GeneratedPicture madeNew(std::filesystem::path file, SharedPixels pixels) const;
+    Task<SharedPixels> render(std::filesystem::path source, PictureComposer composer);
 
-    std::filesystem::path cacheDirectory_;
-    const PictureRendering& rendering_;
-    const WallClock& clock_;
+    Services services_;
 };
 
 }  // namespace quillmar

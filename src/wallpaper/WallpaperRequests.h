@@ -1,15 +1,15 @@
 #pragma once
-#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
 
 #include "async/Task.h"
 #include "base/Enum.h"
+#include "desktop/DesktopPictures.h"
 #include "display/DisplayInfo.h"
 #include "modes/RemoteImagePresentation.h"
 #include "modes/WallpaperMode.h"
-#include "platform/DesktopPicture.h"
 #include "storage/CacheFileLease.h"
 
 namespace quillmar {
@@ -35,36 +35,40 @@ struct WallpaperApplyOutcome {
     std::optional<WindowsSpotlightSelection> windowsSpotlightSelection;
 };
 
-/// A picture rendered for one display, ready to be set.
-struct PreparedWallpaperImage {
-    std::optional<CacheFileLease> selectionLease;  ///< on the picture of `windowsSpotlightSelection`
-    CacheFileLease cacheLease;                     ///< on `image`
-    std::filesystem::path image;
-    std::optional<Url> selectedSlideshowImageURL;
-    std::optional<WindowsSpotlightSelection> windowsSpotlightSelection;
+/// What a display shows, from its preparation to its end: its destruction ends what runs for it. Main thread.
+class WallpaperPresentation {
+public:
+    virtual ~WallpaperPresentation() = default;
+    /// Puts it on the display. Called once; a failure leaves the display with what it showed.
+    virtual Task<WallpaperApplyOutcome> present() = 0;
 };
 
-/// A request that has nothing left that could fail before the desktop is touched. Without an image it has
-/// nothing to render in advance.
+/// Makes the presentations of some kinds of modes. Main thread.
+class WallpaperPresenting {
+public:
+    virtual ~WallpaperPresenting() = default;
+    virtual bool presents(WallpaperModeKind kind) const = 0;
+    /// Does all that can fail, without touching the desktop. The mode is valid and of a kind that it
+    /// presents.
+    virtual Task<std::unique_ptr<WallpaperPresentation>> prepare(WallpaperApplyRequest request) = 0;
+};
+
+/// A request that has nothing left that could fail before the desktop is touched. Without a presentation the
+/// display is no longer managed.
 struct PreparedWallpaperApplication {
     WallpaperApplyRequest request;
-    std::optional<PreparedWallpaperImage> image;
+    std::unique_ptr<WallpaperPresentation> presentation;
 };
 
 /// What a display showed before the program took it over.
-struct WallpaperDesktopSnapshot {
-    std::string displayID;
-    std::filesystem::path image;
-    DesktopImageOptions options;
-    CacheFileLease cacheLease;  ///< on `image`
-};
+using WallpaperDesktopSnapshot = DesktopSnapshot;
 
 /// Makes displays show modes. Main thread. Every operation throws `WallpaperApplicationError` or the error of
 /// the port that refused.
 class WallpaperApplying {
 public:
     virtual ~WallpaperApplying() = default;
-    /// The whole path for one display: prepare, set, stop what showed before.
+    /// The whole path for one display: prepare, present, stop what showed before.
     virtual Task<WallpaperApplyOutcome> apply(WallpaperApplyRequest request) = 0;
 };
 
@@ -74,8 +78,8 @@ public:
     /// Does everything that can be done without touching the desktop.
     virtual Task<PreparedWallpaperApplication> prepare(WallpaperApplyRequest request) = 0;
     virtual Task<WallpaperApplyOutcome> applyPrepared(PreparedWallpaperApplication application) = 0;
-    virtual WallpaperDesktopSnapshot captureDesktop(const std::string& displayID) = 0;
-    virtual void restoreDesktop(const WallpaperDesktopSnapshot& snapshot) = 0;
+    virtual Task<WallpaperDesktopSnapshot> captureDesktop(std::string displayID) = 0;
+    virtual Task<void> restoreDesktop(WallpaperDesktopSnapshot snapshot) = 0;
 };
 
 }  // namespace quillmar

@@ -1,5 +1,7 @@
 #include "wallpaper/WallpaperService.h"
 
+#include <algorithm>
+
 #include "modes/WallpaperApplicationError.h"
 
 namespace quillmar {
@@ -7,119 +9,66 @@ namespace {
 
 using Error = WallpaperApplicationError;
 
-void throwIfInvalid(const WallpaperMode& mode) {
-    if (const auto error = mode.validationError()) throw Error(*error);
-}
-
 }  // namespace
 
+WallpaperPresenting* WallpaperService::presenterOf(WallpaperModeKind kind) const {
+    const auto found = std::ranges::find_if(
+        presenters_, [kind](const WallpaperPresenting* presenter) { return presenter->presents(kind); });
+    return found == presenters_.end() ? nullptr : *found;
+}
+
+void WallpaperService::requireConnected(const std::string& displayID) const {
+    if (!displays_.screen(displayID)) throw Error(Error::Case::unavailableDisplay, displayID);
+}
+
 Task<WallpaperApplyOutcome> WallpaperService::apply(WallpaperApplyRequest request) {
-    const CacheFileLease cacheLease = leaseOfCache();
-    screenOf(request.display.id);
-    throwIfInvalid(request.mode);
-    if (isStaticKind(request.mode.kind())) {
-        PreparedWallpaperImage image = co_await prepareImage(request);
-        co_return co_await applyPrepared({std::move(request), std::move(image)});
-    }
-    if (request.mode.kind() == WallpaperModeKind::disabled) co_return WallpaperApplyOutcome{};
-    throw Error(Error::Case::unsupportedMode);
+    co_return co_await applyPrepared(co_await prepare(std::move(request)));
 }
 
 Task<PreparedWallpaperApplication> WallpaperService::prepare(WallpaperApplyRequest request) {
-    const CacheFileLease cacheLease = leaseOfCache();
-    screenOf(request.display.id);
-    throwIfInvalid(request.mode);
-    if (!isStaticKind(request.mode.kind()))
-        co_return PreparedWallpaperApplication{std::move(request), std::nullopt};
-    PreparedWallpaperImage image = co_await prepareImage(request);
-    co_return PreparedWallpaperApplication{std::move(request), std::move(image)};
-}
-
-Task<PreparedWallpaperImage> WallpaperService::prepareImage(WallpaperApplyRequest request) {
-    // The folder's, until the file's own: a sweep must not come between a render and its use.
-    const CacheFileLease cacheLease = leaseOfCache();
-    throwIfInvalid(request.mode);
-    if (isRemote(request.mode.kind())) co_return co_await prepareRemoteImage(std::move(request));
-    StaticPicture picture = co_await renderExecutor_.run(
-        [mode = request.mode, display = request.display, renderer = renderer_, random = randomIndex_] {
-            return renderStaticPicture(mode, display, renderer, random);
-        });
-    CacheFileLease imageLease(cacheFiles_, picture.image);
-    co_return PreparedWallpaperImage{
-        .cacheLease = std::move(imageLease),
-        .image = std::move(picture.image),
-        .selectedSlideshowImageURL = std::move(picture.selectedSlideshowImageURL)};
-}
-
-Task<PreparedWallpaperImage> WallpaperService::prepareRemoteImage(WallpaperApplyRequest request) {
-    const auto presentation = request.mode.imagePresentation();
-    if (!presentation) throw Error(Error::Case::unsupportedMode);
-    const ResolvedRemoteImage source = co_await remoteImages_.resolveImage(
-        request.mode, request.display, request.reason == WallpaperApplyReason::rotation,
-        request.presentation);
-    std::filesystem::path image =
-        co_await renderExecutor_.run([file = source.image, caption = source.overlayCaption.value_or(""),
-                                      look = *presentation, display = request.display, renderer = renderer_] {
-            return renderer.image(file, look.layout, look.backgroundHexColor, caption, display);
-        });
-    CacheFileLease imageLease(cacheFiles_, image);
-    co_return PreparedWallpaperImage{.selectionLease = leaseOf(source.windowsSpotlightSelection),
-                                     .cacheLease = std::move(imageLease),
-                                     .image = std::move(image),
-                                     .windowsSpotlightSelection = source.windowsSpotlightSelection};
+    requireConnected(request.display.id);
+    if (const auto error = request.mode.validationError()) throw Error(*error);
+    PreparedWallpaperApplication prepared{std::move(request), nullptr};
+    const WallpaperModeKind kind = prepared.request.mode.kind();
+    if (kind == WallpaperModeKind::disabled) co_return prepared;
+    WallpaperPresenting* presenter = presenterOf(kind);
+    if (!presenter) throw Error(Error::Case::unsupportedMode);
+    prepared.presentation = co_await presenter->prepare(prepared.request);
+    co_return prepared;
 }
 
 Task<WallpaperApplyOutcome> WallpaperService::applyPrepared(PreparedWallpaperApplication application) {
-    if (!application.image) co_return co_await apply(std::move(application.request));
-    const PreparedWallpaperImage& prepared = *application.image;
-    // Looked up only now: the display may have gone while its picture was rendered.
-    setDesktop(prepared.image, screenOf(application.request.display.id), {});
-    co_return WallpaperApplyOutcome{leaseOf(prepared.windowsSpotlightSelection),
-                                    prepared.selectedSlideshowImageURL, prepared.windowsSpotlightSelection};
-}
-
-WallpaperDesktopSnapshot WallpaperService::captureDesktop(const std::string& displayID) {
-    const Screen screen = screenOf(displayID);
-    const auto image = desktop_.captureDesktopImage(screen);
-    if (!image) throw Error(Error::Case::desktopSnapshotUnavailable, displayID);
-    return {displayID, *image, desktop_.desktopImageOptions(screen), CacheFileLease(cacheFiles_, *image)};
-}
-
-void WallpaperService::restoreDesktop(const WallpaperDesktopSnapshot& snapshot) {
-    setDesktop(snapshot.image, screenOf(snapshot.displayID), snapshot.options);
-}
-
-void WallpaperService::recallDesktop(const std::string& displayID) {
-    const auto screen = displays_.screen(displayID);
-    if (!screen || gate_.isLockScreenOverrideActive) return;
-    desktop_.recallDesktopImage(*screen);
-    if (const auto shown = desktop_.desktopImage(*screen))
-        desktopLeases_.insert_or_assign(displayID, CacheFileLease(cacheFiles_, *shown));
-}
-
-Screen WallpaperService::screenOf(const std::string& displayID) const {
-    auto screen = displays_.screen(displayID);
-    if (!screen) throw Error(Error::Case::unavailableDisplay, displayID);
-    return *std::move(screen);
-}
-
-void WallpaperService::setDesktop(const std::filesystem::path& image, const Screen& screen,
-                                  const DesktopImageOptions& options) {
-    if (gate_.isLockScreenOverrideActive) throw Error(Error::Case::suppressedWhileLocked);
-    CacheFileLease lease(cacheFiles_, image);
-    desktop_.setDesktopImage(image, screen, options);
-    for (const ConnectedDisplay& display : displays_.connectedDisplays()) {
-        if (display.screen != screen) continue;
-        desktopLeases_.insert_or_assign(display.info.id, std::move(lease));
-        return;
+    const std::string displayID = application.request.display.id;
+    if (!application.presentation) {
+        presentations_.erase(displayID);
+        co_return WallpaperApplyOutcome{};
     }
+    WallpaperApplyOutcome outcome = co_await application.presentation->present();
+    // Only now ends what the display showed before.
+    presentations_[displayID] = std::move(application.presentation);
+    co_return outcome;
 }
 
-std::optional<CacheFileLease> WallpaperService::leaseOf(
-    const std::optional<WindowsSpotlightSelection>& selection) const {
-    const auto file = selection ? selection->imageURL.filePath() : std::nullopt;
-    if (!file) return std::nullopt;
-    return CacheFileLease(cacheFiles_, *file);
+Task<WallpaperDesktopSnapshot> WallpaperService::captureDesktop(std::string displayID) {
+    co_return co_await desktop_.capture(std::move(displayID));
+}
+
+Task<void> WallpaperService::restoreDesktop(WallpaperDesktopSnapshot snapshot) {
+    const std::string displayID = snapshot.displayID;
+    std::exception_ptr failure;
+    try {
+        if (gate_.isLockScreenOverrideActive) throw Error(Error::Case::suppressedWhileLocked);
+        co_await desktop_.restore(std::move(snapshot));
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    presentations_.erase(displayID);
+    if (failure) std::rethrow_exception(failure);
+}
+
+Task<void> WallpaperService::recallDesktop(std::string displayID) {
+    if (gate_.isLockScreenOverrideActive) co_return;
+    co_await desktop_.recall(std::move(displayID));
 }
 
 }  // namespace quillmar

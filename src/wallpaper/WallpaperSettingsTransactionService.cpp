@@ -20,10 +20,10 @@ Task<void> WallpaperSettingsTransactionService::applyOne(WallpaperApplyRequest r
     bool hasTouchedDesktop = false;
     std::exception_ptr failure;
     try {
-        // A display that is not managed at present can only be taken back to what it shows, so that is
-        // captured before the first wait.
+        // A display that is not managed at present can only be taken back to what it shows, so nothing of
+        // ours is set before that is captured.
         if (previousMode.kind() == WallpaperModeKind::disabled) {
-            snapshot = operationApplier_.captureDesktop(request.display.id);
+            snapshot = co_await operationApplier_.captureDesktop(request.display.id);
         }
         PreparedWallpaperApplication prepared = co_await operationApplier_.prepare(request);
         hasTouchedDesktop = true;
@@ -46,7 +46,7 @@ Task<void> WallpaperSettingsTransactionService::rollBack(WallpaperApplyRequest r
                                                          WallpaperMode previousMode,
                                                          std::optional<WallpaperDesktopSnapshot> snapshot) {
     if (snapshot) {
-        operationApplier_.restoreDesktop(*snapshot);
+        co_await operationApplier_.restoreDesktop(*std::move(snapshot));
         co_return;
     }
     request.mode = std::move(previousMode);

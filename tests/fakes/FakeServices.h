@@ -17,6 +17,8 @@ inline std::map<std::string, std::string, std::less<>> fakeServiceKeys() {
         for (char& c : host) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
         keys["Quillmar" + std::string(name) + "Host"] = "https://" + host + ".example";
     }
+    keys["QuillmarSemanticVersion"] = "1.2.3";
+    keys["QuillmarContactPage"] = "https://quillmar.example/contact";
     return keys;
 }
 

@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "RemoteProviderFixture.h"
+#include "RemoteServiceFixture.h"
 #include "fakes/FakeExecutors.h"
 #include "fakes/TaskOutcome.h"
 #include "fakes/TemporaryFolder.h"
@@ -10,7 +10,7 @@
 namespace quillmar {
 namespace {
 
-struct RemoteImageResolverTest : RemoteProviderFixture {
+struct RemoteImageResolverTest : RemoteServiceFixture {
     TemporaryFolder cache;
     InlineExecutor files;
     CacheFileProtection cacheFiles;

@@ -1,4 +1,4 @@
-#include "wallpaper/CanvasLayout.h"
+#include "desktop/CanvasLayout.h"
 
 #include <gmock/gmock.h>
 
@@ -47,9 +47,7 @@ TEST(CanvasLayoutTest, aPictureIsDecodedNoLargerThanItsLayoutCanShow) {
 
 TEST(CanvasLayoutTest, theRectanglesFollowTheFormulasFromTheBottomLeft) {
     const PixelSize canvas{1920, 1080};
-    const auto rect = [&](Layout layout, PixelSize decoded) {
-        return drawingRect(layout, canvas, decoded);
-    };
+    const auto rect = [&](Layout layout, PixelSize decoded) { return drawingRect(layout, canvas, decoded); };
     EXPECT_EQ(rect(Layout::center, {401, 300}), (DrawingRect{759.5, 390, 401, 300}));
     EXPECT_EQ(rect(Layout::center, {3000, 2000}), (DrawingRect{-540, -460, 3000, 2000}));
     EXPECT_EQ(rect(Layout::tile, {401, 300}), (DrawingRect{0, 0, 401, 300}));

@@ -8,12 +8,27 @@
 
 #include "base/Text.h"
 #include "linux/glib/Gio.h"
-#include "linux/soup/PublicAddress.h"
 
 namespace quillmar {
 namespace {
 
-constexpr const char* notPublic = "The address is not one of the Internet.";
+/// Of a server that is about to answer and never does. The library reads them all in one turn of the loop,
+/// in which no time passes for anyone, so they are counted.
+constexpr int maximumInformationalAnswers = 100;
+
+using AddressPredicate = SoupHTTPSession::AddressPredicate;
+
+bool isAllowed(const AddressPredicate& mayReach, GSocketAddress* address) {
+    if (!G_IS_INET_SOCKET_ADDRESS(address)) return false;
+    GInetAddress* inet = g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(address));
+    return mayReach({g_inet_address_to_bytes(inet), g_inet_address_get_native_size(inet)});
+}
+
+std::string textOf(GSocketAddress* address) {
+    if (!G_IS_INET_SOCKET_ADDRESS(address)) return "A local socket";
+    GInetAddress* inet = g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(address));
+    return Owned<char>(g_inet_address_to_string(inet)).get();
+}
 
 std::map<std::string, std::string> headersOf(SoupMessage* message) {
     std::map<std::string, std::string> headers;
@@ -82,8 +97,7 @@ public:
           silenceLimit_(request.requestTimeout),
           onOuterStop_(outer, [this] { stop_.request_stop(); }) {
         if (request.resourceTimeout > Duration::zero()) {
-            limit_ = Scheduled(loop, loop.now() + request.resourceTimeout,
-                               [this] { end("The request timed out."); });
+            limit_ = Scheduled(loop, loop.now() + request.resourceTimeout, [this] { end(timedOut()); });
         }
     }
     Transfer(const Transfer&) = delete;
@@ -101,8 +115,7 @@ public:
         const TaskContext context = co_await currentContext();
         const std::stop_callback onStop(context.stop, [this] { stop_.request_stop(); });
         if (silenceLimit_ > Duration::zero()) {
-            silence_ =
-                Scheduled(loop_, loop_.now() + silenceLimit_, [this] { end("The request timed out."); });
+            silence_ = Scheduled(loop_, loop_.now() + silenceLimit_, [this] { end(timedOut()); });
         }
         word.setContext({context.loop, stop_.get_token()});
         try {
@@ -110,15 +123,18 @@ public:
             silence_.cancel();
             co_return result;
         } catch (const CancellationError&) {
-            if (failure_) throw std::runtime_error(failure_);
+            if (failure_) std::rethrow_exception(failure_);
             throw;
         }
     }
 
-    /// Keeps the message from reaching any machine but those of the public Internet.
-    void keepPublic(SoupMessage* message) {
-        g_signal_connect(message, "network-event", G_CALLBACK(&onNetworkEvent), this);
+    /// Ends the transfer where the message's way does: at a machine that it may not reach, or a server that
+    /// has no answer. An empty `mayReach` allows every machine.
+    void watch(SoupMessage* message, AddressPredicate mayReach) {
         message_ = Ref<SoupMessage>::share(message);
+        mayReach_ = std::move(mayReach);
+        g_signal_connect(message, "got-informational", G_CALLBACK(&onInformationalAnswer), this);
+        if (mayReach_) g_signal_connect(message, "network-event", G_CALLBACK(&onNetworkEvent), this);
     }
     /// The connection stands; whatever it reports from now on comes too late for us.
     void stopWatching() {
@@ -133,13 +149,21 @@ private:
             g_socket_connection_get_remote_address(G_SOCKET_CONNECTION(connection), nullptr));
         // A proxy stands where it stands; what the names lead to that it resolves is its own affair.
         if (!address || G_IS_PROXY_ADDRESS(address.get())) return;
-        const bool isPublic =
-            G_IS_INET_SOCKET_ADDRESS(address.get()) &&
-            isPublicAddress(g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(address.get())));
-        if (!isPublic) static_cast<Transfer*>(data)->end(notPublic);
+        auto* self = static_cast<Transfer*>(data);
+        if (isAllowed(self->mayReach_, address.get())) return;
+        self->end(std::make_exception_ptr(ForbiddenAddressError(textOf(address.get()))));
     }
-    void end(const char* failure) {
-        if (!failure_) failure_ = failure;
+    static void onInformationalAnswer(SoupMessage*, gpointer data) {
+        auto* self = static_cast<Transfer*>(data);
+        if (++self->informationalAnswers_ < maximumInformationalAnswers) return;
+        self->end(
+            std::make_exception_ptr(std::runtime_error("The server announces answers without an end.")));
+    }
+    static std::exception_ptr timedOut() {
+        return std::make_exception_ptr(std::runtime_error("The request timed out."));
+    }
+    void end(std::exception_ptr failure) {
+        if (!failure_) failure_ = std::move(failure);
         stop_.request_stop();
     }
 
@@ -147,7 +171,9 @@ private:
     Transfers& all_;
     Transfers::iterator position_;
     Duration silenceLimit_;
-    const char* failure_ = nullptr;  ///< why it ended, when nobody cancelled it
+    std::exception_ptr failure_;  ///< why it ended, when nobody cancelled it
+    int informationalAnswers_ = 0;
+    AddressPredicate mayReach_;
     std::stop_source stop_;
     std::stop_callback<std::function<void()>> onOuterStop_;
     Scheduled silence_;
@@ -176,8 +202,10 @@ private:
     std::int64_t missing_;  ///< bytes that were announced and have not come
 };
 
-SoupHTTPSession::SoupHTTPSession(MainLoop& loop, int maximumConnectionsPerHost)
+SoupHTTPSession::SoupHTTPSession(MainLoop& loop, int maximumConnectionsPerHost,
+                                 AddressPredicate isPublicAddress)
     : loop_(loop),
+      isPublicAddress_(std::move(isPublicAddress)),
       session_(Ref<SoupSession>::adopt(soup_session_new_with_options(
           "max-conns-per-host", maximumConnectionsPerHost, "timeout", 0u, nullptr))) {
     // A name and password within a URL are not kept for the next one.
@@ -196,11 +224,8 @@ Task<HTTPResponse> SoupHTTPSession::open(HTTPRequest request) {
     if (isInvalidated_ || context.stop.stop_requested()) throw CancellationError();
     const Ref<SoupMessage> toSend = message(request);
     auto transfer = std::make_unique<Transfer>(loop_, transfers_, request, context.stop);
-    if (request.reach == HTTPReach::publicNetworks) {
-        // A proxy would be asked for it, and may stand on this very machine.
-        if (!mayBePublicHost(request.url.host())) throw std::runtime_error(notPublic);
-        transfer->keepPublic(toSend.get());
-    }
+    const bool isRestricted = request.reach == HTTPReach::publicNetworks;
+    transfer->watch(toSend.get(), isRestricted ? isPublicAddress_ : AddressPredicate());
     Ref<GInputStream> stream = co_await transfer->waitFor(answerStream(session_, toSend));
     transfer->stopWatching();
     HTTPResponse response = headOf(toSend.get());

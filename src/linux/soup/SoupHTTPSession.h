@@ -1,5 +1,8 @@
 #pragma once
+#include <cstdint>
+#include <functional>
 #include <list>
+#include <span>
 
 #include "linux/glib/Ref.h"
 #include "platform/HTTPSession.h"
@@ -12,7 +15,10 @@ namespace quillmar {
 /// HTTP by libsoup, on GLib's default context.
 class SoupHTTPSession final : public HTTPSession {
 public:
-    SoupHTTPSession(MainLoop& loop, int maximumConnectionsPerHost);
+    /// Whether a request of `HTTPReach::publicNetworks` may reach the machine with an address of 4 or 16
+    /// bytes, in the network's order.
+    using AddressPredicate = std::function<bool(std::span<const std::uint8_t>)>;
+    SoupHTTPSession(MainLoop& loop, int maximumConnectionsPerHost, AddressPredicate isPublicAddress);
     SoupHTTPSession(const SoupHTTPSession&) = delete;
     SoupHTTPSession& operator=(const SoupHTTPSession&) = delete;
     /// Every `open` and every body has ended by now, as the tasks that wait for them have.
@@ -28,6 +34,7 @@ private:
     Ref<SoupMessage> message(const HTTPRequest& request) const;
 
     MainLoop& loop_;
+    const AddressPredicate isPublicAddress_;
     Ref<SoupSession> session_;
     Transfers transfers_;
     bool isInvalidated_ = false;

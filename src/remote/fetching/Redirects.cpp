@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "base/PublicAddress.h"
 #include "base/Text.h"
 #include "base/UrlEditing.h"
 
@@ -12,6 +13,16 @@ constexpr int maximumHops = 10;
 
 bool isRedirect(int status) {
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+}
+
+/// What says who asks and what is understood is for every server; the rest is for the one it was meant for.
+bool isForEveryServer(const std::string& header) { return header == "User-Agent" || header == "Accept"; }
+
+/// A proxy would be asked for it, and may stand on this very machine: no connection is tried.
+void throwIfForbidden(const HTTPRequest& request) {
+    const std::string host = request.url.host();
+    if (request.reach != HTTPReach::publicNetworks || mayBePublicHost(host)) return;
+    throw ForbiddenAddressError(host);
 }
 
 }  // namespace
@@ -25,13 +36,17 @@ Task<HTTPResponse> openFollowingRedirects(HTTPSession& session, HTTPRequest requ
     const MainLoop& loop = *(co_await currentContext()).loop;
     const TimePoint end = loop.now() + request.resourceTimeout;
     for (int hop = 0;; ++hop) {
+        throwIfForbidden(request);
         HTTPResponse response = co_await session.open(request);
         const auto location = response.headers.find("location");
         if (!isRedirect(response.status) || location == response.headers.end()) co_return response;
         if (hop == maximumHops) throw std::runtime_error("The server redirects without an end.");
         const auto next = resolvedReference(request.url, location->second);
         if (!next) throw std::runtime_error("The server redirects to what is no address.");
-        if (!isSameHost(request.url, *next)) request.headers.clear();
+        if (!isSameHost(request.url, *next)) {
+            std::erase_if(request.headers,
+                          [](const auto& header) { return !isForEveryServer(header.first); });
+        }
         if (!service.isLocal()) request.reach = HTTPReach::publicNetworks;
         request.url = *next;
         request.resourceTimeout = end - loop.now();

@@ -9,7 +9,7 @@
 
 namespace quillmar {
 
-/// What the providers need of the network: bounded answers and pictures in the cache. Main thread. Every
+/// What the services need of the network: bounded answers and pictures in the cache. Main thread. Every
 /// operation throws `RemoteImageProviderError`, or `CancellationError` when the task was cancelled.
 class RemoteImageFetching {
 public:
@@ -17,8 +17,8 @@ public:
     static constexpr std::int64_t maximumMetadataBytes = 5242880;
 
     virtual ~RemoteImageFetching() = default;
-    /// The body of a successful answer, of fewer than `maximumMetadataBytes`. A failure of the network itself
-    /// is a `std::runtime_error`.
+    /// The body of a successful answer, of fewer than `maximumMetadataBytes`. A "User-Agent" of the service's
+    /// own stands before the program's.
     virtual Task<std::string> fetchMetadata(RemoteService service, Url url,
                                             std::map<std::string, std::string> headers) = 0;
     /// A validated picture in the cache: the one that lies there, else downloaded now. The caller holds a

@@ -5,7 +5,10 @@ namespace quillmar {
 std::string RemoteImageProviderError::message(GeneralLanguage language) const {
     switch (case_) {
         case Case::invalidResponse:
-            return localized("%@ returned an unexpected response."_key, language, {provider_});
+            if (detail_.empty()) {
+                return localized("%@ returned an unexpected response."_key, language, {provider_});
+            }
+            return localized("%@ returned an unexpected response (%@)."_key, language, {provider_, detail_});
         case Case::httpStatus:
             return localized("%@ returned HTTP %lld."_key, language, {provider_, TextArgument(number_)});
         case Case::noUsableImage:
@@ -19,6 +22,10 @@ std::string RemoteImageProviderError::message(GeneralLanguage language) const {
                              language, {TextArgument(number_)});
         case Case::imageDownloadFailed:
             return localized("Quillmar could not download the image from %@."_key, language, {provider_});
+        case Case::unreachable: return localized("%@ did not answer: %@"_key, language, {provider_, detail_});
+        case Case::forbiddenAddress:
+            return localized("%@ leads to %@, which is no address of the Internet."_key, language,
+                             {provider_, detail_});
     }
     return {};
 }

@@ -4,8 +4,7 @@
 
 #include <stdexcept>
 
-#include "base/HostName.h"
-#include "base/Text.h"
+#include "base/PublicAddress.h"
 
 namespace quillmar {
 namespace {
@@ -19,34 +18,20 @@ Url address(const BundleInfo& bundle, std::string_view key) {
     return *url;
 }
 
-bool isPrivateIPv4(const std::string& host) {
-    for (const std::string_view prefix : {"127.", "10.", "192.168.", "169.254.", "0."}) {
-        if (host.starts_with(prefix)) return true;
-    }
-    if (!host.starts_with("172.")) return false;
-    const int second = std::atoi(host.c_str() + 4);
-    return second >= 16 && second <= 31;
-}
-
 }  // namespace
 
-bool RemoteService::isLocal() const {
-    const std::string name_ = lowercased(host.host());
-    const bool isNumeric = name_.find_first_not_of("0123456789.") == std::string::npos;
-    if (isNumeric) return isPrivateIPv4(name_);
-    if (name_.find(':') != std::string::npos) {
-        return name_ == "::1" || name_.starts_with("fe80:") || name_.starts_with("fc") ||
-               name_.starts_with("fd");
-    }
-    return isLocalHostName(name_);
-}
+bool RemoteService::isLocal() const { return !mayBePublicHost(host.host()); }
 
 RemoteServices RemoteServices::of(const BundleInfo& bundle) {
     const auto museum = [&](MuseumsSource source, std::string_view key) {
         return RemoteService{std::string(displayText(source)), address(bundle, key)};
     };
+    const bool hasArchive = bundle.value("QuillmarAPODArchiveHost").has_value();
     return {
+        .userAgent = fmt::format("Quillmar/{} ({})", bundle.semanticVersion("unknown"),
+                                 address(bundle, "QuillmarContactPage").string()),
         .apod = {"NASA APOD", address(bundle, "QuillmarAPODHost")},
+        .apodArchive = hasArchive ? std::optional(address(bundle, "QuillmarAPODArchiveHost")) : std::nullopt,
         .epic = {"NASA EPIC", address(bundle, "QuillmarEPICHost")},
         .epicArchive = address(bundle, "QuillmarEPICArchiveHost"),
         .wallhaven = {"Wallhaven", address(bundle, "QuillmarWallhavenHost")},

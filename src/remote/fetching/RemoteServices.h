@@ -1,5 +1,6 @@
 #pragma once
 #include <array>
+#include <optional>
 #include <string>
 
 #include "base/BundleInfo.h"
@@ -20,7 +21,9 @@ struct RemoteService {
 
 /// Where the services are, of the bundle keys.
 struct RemoteServices {
+    std::string userAgent;  ///< how the program names itself to them, with a page to reach its makers by
     RemoteService apod;
+    std::optional<Url> apodArchive;  ///< of the service's former interface, where that is still asked
     RemoteService epic;
     Url epicArchive;
     RemoteService wallhaven;

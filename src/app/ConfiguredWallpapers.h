@@ -1,0 +1,63 @@
+#pragma once
+#include "app/Lives.h"
+#include "app/Subsystems.h"
+#include "async/Timer.h"
+#include "display/DisplayConfigurationChangeCoordinator.h"
+
+namespace quillmar {
+
+/// Keeps the displays of picture services with a picture: what they showed last, until their service answers.
+/// It may take its time or be out of reach, and at login the network is often there later than its user.
+class LastServicePictures final : public Life {
+public:
+    explicit LastServicePictures(Subsystems& subsystems) : subsystems_(subsystems) {}
+    Task<void> start() override { return recall(); }
+    Task<void> stop() override { co_return; }
+    void resume() override {}
+    Task<void> recall();
+
+private:
+    Subsystems& subsystems_;
+};
+
+/// Shows what the settings say: at the start, whenever the displays were rearranged, and where the desktop
+/// forgot it.
+class ConfiguredWallpapers final : public Life {
+public:
+    ConfiguredWallpapers(const Ports& ports, Subsystems& subsystems, LastServicePictures& lastPictures);
+    Task<void> start() override;
+    Task<void> stop() override;
+    void resume() override;
+    void screenParametersDidChange();
+
+private:
+    Task<TopologyApplyResult> applyAll();
+    void follow();
+
+    Subsystems& subsystems_;
+    LastServicePictures& lastPictures_;
+    bool isFollowing_ = false;
+    DisplayConfigurationChangeCoordinator coordinator_;
+    OneShotTimer settling_;
+    TaskScope tasks_;
+};
+
+/// Asks the services that failed again when the network is back.
+class NetworkRecovery final : public Life {
+public:
+    NetworkRecovery(const Ports& ports, Subsystems& subsystems);
+    Task<void> start() override;
+    Task<void> stop() override;
+    void resume() override { follow(); }
+
+private:
+    void follow();
+    Task<void> retry();
+
+    SystemEventsObserving& events_;
+    Subsystems& subsystems_;
+    OneShotTimer settling_;
+    TaskScope tasks_;
+};
+
+}  // namespace quillmar
