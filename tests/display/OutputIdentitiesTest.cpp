@@ -65,8 +65,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(OutputIdentitiesTest, theFirstOfItsKindHasTheIdentityThatOldSettingsKnow) {
     OutputIdentities identities;
     EXPECT_EQ(identities.identify({{"DP-1", other}, {"DP-2", ""}}),
-              (std::vector{*Uuid::parse("00000000-0000-5000-8000-000000000000"),
-                           *Uuid::parse("00000000-0000-5000-8000-000000000001")}));
+              (std::vector{*Uuid::parse("29e8ad26-d2cc-5de2-9587-004e33b36059"),
+                           *Uuid::parse("8b699087-fad3-542f-82b3-ec49ea767516")}));
 }
 
 TEST(OutputIdentitiesTest, whatMakesNoSenseIsForgotten) {

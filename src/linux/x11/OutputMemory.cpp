@@ -20,6 +20,10 @@ void write(const std::filesystem::path& file, const std::string& text) {
 
 }  // namespace
 
+std::filesystem::path outputIdentitiesFile(const Environment& environment) {
+    return applicationStateDirectory(environment) / "outputs";
+}
+
 OutputIdentities rememberedIdentities(const std::filesystem::path& file) {
     try {
         return OutputIdentities(readFile(file, maximumBytes));

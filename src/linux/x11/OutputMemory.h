@@ -3,8 +3,12 @@
 
 #include "async/Executor.h"
 #include "linux/x11/OutputIdentity.h"
+#include "storage/ApplicationDirectories.h"
 
 namespace quillmar {
+
+/// Where every program of ours looks up which monitor is which.
+std::filesystem::path outputIdentitiesFile(const Environment& environment);
 
 /// What the file holds; nothing known when it cannot be read.
 OutputIdentities rememberedIdentities(const std::filesystem::path& file);
