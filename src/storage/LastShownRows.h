@@ -1,0 +1,52 @@
+#pragma once
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "base/FileDescriptor.h"
+#include "base/PixelBuffer.h"
+
+namespace quillmar {
+
+/// The picture that a screen showed last as plain rows, so that it can be shown again before anything is
+/// decoded: a file for each screen in a folder, the last one alone. Any thread but the main one: it waits for
+/// the disk.
+class LastShownRows {
+public:
+    /// Keeps the rows of `png`, which is written already, in place of the former ones of the screen with that
+    /// key (as `screenKey` has it). The folder is made when needed. Throws `std::system_error`.
+    static void write(const std::filesystem::path& folder, const std::string& key,
+                      const std::filesystem::path& png, const PixelBuffer& pixels);
+    /// The rows of that screen; nothing when there are none, or when they are not whole, not the user's own
+    /// or not those of the PNG file as it is now.
+    static std::optional<LastShownRows> open(const std::filesystem::path& folder, const std::string& key);
+
+    const std::filesystem::path& png() const { return png_; }
+    PixelSize size() const { return size_; }
+    /// Of a file that has the rows from `firstRow` on, as a `PixelBuffer` has them; stays this one's.
+    int descriptor() const { return file_.get(); }
+    static constexpr std::uint32_t firstRow = 4096;
+    /// Fetches the rows from the disk and keeps them in memory, so that nobody who is handed the file has to
+    /// wait for it. What cannot be fetched is left to them.
+    void fetch();
+
+private:
+    struct Mapping {
+        Mapping(int file, std::size_t length);
+        Mapping(const Mapping&) = delete;
+        Mapping& operator=(const Mapping&) = delete;
+        ~Mapping();
+        void* address;
+        std::size_t length;
+    };
+    LastShownRows(FileDescriptor file, PixelSize size, std::filesystem::path png)
+        : file_(std::move(file)), size_(size), png_(std::move(png)) {}
+
+    FileDescriptor file_;
+    PixelSize size_;
+    std::filesystem::path png_;
+    std::unique_ptr<Mapping> mapping_;
+};
+
+}  // namespace quillmar
