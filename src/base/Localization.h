@@ -16,7 +16,6 @@ constexpr auto enumNames(GeneralLanguage) {
     return std::to_array<std::string_view>({"english", "portuguese"});
 }
 
-
 /// The first language of a list of preferred languages ("pt_PT", "en-GB", ...) that the program speaks;
 /// English when it speaks none of them.
 GeneralLanguage preferredLanguage(std::span<const std::string> preferredLanguages);
