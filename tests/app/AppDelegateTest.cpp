@@ -260,7 +260,7 @@ TEST_F(AppDelegateTest, withTheSettingsWindowOpenOnlyAnExplicitWishOrTheSystemEn
     EXPECT_EQ(delegate->applicationShouldTerminate(QuitSource::other), TerminateReply::terminateCancel);
     EXPECT_FALSE(machine.settingsWindow.visible);
     EXPECT_THAT(log.lines, Contains("information [lifecycle] External quit request closed Settings without "
-                                    "terminating the menu bar app."));
+                                    "terminating the program."));
     machine.settingsWindow.visible = true;
     delegate->quitController().requestQuit();
     machine.loop.settle();
