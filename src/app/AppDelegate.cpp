@@ -113,7 +113,7 @@ TerminateReply AppDelegate::applicationShouldTerminate(QuitSource source) {
     if (isPreparingToTerminate_) return TerminateReply::terminateLater;
     const bool isExplicit = quitController_.takePendingExplicitQuitRequest();
     if (isSettingsWindowVisible() && !isExplicit && source != QuitSource::system) {
-        logInfo("External quit request closed Settings without terminating the menu bar app.", "lifecycle");
+        logInfo("External quit request closed Settings without terminating the program.", "lifecycle");
         ports_.settingsWindow->performClose();
         return TerminateReply::terminateCancel;
     }

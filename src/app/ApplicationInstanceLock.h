@@ -3,6 +3,8 @@
 #include <memory>
 #include <string>
 
+#include "base/FileDescriptor.h"
+
 namespace quillmar {
 
 /// The lock that the first instance holds for its whole life. The file stays behind, empty: only the lock
@@ -16,11 +18,10 @@ public:
 
     ApplicationInstanceLock(const ApplicationInstanceLock&) = delete;
     ApplicationInstanceLock& operator=(const ApplicationInstanceLock&) = delete;
-    ~ApplicationInstanceLock();
 
 private:
-    explicit ApplicationInstanceLock(int fileDescriptor) : fileDescriptor_(fileDescriptor) {}
-    int fileDescriptor_;
+    explicit ApplicationInstanceLock(FileDescriptor file) : file_(std::move(file)) {}
+    FileDescriptor file_;
 };
 
 }  // namespace quillmar

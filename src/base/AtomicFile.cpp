@@ -21,10 +21,8 @@ std::filesystem::path folderOf(const std::filesystem::path& file) {
 /// Makes the rename itself durable. Some file systems refuse to sync a folder, and then there is nothing to
 /// do.
 void syncFolder(const std::filesystem::path& folder) {
-    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) return;
-    ::fsync(descriptor);
-    ::close(descriptor);
+    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor) ::fsync(descriptor.get());
 }
 
 }  // namespace
@@ -34,30 +32,23 @@ AtomicFile::AtomicFile(std::filesystem::path file, mode_t mode, Durability durab
       temporary_((folderOf(file_) / ("." + file_.filename().string() + ".XXXXXX")).string()),
       durability_(durability),
       descriptor_(::mkostemp(temporary_.data(), O_CLOEXEC)) {
-    if (descriptor_ < 0) throwErrno();
-    if (::fchmod(descriptor_, mode) == 0) return;
+    if (!descriptor_) throwErrno();
+    if (::fchmod(descriptor_.get(), mode) == 0) return;
     const int error = errno;
-    ::close(descriptor_);
     ::unlink(temporary_.c_str());
     throw std::system_error(error, std::generic_category());
 }
 
 AtomicFile::~AtomicFile() {
-    if (descriptor_ >= 0) ::close(descriptor_);
     if (!temporary_.empty()) ::unlink(temporary_.c_str());
 }
 
-void AtomicFile::append(std::span<const std::uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) throwErrno();
-        if (written > 0) bytes = bytes.subspan(static_cast<std::size_t>(written));
-    }
-}
+void AtomicFile::append(std::span<const std::uint8_t> bytes) { writeWhole(descriptor_, bytes); }
 
 void AtomicFile::overwrite(std::size_t offset, std::span<const std::uint8_t> bytes) {
     while (!bytes.empty()) {
-        const ssize_t written = ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        const ssize_t written =
+            ::pwrite(descriptor_.get(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
         if (written < 0 && errno != EINTR) throwErrno();
         if (written <= 0) continue;
         offset += static_cast<std::size_t>(written);
@@ -66,9 +57,9 @@ void AtomicFile::overwrite(std::size_t offset, std::span<const std::uint8_t> byt
 }
 
 void AtomicFile::commit() {
-    if (durability_ == Durability::durable && ::fsync(descriptor_) != 0) throwErrno();
+    if (durability_ == Durability::durable && ::fsync(descriptor_.get()) != 0) throwErrno();
     // Network file systems report a failed write only here.
-    if (::close(std::exchange(descriptor_, -1)) != 0 && errno != EINTR) throwErrno();
+    if (::close(descriptor_.release()) != 0 && errno != EINTR) throwErrno();
     if (::rename(temporary_.c_str(), file_.c_str()) != 0) throwErrno();
     temporary_.clear();
     if (durability_ == Durability::durable) syncFolder(folderOf(file_));

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/ByteOutput.h"
+#include "base/FileDescriptor.h"
 #include "base/Files.h"
 
 namespace quillmar {
@@ -26,7 +27,7 @@ private:
     std::filesystem::path file_;
     std::string temporary_;  ///< empty once it has its name
     Durability durability_;
-    int descriptor_;
+    FileDescriptor descriptor_;
 };
 
 }  // namespace quillmar

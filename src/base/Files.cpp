@@ -5,37 +5,22 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <system_error>
 
 #include "base/AtomicFile.h"
+#include "base/FileDescriptor.h"
 
 namespace quillmar {
 namespace {
 
 [[noreturn]] void throwErrno() { throw std::system_error(errno, std::generic_category()); }
 
-class Descriptor {
-public:
-    explicit Descriptor(int value) : value_(value) {
-        if (value_ < 0) throwErrno();
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (value_ >= 0) ::close(value_);
-    }
-    int get() const { return value_; }
-
-private:
-    int value_;
-};
-
 }  // namespace
 
 std::string readFile(const std::filesystem::path& file, std::size_t maximumBytes) {
     // Not blocking: opening a FIFO would wait for a writer for ever.
-    const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!descriptor) throwErrno();
     struct stat status{};
     if (::fstat(descriptor.get(), &status) != 0) throwErrno();
     if (S_ISDIR(status.st_mode)) throw std::system_error(EISDIR, std::generic_category());
@@ -59,6 +44,14 @@ std::string readFile(const std::filesystem::path& file, std::size_t maximumBytes
     if (length > maximumBytes) throw std::system_error(EFBIG, std::generic_category());
     bytes.resize(length);
     return bytes;
+}
+
+void writeWhole(const FileDescriptor& file, std::span<const std::uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file.get(), bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR) throwErrno();
+        if (written > 0) bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
 }
 
 void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes, mode_t mode,

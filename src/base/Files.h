@@ -8,12 +8,17 @@
 
 namespace quillmar {
 
+class FileDescriptor;
+
 // Whole files. Every function throws `std::system_error` with the system's reason; the path is the caller's
 // to add. They wait for the disk: never call them on the main thread.
 
 /// The file's bytes. Fails with `std::errc::file_too_large` beyond `maximumBytes`, whatever size the file
 /// claims.
 std::string readFile(const std::filesystem::path& file, std::size_t maximumBytes);
+
+/// Writes all of the bytes where the open file stands.
+void writeWhole(const FileDescriptor& file, std::span<const std::uint8_t> bytes);
 
 /// Whether a written file must survive a power cut, which costs a wait for the disk itself.
 enum class Durability { durable, reproducible };

@@ -1,7 +1,5 @@
 #pragma once
-#include <array>
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,7 +16,5 @@ constexpr std::uint64_t fnv1a64(std::string_view text) {
 }
 /// Lower-case hexadecimal without leading zeros.
 std::string hexadecimal(std::uint64_t value);
-/// Lower-case hexadecimal SHA-256 of the bytes.
-std::string sha256Hex(std::span<const std::uint8_t> bytes);
 
 }  // namespace quillmar

@@ -5,22 +5,18 @@
 #include <algorithm>
 #include <cmath>
 
+// The library would check every value against itself at each move, a tenth of the time that a document takes.
+#define JSON_ASSERT(condition)
+#include <nlohmann/json.hpp>
+
 namespace quillmar::json {
 namespace {
 
-std::string described(const Value& json) {
-    const auto number = [](const auto& value) { return "the number " + encodeCompact(value); };
-    switch (json.kind()) {
-        case Value::Kind::null: return "null";
-        case Value::Kind::boolean: return json.boolean() ? "true" : "false";
-        case Value::Kind::natural: return number(json.natural());
-        case Value::Kind::negative: return number(json.negative());
-        case Value::Kind::real: return number(json.real());
-        case Value::Kind::text: return "a text";
-        case Value::Kind::array: return "an array";
-        case Value::Kind::object: return "an object";
-    }
-    return {};
+std::string described(const nlohmann::json& json) {
+    if (json.is_number()) return "the number " + json.dump();
+    if (json.is_string()) return "a text";
+    if (json.is_array()) return "an array";
+    return json.is_object() ? "an object" : json.dump();
 }
 
 /// A text as it stands in the document, short enough for an alert.
@@ -33,27 +29,29 @@ std::string quoted(std::string_view value) {
     return text.substr(0, end) + "…";
 }
 
-void expect(bool holds, std::string_view what, const Value& json, const Place& place) {
+void expect(bool holds, std::string_view what, const nlohmann::json& json, const Place& place) {
     if (!holds) place.fail(fmt::format("expected {}, found {}", what, described(json)));
 }
 
-std::string_view text(const Value& json, std::string_view what, const Place& place) {
-    expect(json.kind() == Value::Kind::text, what, json, place);
-    return json.text();
+std::string_view text(const nlohmann::json& json, std::string_view what, const Place& place) {
+    expect(json.is_string(), what, json, place);
+    return json.get_ref<const std::string&>();
 }
 
 template <class T>
-void readInteger(const Value& json, T& value, const Place& place) {
-    if (json.kind() == Value::Kind::natural) {
-        expect(std::in_range<T>(json.natural()), "a number in range", json, place);
-        value = static_cast<T>(json.natural());
-    } else if (json.kind() == Value::Kind::negative) {
-        expect(std::in_range<T>(json.negative()), "a number in range", json, place);
-        value = static_cast<T>(json.negative());
+void readInteger(const nlohmann::json& json, T& value, const Place& place) {
+    const auto takeInRange = [&](auto number) {
+        expect(std::in_range<T>(number), "a number in range", json, place);
+        value = static_cast<T>(number);
+    };
+    if (json.is_number_unsigned()) {
+        takeInRange(json.get<std::uint64_t>());
+    } else if (json.is_number_integer()) {
+        takeInRange(json.get<std::int64_t>());
     } else {
-        expect(json.kind() == Value::Kind::real, "a whole number", json, place);
+        expect(json.is_number(), "a whole number", json, place);
         // Other writers may spell a whole number with a fraction of zero. 2^53 is where doubles lose units.
-        const double number = json.real();
+        const double number = json.get<double>();
         const bool isWhole = std::trunc(number) == number && std::abs(number) <= 9007199254740992.0;
         expect(isWhole && std::in_range<T>(static_cast<std::int64_t>(number)), "a whole number", json, place);
         value = static_cast<T>(number);
@@ -61,14 +59,74 @@ void readInteger(const Value& json, T& value, const Place& place) {
 }
 
 template <class T, class Parse>
-void readParsed(const Value& json, T& value, const Place& place, std::string_view what, Parse parseText) {
+void readParsed(const nlohmann::json& json, T& value, const Place& place, std::string_view what,
+                Parse parseText) {
     const std::string_view given = text(json, what, place);
     auto parsed = parseText(given);
     if (!parsed) place.fail(fmt::format("expected {}, found {}", what, quoted(given)));
     value = std::move(*parsed);
 }
 
+/// Where the text that begins at `start` ends, its quotes included.
+std::size_t endOfText(std::string_view document, std::size_t start) {
+    for (std::size_t i = start + 1;;) {
+        const std::size_t quote = document.find('"', i);
+        if (quote == std::string_view::npos) return document.size();
+        const std::size_t last = document.find_last_not_of('\\', quote - 1);
+        // A quote behind an odd number of backslashes is part of the text.
+        if ((quote - 1 - last) % 2 == 0) return quote;
+        i = quote + 1;
+    }
+}
+
+/// Whether brackets that are open at one time are few enough. Told before parsing: a hostile text of nothing
+/// else becomes a document of a hundred times its size.
+bool isNestedTooDeeply(std::string_view text) {
+    constexpr int maximumDepth = 256;
+    int depth = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        switch (text[i]) {
+            case '[':
+            case '{':
+                if (++depth > maximumDepth) return true;
+                break;
+            case ']':
+            case '}': --depth; break;
+            case '"': i = endOfText(text, i); break;
+            default: break;
+        }
+    }
+    return false;
+}
+
+/// Where the reader stopped, as editors count: lines and bytes within a line, both from 1.
+std::string lineAndColumn(std::string_view text, std::size_t byte) {
+    const std::string_view before = text.substr(0, byte == 0 ? 0 : byte - 1);
+    const std::size_t lineStart = before.rfind('\n') + 1;  // 0 where there is no line feed
+    return fmt::format("line {}, column {}", std::ranges::count(before, '\n') + 1,
+                       before.size() - lineStart + 1);
+}
+
+nlohmann::json parsed(std::string_view text) {
+    constexpr std::size_t maximumBytes = 64u << 20;
+    if (text.size() > maximumBytes) throw JsonRecordError("", "the document is too large");
+    if (isNestedTooDeeply(text)) throw JsonRecordError("", "the document is nested too deeply");
+    try {
+        return nlohmann::json::parse(text);
+    } catch (const nlohmann::json::parse_error& error) {
+        throw JsonRecordError(
+            "", fmt::format("the document is not valid JSON ({})", lineAndColumn(text, error.byte)));
+    } catch (const nlohmann::json::out_of_range&) {
+        throw JsonRecordError(
+            "", "the document is not valid JSON: it has a number that no machine number can hold");
+    }
+}
+
 }  // namespace
+
+void parse(std::string_view text, const std::function<void(const nlohmann::json&)>& read) {
+    read(parsed(text));
+}
 
 std::string Place::text() const {
     if (!up_) return {};
@@ -77,32 +135,37 @@ std::string Place::text() const {
     return before.empty() ? std::string(key_) : fmt::format("{}.{}", before, key_);
 }
 
-void read(const Value& json, bool& value, const Place& place) {
-    expect(json.kind() == Value::Kind::boolean, "true or false", json, place);
-    value = json.boolean();
+void read(const nlohmann::json& json, bool& value, const Place& place) {
+    expect(json.is_boolean(), "true or false", json, place);
+    value = json.get<bool>();
 }
-void read(const Value& json, int& value, const Place& place) { readInteger(json, value, place); }
-void read(const Value& json, std::int64_t& value, const Place& place) { readInteger(json, value, place); }
-void read(const Value& json, std::uint32_t& value, const Place& place) { readInteger(json, value, place); }
-void read(const Value& json, std::uint64_t& value, const Place& place) { readInteger(json, value, place); }
-void read(const Value& json, double& value, const Place& place) {
-    switch (json.kind()) {
-        case Value::Kind::natural: value = static_cast<double>(json.natural()); break;
-        case Value::Kind::negative: value = static_cast<double>(json.negative()); break;
-        default: expect(json.kind() == Value::Kind::real, "a number", json, place); value = json.real();
-    }
+void read(const nlohmann::json& json, int& value, const Place& place) { readInteger(json, value, place); }
+void read(const nlohmann::json& json, std::int64_t& value, const Place& place) {
+    readInteger(json, value, place);
 }
-void read(const Value& json, std::string& value, const Place& place) { value = text(json, "a text", place); }
-void read(const Value& json, Uuid& value, const Place& place) {
+void read(const nlohmann::json& json, std::uint32_t& value, const Place& place) {
+    readInteger(json, value, place);
+}
+void read(const nlohmann::json& json, std::uint64_t& value, const Place& place) {
+    readInteger(json, value, place);
+}
+void read(const nlohmann::json& json, double& value, const Place& place) {
+    expect(json.is_number(), "a number", json, place);
+    value = json.get<double>();
+}
+void read(const nlohmann::json& json, std::string& value, const Place& place) {
+    value = text(json, "a text", place);
+}
+void read(const nlohmann::json& json, Uuid& value, const Place& place) {
     readParsed(json, value, place, "a UUID", [](std::string_view t) { return Uuid::parse(t); });
 }
-void read(const Value& json, Url& value, const Place& place) {
+void read(const nlohmann::json& json, Url& value, const Place& place) {
     readParsed(json, value, place, "a URL", [](std::string_view t) { return Url::parse(t); });
 }
-void read(const Value& json, Bytes& value, const Place& place) {
+void read(const nlohmann::json& json, Bytes& value, const Place& place) {
     readParsed(json, value, place, "Base64 text", [](std::string_view t) { return base64Decoded(t); });
 }
-void read(const Value& json, WallTime& value, const Place& place) {
+void read(const nlohmann::json& json, WallTime& value, const Place& place) {
     readParsed(json, value, place, "an ISO 8601 date", [](std::string_view t) { return parseISO8601(t); });
 }
 
@@ -132,16 +195,31 @@ void write(Output& output, const WallTime& value, const Place& place) {
 
 namespace detail {
 
-std::span<const Member> members(const Value& json, const Place& place) {
-    expect(json.kind() == Value::Kind::object, "an object", json, place);
-    return json.members();
-}
-std::span<const Value> elements(const Value& json, const Place& place) {
-    expect(json.kind() == Value::Kind::array, "an array", json, place);
-    return json.elements();
+void expectObject(const nlohmann::json& json, const Place& place) {
+    expect(json.is_object(), "an object", json, place);
 }
 
-std::size_t indexOfName(const Value& json, std::span<const std::string_view> names, const Place& place) {
+std::size_t elementCount(const nlohmann::json& json, const Place& place) {
+    expect(json.is_array(), "an array", json, place);
+    return json.size();
+}
+
+const nlohmann::json& element(const nlohmann::json& array, std::size_t index) { return array[index]; }
+
+void forEachMember(const nlohmann::json& json, const Place& place, const MemberVisit& visit) {
+    expectObject(json, place);
+    for (const auto& [key, value] : json.items()) visit(key, value);
+}
+
+const nlohmann::json* find(const nlohmann::json& object, std::string_view key) {
+    const auto found = object.find(key);
+    return found == object.end() ? nullptr : &*found;
+}
+
+bool isNull(const nlohmann::json& json) { return json.is_null(); }
+
+std::size_t indexOfName(const nlohmann::json& json, std::span<const std::string_view> names,
+                        const Place& place) {
     const std::string_view name = text(json, "a text", place);
     const auto found = std::ranges::find(names, name);
     if (found == names.end()) {
@@ -150,29 +228,27 @@ std::size_t indexOfName(const Value& json, std::span<const std::string_view> nam
     return static_cast<std::size_t>(found - names.begin());
 }
 
-std::pair<std::size_t, const Value*> onlyCase(const Value& json, std::span<const std::string_view> names,
-                                              const Place& place) {
-    std::pair<std::size_t, const Value*> found{0, nullptr};
+std::pair<std::size_t, const nlohmann::json*> onlyCase(const nlohmann::json& json,
+                                                       std::span<const std::string_view> names,
+                                                       const Place& place) {
+    expectObject(json, place);
+    std::pair<std::size_t, const nlohmann::json*> only{0, nullptr};
     std::size_t count = 0;
-    for (const Member& member : members(json, place)) {
-        const auto name = std::ranges::find(names, member.key);
-        if (name == names.end()) continue;
-        found = {static_cast<std::size_t>(name - names.begin()), &member.value};
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const nlohmann::json* found = find(json, names[i]);
+        if (!found) continue;
+        only = {i, found};
         ++count;
     }
     if (count != 1) place.fail("Invalid number of keys found, expected one.");
-    return found;
+    return only;
 }
 
-const Value& payload(const Value& json, const Place& place) {
-    const Value* found = find(members(json, place), "_0");
+const nlohmann::json& payload(const nlohmann::json& json, const Place& place) {
+    expectObject(json, place);
+    const nlohmann::json* found = find(json, "_0");
     if (!found) place["_0"].fail("missing key");
     return *found;
-}
-
-const Value* find(std::span<const Member> object, std::string_view key) {
-    const auto found = std::ranges::lower_bound(object, key, {}, &Member::key);
-    return found == object.end() || found->key != key ? nullptr : &found->value;
 }
 
 }  // namespace detail

@@ -5,7 +5,9 @@
 // and this file reads and writes it. Include it only in the .cpp files that read or write documents: reading
 // and writing are templates.
 #include <concepts>
+#include <functional>
 #include <map>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <set>
 #include <span>
@@ -19,7 +21,6 @@
 #include "base/Enum.h"
 #include "base/JsonError.h"
 #include "base/JsonOutput.h"
-#include "base/JsonValue.h"
 #include "base/Url.h"
 #include "base/Uuid.h"
 #include "base/WallTime.h"
@@ -58,17 +59,17 @@ concept TaggedUnion = requires(T& union_) {
     T::caseNames();
 };
 
-void read(const Value& json, bool& value, const Place& place);
-void read(const Value& json, int& value, const Place& place);
-void read(const Value& json, std::int64_t& value, const Place& place);
-void read(const Value& json, std::uint32_t& value, const Place& place);
-void read(const Value& json, std::uint64_t& value, const Place& place);
-void read(const Value& json, double& value, const Place& place);
-void read(const Value& json, std::string& value, const Place& place);
-void read(const Value& json, Uuid& value, const Place& place);
-void read(const Value& json, Url& value, const Place& place);
-void read(const Value& json, Bytes& value, const Place& place);
-void read(const Value& json, WallTime& value, const Place& place);
+void read(const nlohmann::json& json, bool& value, const Place& place);
+void read(const nlohmann::json& json, int& value, const Place& place);
+void read(const nlohmann::json& json, std::int64_t& value, const Place& place);
+void read(const nlohmann::json& json, std::uint32_t& value, const Place& place);
+void read(const nlohmann::json& json, std::uint64_t& value, const Place& place);
+void read(const nlohmann::json& json, double& value, const Place& place);
+void read(const nlohmann::json& json, std::string& value, const Place& place);
+void read(const nlohmann::json& json, Uuid& value, const Place& place);
+void read(const nlohmann::json& json, Url& value, const Place& place);
+void read(const nlohmann::json& json, Bytes& value, const Place& place);
+void read(const nlohmann::json& json, WallTime& value, const Place& place);
 
 void write(Output& output, bool value, const Place&);
 void write(Output& output, int value, const Place&);
@@ -85,33 +86,43 @@ void write(Output& output, const Url& value, const Place&);
 void write(Output& output, const Bytes& value, const Place&);
 void write(Output& output, const WallTime& value, const Place&);
 
+// What a document holds, asked where the whole of the JSON library is known: it takes seconds to compile.
 namespace detail {
-std::span<const Member> members(const Value& json, const Place& place);
-std::span<const Value> elements(const Value& json, const Place& place);
-/// Index of the name within `names`; fails with the list of the names.
-std::size_t indexOfName(const Value& json, std::span<const std::string_view> names, const Place& place);
-/// The one known key of a tagged union and its position within `names`.
-std::pair<std::size_t, const Value*> onlyCase(const Value& json, std::span<const std::string_view> names,
-                                              const Place& place);
-const Value& payload(const Value& json, const Place& place);
+void expectObject(const nlohmann::json& json, const Place& place);
+/// The number of an array's elements; fails for what is no array.
+std::size_t elementCount(const nlohmann::json& json, const Place& place);
+const nlohmann::json& element(const nlohmann::json& array, std::size_t index);
+using MemberVisit = std::function<void(const std::string& key, const nlohmann::json& value)>;
+/// Visits an object's members sorted by key; fails for what is no object.
+void forEachMember(const nlohmann::json& json, const Place& place, const MemberVisit& visit);
 /// The key's value, nothing when it is absent.
-const Value* find(std::span<const Member> object, std::string_view key);
+const nlohmann::json* find(const nlohmann::json& object, std::string_view key);
+bool isNull(const nlohmann::json& json);
+/// Index of the name within `names`; fails with the list of the names.
+std::size_t indexOfName(const nlohmann::json& json, std::span<const std::string_view> names,
+                        const Place& place);
+/// The one known key of a tagged union and its position within `names`.
+std::pair<std::size_t, const nlohmann::json*> onlyCase(const nlohmann::json& json,
+                                                       std::span<const std::string_view> names,
+                                                       const Place& place);
+/// What a case of a tagged union holds.
+const nlohmann::json& payload(const nlohmann::json& json, const Place& place);
 }  // namespace detail
 
 template <NamedEnum E>
-void read(const Value& json, E& value, const Place& place);
+void read(const nlohmann::json& json, E& value, const Place& place);
 template <class T>
-void read(const Value& json, std::vector<T>& value, const Place& place);
+void read(const nlohmann::json& json, std::vector<T>& value, const Place& place);
 template <NamedEnum E>
-void read(const Value& json, std::set<E>& value, const Place& place);
+void read(const nlohmann::json& json, std::set<E>& value, const Place& place);
 template <NamedEnum K, class V>
-void read(const Value& json, std::map<K, V>& value, const Place& place);
+void read(const nlohmann::json& json, std::map<K, V>& value, const Place& place);
 template <class V>
-void read(const Value& json, std::map<std::string, V>& value, const Place& place);
+void read(const nlohmann::json& json, std::map<std::string, V>& value, const Place& place);
 template <TaggedUnion T>
-void read(const Value& json, T& value, const Place& place);
+void read(const nlohmann::json& json, T& value, const Place& place);
 template <Record T>
-void read(const Value& json, T& value, const Place& place);
+void read(const nlohmann::json& json, T& value, const Place& place);
 
 template <NamedEnum E>
 void write(Output& output, E value, const Place&);
@@ -143,13 +154,14 @@ T blank() {
 /// Reads the keys that a record's `describe` names, in that order; the first failure throws.
 class Reader {
 public:
-    Reader(const Value& object, const Place& place)
-        : object_(detail::members(object, place)), place_(place) {}
+    Reader(const nlohmann::json& object, const Place& place) : object_(object), place_(place) {
+        detail::expectObject(object, place);
+    }
 
     template <class T>
     Reader& required(std::string_view key, T& value) {
         const Place place = place_[key];
-        const Value* found = detail::find(object_, key);
+        const nlohmann::json* found = detail::find(object_, key);
         if (!found) place.fail("missing key");
         read(*found, value, place);
         return *this;
@@ -157,8 +169,8 @@ public:
     template <class T>
     Reader& optional(std::string_view key, std::optional<T>& value) {
         value.reset();
-        const Value* found = detail::find(object_, key);
-        if (found && !found->isNull()) {
+        const nlohmann::json* found = detail::find(object_, key);
+        if (found && !detail::isNull(*found)) {
             T present = blank<T>();
             read(*found, present, place_[key]);
             value = std::move(present);
@@ -167,7 +179,7 @@ public:
     }
 
 private:
-    std::span<const Member> object_;
+    const nlohmann::json& object_;
     const Place& place_;
 };
 
@@ -200,25 +212,25 @@ private:
 };
 
 template <NamedEnum E>
-void read(const Value& json, E& value, const Place& place) {
+void read(const nlohmann::json& json, E& value, const Place& place) {
     static constexpr auto names = enumNames(E{});
     value = static_cast<E>(detail::indexOfName(json, names, place));
 }
 
 template <class T>
-void read(const Value& json, std::vector<T>& value, const Place& place) {
-    const std::span<const Value> elements = detail::elements(json, place);
+void read(const nlohmann::json& json, std::vector<T>& value, const Place& place) {
+    const std::size_t count = detail::elementCount(json, place);
     value.clear();
-    value.reserve(elements.size());
-    for (std::size_t i = 0; i < elements.size(); ++i) {
+    value.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
         T element = blank<T>();
-        read(elements[i], element, place[i]);
+        read(detail::element(json, i), element, place[i]);
         value.push_back(std::move(element));
     }
 }
 
 template <NamedEnum E>
-void read(const Value& json, std::set<E>& value, const Place& place) {
+void read(const nlohmann::json& json, std::set<E>& value, const Place& place) {
     std::vector<E> elements;
     read(json, elements, place);
     value = std::set<E>(elements.begin(), elements.end());
@@ -226,31 +238,31 @@ void read(const Value& json, std::set<E>& value, const Place& place) {
 
 /// A map whose key is an enumeration is a flat array that alternates key and value.
 template <NamedEnum K, class V>
-void read(const Value& json, std::map<K, V>& value, const Place& place) {
-    const std::span<const Value> parts = detail::elements(json, place);
-    if (parts.size() % 2 != 0) place.fail("expected pairs of key and value, found an odd number of elements");
+void read(const nlohmann::json& json, std::map<K, V>& value, const Place& place) {
+    const std::size_t count = detail::elementCount(json, place);
+    if (count % 2 != 0) place.fail("expected pairs of key and value, found an odd number of elements");
     value.clear();
-    for (std::size_t i = 0; i < parts.size(); i += 2) {
+    for (std::size_t i = 0; i < count; i += 2) {
         K key{};
-        read(parts[i], key, place[i]);
+        read(detail::element(json, i), key, place[i]);
         V element = blank<V>();
-        read(parts[i + 1], element, place[i + 1]);
+        read(detail::element(json, i + 1), element, place[i + 1]);
         value.insert_or_assign(key, std::move(element));
     }
 }
 
 template <class V>
-void read(const Value& json, std::map<std::string, V>& value, const Place& place) {
+void read(const nlohmann::json& json, std::map<std::string, V>& value, const Place& place) {
     value.clear();
-    for (const Member& member : detail::members(json, place)) {
+    detail::forEachMember(json, place, [&](const std::string& key, const nlohmann::json& member) {
         V element = blank<V>();
-        read(member.value, element, place[member.key]);
-        value.insert_or_assign(std::string(member.key), std::move(element));
-    }
+        read(member, element, place[key]);
+        value.insert_or_assign(key, std::move(element));
+    });
 }
 
 template <TaggedUnion T>
-void read(const Value& json, T& value, const Place& place) {
+void read(const nlohmann::json& json, T& value, const Place& place) {
     using Cases = typename T::Value;
     static constexpr auto names = T::caseNames();
     static_assert(names.size() == std::variant_size_v<Cases>);
@@ -263,7 +275,7 @@ void read(const Value& json, T& value, const Place& place) {
             const Place payloadPlace = casePlace["_0"];
             read(detail::payload(*content, casePlace), payload, payloadPlace);
         } else {
-            detail::members(*content, casePlace);
+            detail::expectObject(*content, casePlace);
         }
         value.value = Cases(std::in_place_index<I>, std::move(payload));
     };
@@ -273,7 +285,7 @@ void read(const Value& json, T& value, const Place& place) {
 }
 
 template <Record T>
-void read(const Value& json, T& value, const Place& place) {
+void read(const nlohmann::json& json, T& value, const Place& place) {
     Reader reader(json, place);
     T::describe(value, reader);
 }
@@ -358,11 +370,16 @@ void write(Output& output, const T& value, const Place& place) {
     writer.finish(place);
 }
 
+/// Parses a text of at most 64 MiB and 256 levels and hands out the document, which lasts as long as the
+/// call; of a key that is given twice, the last counts. Throws `JsonRecordError` for what is not JSON in
+/// UTF-8.
+void parse(std::string_view text, const std::function<void(const nlohmann::json& document)>& read);
+
 /// Reads a record from a document's text. Throws `JsonRecordError`.
 template <class T>
 T decode(std::string_view text) {
     T value = blank<T>();
-    read(parse(text).root(), value, Place());
+    parse(text, [&](const nlohmann::json& document) { read(document, value, Place()); });
     return value;
 }
 

@@ -10,7 +10,7 @@ namespace quillmar {
 LocalDateTime localDateTime(WallTime time) {
     const std::time_t seconds = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
     std::tm local{};
-    ::tzset();  // localtime_r alone keeps the zone of its first call, and people travel
+    ::tzset();  // localtime_r alone keeps the zone of its first call, as GLib does, and people travel
     ::localtime_r(&seconds, &local);
     return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
 }

@@ -7,10 +7,6 @@
 
 namespace quillmar {
 
-std::string_view localeIdentifier(GeneralLanguage language) {
-    return language == GeneralLanguage::portuguese ? "pt-PT" : "en";
-}
-
 GeneralLanguage preferredLanguage(std::span<const std::string> preferredLanguages) {
     for (const std::string& entry : preferredLanguages) {
         const std::string lower = lowercased(entry);

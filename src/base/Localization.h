@@ -16,9 +16,6 @@ constexpr auto enumNames(GeneralLanguage) {
     return std::to_array<std::string_view>({"english", "portuguese"});
 }
 
-/// Locale identifier that goes with a language: "en" or "pt-PT".
-std::string_view localeIdentifier(GeneralLanguage);
-
 /// The first language of a list of preferred languages ("pt_PT", "en-GB", ...) that the program speaks;
 /// English when it speaks none of them.
 GeneralLanguage preferredLanguage(std::span<const std::string> preferredLanguages);

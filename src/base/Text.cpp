@@ -109,6 +109,9 @@ int compareNumbers(const std::u32string& left, const std::u32string& right) {
     return sign(left.compare(right), 0);
 }
 
+// GLib's own collation follows the process's locale: on a bare system it is the order of bytes, and how the
+// pictures of a slideshow follow each other would depend on how the program was started.
+
 /// One level of the comparison: digits by value, any other scalar by class, then by `key`.
 int compareLevel(std::u32string_view left, std::u32string_view right, gunichar (*key)(gunichar)) {
     while (!left.empty() && !right.empty()) {

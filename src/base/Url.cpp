@@ -2,7 +2,6 @@
 
 #include <glib.h>
 
-#include <charconv>
 #include <memory>
 
 #include "base/Text.h"
@@ -10,63 +9,30 @@
 namespace quillmar {
 namespace {
 
-/// Where the parts of a URL lie in its text.
+/// The parts of a URL, their escapes as they stand; one that is not there is empty.
 struct Parts {
-    std::string_view scheme;
-    bool hasAuthority = false;
-    std::string_view host;
-    std::string_view port;
-    std::string_view path;
-    std::string_view query;
-    bool isSound = true;
+    std::string scheme, host, path, query;
+    int port = -1;
 };
 
-std::string_view takeScheme(std::string_view& rest) {
-    const std::size_t end = rest.find_first_of(":/?#");
-    if (end == std::string_view::npos || end == 0 || rest[end] != ':') return {};
-    const std::string_view scheme = rest.substr(0, end);
-    if (!g_ascii_isalpha(scheme.front())) return {};
-    for (const char c : scheme) {
-        if (!g_ascii_isalnum(c) && c != '+' && c != '-' && c != '.') return {};
-    }
-    rest.remove_prefix(end + 1);
-    return scheme;
+std::string taken(char* text) {
+    const std::unique_ptr<char, decltype(&g_free)> owner(text, &g_free);
+    return text ? text : "";
 }
 
-void splitAuthority(std::string_view authority, Parts& parts) {
-    if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos)
-        authority.remove_prefix(at + 1);
-    std::size_t end = authority.find(':');
-    if (authority.starts_with('[')) {
-        const std::size_t bracket = authority.find(']');
-        parts.isSound = bracket != std::string_view::npos;
-        if (!parts.isSound) return;
-        parts.host = authority.substr(1, bracket - 1);
-        end = bracket + 1;
-        if (end < authority.size() && authority[end] != ':') parts.isSound = false;
-    } else {
-        parts.host = authority.substr(0, end);
+std::optional<Parts> split(const std::string& text) {
+    // Relaxed, with escapes kept: servers hand out stray percent signs, and a file name need not be UTF-8.
+    constexpr auto flags =
+        static_cast<GUriFlags>(G_URI_FLAGS_PARSE_RELAXED | G_URI_FLAGS_ENCODED | G_URI_FLAGS_NON_DNS);
+    char *scheme = nullptr, *host = nullptr, *path = nullptr, *query = nullptr;
+    int port = -1;
+    if (!g_uri_split(text.c_str(), flags, &scheme, nullptr, &host, &port, &path, &query, nullptr, nullptr)) {
+        return std::nullopt;
     }
-    if (end < authority.size()) parts.port = authority.substr(end + 1);
-    parts.isSound = parts.isSound && parts.port.find_first_not_of("0123456789") == std::string_view::npos;
+    return Parts{taken(scheme), taken(host), taken(path), taken(query), port};
 }
 
-Parts split(std::string_view text) {
-    Parts parts;
-    text = text.substr(0, text.find('#'));
-    parts.scheme = takeScheme(text);
-    if (text.starts_with("//")) {
-        parts.hasAuthority = true;
-        text.remove_prefix(2);
-        const std::size_t end = std::min(text.find_first_of("/?"), text.size());
-        splitAuthority(text.substr(0, end), parts);
-        text.remove_prefix(end);
-    }
-    const std::size_t mark = text.find('?');
-    parts.path = text.substr(0, mark);
-    if (mark != std::string_view::npos) parts.query = text.substr(mark + 1);
-    return parts;
-}
+Parts partsOf(const std::string& text) { return split(text).value_or(Parts()); }
 
 /// An escape that is none stays as it stands: servers hand out such URLs.
 std::string unescaped(std::string_view text) {
@@ -98,8 +64,10 @@ bool holdsOnlyVisibleCharacters(std::string_view text) {
 }  // namespace
 
 std::optional<Url> Url::parse(std::string_view text) {
-    if (text.empty() || !holdsOnlyVisibleCharacters(text) || !split(text).isSound) return std::nullopt;
-    return Url(std::string(text));
+    if (text.empty() || !holdsOnlyVisibleCharacters(text)) return std::nullopt;
+    std::string kept(text);
+    if (!split(kept)) return std::nullopt;
+    return Url(std::move(kept));
 }
 
 Url Url::fromFilePath(const std::filesystem::path& path) {
@@ -108,19 +76,16 @@ Url Url::fromFilePath(const std::filesystem::path& path) {
     return Url(std::string("file://") + escaped.get());
 }
 
-std::string Url::scheme() const { return lowercased(split(text_).scheme); }
-std::string Url::host() const { return unescaped(split(text_).host); }
+std::string Url::scheme() const { return partsOf(text_).scheme; }
+std::string Url::host() const { return unescaped(partsOf(text_).host); }
 
 std::optional<int> Url::port() const {
-    const std::string_view text = split(text_).port;
-    int port = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
-    if (error != std::errc()) return std::nullopt;
-    return port;
+    const int port = partsOf(text_).port;
+    return port < 0 ? std::nullopt : std::optional(port);
 }
 
-std::string Url::path() const { return unescaped(split(text_).path); }
-std::string Url::query() const { return std::string(split(text_).query); }
+std::string Url::path() const { return unescaped(partsOf(text_).path); }
+std::string Url::query() const { return partsOf(text_).query; }
 
 std::optional<std::filesystem::path> Url::filePath() const {
     if (!isFileURL()) return std::nullopt;

@@ -1,8 +1,11 @@
 #include "base/WallTime.h"
 
 #include <fmt/format.h>
+#include <glib.h>
 
+#include <algorithm>
 #include <cmath>
+#include <memory>
 
 namespace quillmar {
 namespace {
@@ -18,64 +21,12 @@ std::string formatted(WallTime time, std::string_view fraction) {
                        clock.hours().count(), clock.minutes().count(), clock.seconds().count(), fraction);
 }
 
-/// Reads a text from its front; the first thing that does not fit makes it and all that follows fail.
-class Scanner {
-public:
-    explicit Scanner(std::string_view text) : rest_(text) {}
-
-    int digits(std::size_t count) {
-        if (rest_.size() < count) return fail();
-        int value = 0;
-        for (const char c : rest_.substr(0, count)) {
-            if (c < '0' || c > '9') return fail();
-            value = value * 10 + (c - '0');
-        }
-        rest_.remove_prefix(count);
-        return value;
-    }
-    void expect(char c) {
-        if (!accept(c)) fail();
-    }
-    bool accept(char c) {
-        if (!rest_.starts_with(c)) return false;
-        rest_.remove_prefix(1);
-        return true;
-    }
-    /// Digits behind a decimal point; those below a microsecond are dropped.
-    microseconds fraction() {
-        std::int64_t value = 0;
-        std::int64_t unit = 1'000'000;
-        std::size_t count = 0;
-        for (; count < rest_.size() && rest_[count] >= '0' && rest_[count] <= '9'; ++count) {
-            unit /= 10;
-            value += unit * (rest_[count] - '0');
-        }
-        if (count == 0) fail();
-        rest_.remove_prefix(count);
-        return microseconds(value);
-    }
-    /// "Z", "+01:00" or "+0100".
-    minutes timeZone() {
-        if (accept('Z')) return minutes(0);
-        const int sign = accept('-') ? -1 : 1;
-        if (sign == 1) expect('+');
-        const int hour = digits(2);
-        accept(':');
-        const int minute = digits(2);
-        if (hour > 23 || minute > 59) fail();
-        return sign * (hours(hour) + minutes(minute));
-    }
-    bool isComplete() const { return !hasFailed_ && rest_.empty(); }
-
-private:
-    int fail() {
-        hasFailed_ = true;
-        rest_ = {};
-        return 0;
-    }
-    std::string_view rest_;
-    bool hasFailed_ = false;
-};
+/// The one form that records use. GLib would also take week dates and a day without hyphens.
+bool isDateAndTime(std::string_view text) {
+    constexpr std::string_view form = "0000-00-00T00:00:00";
+    const auto fits = [](char c, char place) { return place == '0' ? g_ascii_isdigit(c) : c == place; };
+    return text.size() > form.size() && std::ranges::equal(text.substr(0, form.size()), form, fits);
+}
 
 }  // namespace
 
@@ -87,22 +38,12 @@ std::string iso8601WithFraction(WallTime time) {
 }
 
 std::optional<WallTime> parseISO8601(std::string_view text) {
-    Scanner scan(text);
-    const year yearPart(scan.digits(4));
-    scan.expect('-');
-    const month monthPart(static_cast<unsigned>(scan.digits(2)));
-    scan.expect('-');
-    const year_month_day date(yearPart, monthPart, day(static_cast<unsigned>(scan.digits(2))));
-    scan.expect('T');
-    const int hour = scan.digits(2);
-    scan.expect(':');
-    const int minute = scan.digits(2);
-    scan.expect(':');
-    const int second = scan.digits(2);
-    const microseconds fraction = scan.accept('.') ? scan.fraction() : microseconds(0);
-    const minutes offset = scan.timeZone();
-    if (!scan.isComplete() || !date.ok() || hour > 23 || minute > 59 || second > 59) return std::nullopt;
-    return sys_days(date) + hours(hour) + minutes(minute) + seconds(second) + fraction - offset;
+    if (!isDateAndTime(text)) return std::nullopt;
+    const std::unique_ptr<GDateTime, decltype(&g_date_time_unref)> time(
+        g_date_time_new_from_iso8601(std::string(text).c_str(), nullptr), &g_date_time_unref);
+    if (!time) return std::nullopt;
+    return WallTime(seconds(g_date_time_to_unix(time.get())) +
+                    microseconds(g_date_time_get_microsecond(time.get())));
 }
 
 double secondsSince1970(WallTime time) { return Seconds(time.time_since_epoch()).count(); }

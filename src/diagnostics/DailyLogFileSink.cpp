@@ -29,30 +29,11 @@ std::optional<CalendarDay> dayOfFile(std::string_view name) {
     return parseCalendarDay(name);
 }
 
-class OpenFile {
-public:
-    explicit OpenFile(const std::filesystem::path& file)
-        : descriptor_(::open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
-        if (descriptor_ < 0) throwErrno(file);
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    ~OpenFile() { ::close(descriptor_); }
-    int descriptor() const { return descriptor_; }
-
-private:
-    int descriptor_;
-};
-
 }  // namespace
 
 DailyLogFileSink::DailyLogFileSink(std::filesystem::path folder, const WallClock& clock,
                                    std::size_t retainedFileCount)
     : folder_(std::move(folder)), clock_(clock), retainedFileCount_(retainedFileCount) {}
-
-DailyLogFileSink::~DailyLogFileSink() {
-    if (currentFile_ >= 0) ::close(currentFile_);
-}
 
 void DailyLogFileSink::prepare() {
     createDirectories(folder_, 0700);
@@ -61,14 +42,14 @@ void DailyLogFileSink::prepare() {
 
 void DailyLogFileSink::append(const DiagnosticEntry& entry) {
     const CalendarDay day = localDay(entry.timestamp);
-    if (currentDay_ != day || currentFile_ < 0) openFile(day);
+    if (currentDay_ != day || !currentFile_) openFile(day);
     writeLine(json::encodeCompact(entry) + "\n");
 }
 
 void DailyLogFileSink::writeLine(std::string_view line) const {
     std::size_t written = 0;
     while (written < line.size()) {
-        const ssize_t count = ::write(currentFile_, line.data() + written, line.size() - written);
+        const ssize_t count = ::write(currentFile_.get(), line.data() + written, line.size() - written);
         if (count >= 0) {
             written += static_cast<std::size_t>(count);
             continue;
@@ -77,8 +58,8 @@ void DailyLogFileSink::writeLine(std::string_view line) const {
         const int reason = errno;
         // The disk took the first part and is full: taken back, or the next line would be glued to it.
         struct stat status{};
-        if (written > 0 && ::fstat(currentFile_, &status) == 0) {
-            (void)!::ftruncate(currentFile_, status.st_size - static_cast<off_t>(written));
+        if (written > 0 && ::fstat(currentFile_.get(), &status) == 0) {
+            (void)!::ftruncate(currentFile_.get(), status.st_size - static_cast<off_t>(written));
         }
         throw std::system_error(reason, std::generic_category(), folder_.string());
     }
@@ -88,37 +69,35 @@ void DailyLogFileSink::openFile(CalendarDay day) {
     close();
     const std::filesystem::path file =
         folder_ / (std::string(namePrefix) + calendarDayText(day) + std::string(nameExtension));
-    currentFile_ = ::open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
-    if (currentFile_ < 0) throwErrno(file);
+    currentFile_ =
+        FileDescriptor(::open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600));
+    if (!currentFile_) throwErrno(file);
     currentDay_ = day;
     prune(day);
 }
 
 void DailyLogFileSink::close() {
-    const int file = std::exchange(currentFile_, -1);
+    const FileDescriptor file = std::exchange(currentFile_, FileDescriptor());
     currentDay_.reset();
-    if (file < 0) return;
-    const bool isSynchronised = ::fsync(file) == 0;
-    const int reason = errno;
-    ::close(file);
-    if (!isSynchronised) throw std::system_error(reason, std::generic_category(), folder_.string());
+    if (file && ::fsync(file.get()) != 0) throwErrno(folder_);
 }
 
 std::optional<std::string> DailyLogFileSink::tail(std::size_t limit) {
     if (limit < 1) return std::nullopt;
-    if (currentFile_ >= 0 && ::fsync(currentFile_) != 0) throwErrno(folder_);
+    if (currentFile_ && ::fsync(currentFile_.get()) != 0) throwErrno(folder_);
     const std::vector<std::string> names = logFileNames();
     if (names.empty()) return std::nullopt;
     const std::filesystem::path path = folder_ / names.back();
-    const OpenFile file(path);
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file) throwErrno(path);
     struct stat status{};
-    if (::fstat(file.descriptor(), &status) != 0) throwErrno(path);
+    if (::fstat(file.get(), &status) != 0) throwErrno(path);
     const std::size_t size = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
     std::string bytes(std::min(size, limit), '\0');
     std::size_t length = 0;
     while (length < bytes.size()) {
         const auto at = static_cast<off_t>(size - bytes.size() + length);
-        const ssize_t count = ::pread(file.descriptor(), bytes.data() + length, bytes.size() - length, at);
+        const ssize_t count = ::pread(file.get(), bytes.data() + length, bytes.size() - length, at);
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) throwErrno(path);
         if (count == 0) break;

@@ -6,6 +6,7 @@
 
 #include "async/WallClock.h"
 #include "base/CalendarDay.h"
+#include "base/FileDescriptor.h"
 #include "diagnostics/DiagnosticEntry.h"
 
 namespace quillmar {
@@ -15,9 +16,6 @@ namespace quillmar {
 class DailyLogFileSink {
 public:
     DailyLogFileSink(std::filesystem::path folder, const WallClock& clock, std::size_t retainedFileCount = 7);
-    DailyLogFileSink(const DailyLogFileSink&) = delete;
-    DailyLogFileSink& operator=(const DailyLogFileSink&) = delete;
-    ~DailyLogFileSink();
 
     /// Makes the folder, readable by its owner alone, and removes what is too old.
     void prepare();
@@ -38,7 +36,7 @@ private:
     const WallClock& clock_;
     std::size_t retainedFileCount_;
     std::optional<CalendarDay> currentDay_;
-    int currentFile_ = -1;
+    FileDescriptor currentFile_;
 };
 
 }  // namespace quillmar

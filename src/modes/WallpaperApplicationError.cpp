@@ -50,7 +50,7 @@ constexpr auto messages = std::to_array<TextKey>({
     "The PDF viewer did not render the first page in time. Check the PDF, then retry."_key,
     "The Matrix renderer could not start. Check its media and renderer settings, then retry."_key,
     "The Matrix renderer did not become ready in time. Check its settings, then retry."_key,
-    "Camera access is off for Quillmar. Allow it in System Settings > Privacy & Security > Camera, then retry."_key,
+    "Camera access is off for Quillmar. Allow it in the desktop's privacy settings, then retry."_key,
     "The Hexells renderer could not start. Retry or review its settings."_key,
     "The Hexells renderer did not become ready in time. Retry or review its settings."_key,
     "This wallpaper mode is not available yet."_key,

@@ -11,7 +11,8 @@ std::string SecurityScopedFileAccessError::message(GeneralLanguage language) con
                              {url_.displayPath()});
         case Case::accessDenied: break;
     }
-    return localized("macOS denied access to %@. Choose the file again."_key, language, {url_.displayPath()});
+    return localized("The system denied access to %@. Choose the file again."_key, language,
+                     {url_.displayPath()});
 }
 
 SecurityScopedFileLease::SecurityScopedFileLease(Url url, const std::optional<Bytes>& bookmark,

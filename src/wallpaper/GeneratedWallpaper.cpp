@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "base/Enum.h"
+#include "base/FileDescriptor.h"
 #include "base/Hash.h"
 #include "base/Text.h"
 
@@ -41,29 +42,24 @@ std::uint32_t crc32(ByteView bytes) {
 class PngFile {
 public:
     explicit PngFile(const std::filesystem::path& file)
-        : descriptor_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+        : file_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         struct stat status{};
-        if (descriptor_ >= 0 && ::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode)) {
+        if (file_ && ::fstat(file_.get(), &status) == 0 && S_ISREG(status.st_mode)) {
             size_ = static_cast<std::uint64_t>(status.st_size);
         }
-    }
-    PngFile(const PngFile&) = delete;
-    PngFile& operator=(const PngFile&) = delete;
-    ~PngFile() {
-        if (descriptor_ >= 0) ::close(descriptor_);
     }
 
     std::uint64_t size() const { return size_; }
     template <std::size_t N>
     std::optional<std::array<std::uint8_t, N>> read(std::uint64_t offset) const {
         std::array<std::uint8_t, N> bytes;
-        const ssize_t count = ::pread(descriptor_, bytes.data(), N, static_cast<off_t>(offset));
+        const ssize_t count = ::pread(file_.get(), bytes.data(), N, static_cast<off_t>(offset));
         if (count != static_cast<ssize_t>(N)) return std::nullopt;
         return bytes;
     }
 
 private:
-    int descriptor_;
+    FileDescriptor file_;
     std::uint64_t size_ = 0;
 };
 

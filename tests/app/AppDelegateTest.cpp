@@ -22,19 +22,13 @@ namespace fs = std::filesystem;
 struct AppDelegateTest : ::testing::Test {
     FakePlatform machine;
     RecordedLog log{machine.clock};
-    MainMenu menu;
-    int menusInstalled = 0;
     std::unique_ptr<AppDelegate> delegate;
 
     std::unique_ptr<ApplicationInstanceLock> takeLock() {
         return ApplicationInstanceLock::take(machine.folder.path(), "com.quillmar.Quillmar");
     }
     void launch() {
-        delegate =
-            std::make_unique<AppDelegate>(machine.platform(), takeLock(), [this](const MainMenu& installed) {
-                menu = installed;
-                ++menusInstalled;
-            });
+        delegate = std::make_unique<AppDelegate>(machine.platform(), takeLock());
         delegate->applicationWillFinishLaunching();
         delegate->applicationDidFinishLaunching();
         machine.loop.settle();
@@ -92,13 +86,31 @@ TEST_F(AppDelegateTest, untilAServiceAnswersItsDisplaysShowWhatTheyShowedLast) {
     AppSettings settings = twoColors();
     settings.wallpaper.displays[1].mode.value = BingSettings{};
     putSettings(settings);
+    const fs::path desktop = machine.settingsFile().parent_path() / "Desktop";
+    fs::create_directories(desktop);
+    std::ofstream(desktop / "yesterday.png") << "a picture";
+    std::ofstream(desktop / "last-shown.json") << "{\"" << FakeScreens::displayID(2).substr(8) << "\": \""
+                                               << (desktop / "yesterday.png").string() << "\"}";
     launch();
-    EXPECT_THAT(machine.desktop.recalled, ElementsAre(2u));
-    EXPECT_THAT(shown(2), "") << "the service did not answer";
+    EXPECT_EQ(shown(2), "yesterday.png") << "the service did not answer";
+    machine.desktop.forgets(2);
     machine.screens.unplug(1);
     machine.screens.onChange();
+    machine.desktop.set.clear();
     machine.loop.advance(1s);
-    EXPECT_THAT(machine.desktop.recalled, ElementsAre(2u, 2u));
+    EXPECT_THAT(machine.desktop.set, ElementsAre(2u));
+}
+
+TEST_F(AppDelegateTest, aMonitorThatGoesAndComesBackAtOnceGetsItsPictureAgain) {
+    plugInTwo();
+    putSettings(twoColors());
+    launch();
+    machine.desktop.forgets(2);
+    machine.desktop.set.clear();
+    machine.screens.onChange();
+    machine.loop.advance(1s);
+    EXPECT_THAT(machine.desktop.set, ElementsAre(2u)) << "the arrangement is the same";
+    EXPECT_THAT(shown(2), HasSubstr("445566"));
 }
 
 TEST_F(AppDelegateTest, aNetworkThatComesAfterTheStartBringsThePicturesThatFailed) {
@@ -144,7 +156,6 @@ TEST_F(AppDelegateTest, aSecondStartForwardsAndEndsWithoutTouchingAnything) {
     EXPECT_EQ(machine.runningInstances.activations, 1);
     EXPECT_THAT(machine.process.exits, ElementsAre(0));
     EXPECT_THAT(machine.usage.messages, IsEmpty());
-    EXPECT_EQ(menusInstalled, 0);
     EXPECT_FALSE(fs::exists(machine.settingsFile()));
 }
 
@@ -249,7 +260,7 @@ TEST_F(AppDelegateTest, withTheSettingsWindowOpenOnlyAnExplicitWishOrTheSystemEn
     EXPECT_EQ(delegate->applicationShouldTerminate(QuitSource::other), TerminateReply::terminateCancel);
     EXPECT_FALSE(machine.settingsWindow.visible);
     EXPECT_THAT(log.lines, Contains("information [lifecycle] External quit request closed Settings without "
-                                    "terminating the menu bar app."));
+                                    "terminating the program."));
     machine.settingsWindow.visible = true;
     delegate->quitController().requestQuit();
     machine.loop.settle();
@@ -276,6 +287,7 @@ TEST_F(AppDelegateTest, settingsThatCannotBeSavedAtQuitLetTheUserStay) {
     EXPECT_THAT(log.lines, Contains("information [lifecycle] Application termination was cancelled."));
     EXPECT_EQ(machine.desktop.setCount, painted) << "not painted anew";
     EXPECT_TRUE(delegate->subsystems()->wallpaperRotation.isMonitoring());
+    machine.desktop.forgets(1);
     machine.screens.unplug(2);
     machine.screens.onChange();
     fs::remove(machine.settingsFile().parent_path());
@@ -321,22 +333,6 @@ TEST_F(AppDelegateTest, wallpapersChangeByThemselvesFromTheStartToTheEndButNotUn
     subsystems.restoreFollowing.settingsWillBeReplaced();
     subsystems.restoreFollowing.settingsReplacementDidEnd();
     EXPECT_THAT(entries, IsEmpty()) << "a restore begins nothing that was not there";
-}
-
-TEST_F(AppDelegateTest, theMenuFollowsTheLanguageAndTheReadinessAndNothingElse) {
-    launch();
-    EXPECT_EQ(menusInstalled, 2) << "before and after the load";
-    ASSERT_EQ(menu.size(), 3u);
-    EXPECT_EQ(menu[0].title, "Quillmar");
-    EXPECT_TRUE(menu[0].items[0].isEnabled);
-    EXPECT_FALSE(menu[0].items[1].isEnabled) << "updates are not set up";
-    EXPECT_EQ(menu[0].items.back().key, "q");
-    auto& model = delegate->subsystems()->settingsModel;
-    model.update([](AppSettings& s) { s.general.pauseRotations = true; });
-    EXPECT_EQ(menusInstalled, 2);
-    model.update([](AppSettings& s) { s.general.language = GeneralLanguage::portuguese; });
-    EXPECT_EQ(menusInstalled, 3);
-    EXPECT_NE(menu[1].title, "Edit");
 }
 
 TEST(ApplicationStartupTaskTest, anOldRunThatEndsLateLeavesTheNewOneAlone) {

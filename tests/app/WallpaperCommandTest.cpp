@@ -2,12 +2,9 @@
 
 #include "app/WallpaperModeArguments.h"
 #include "app/WallpaperStatus.h"
-#include "fakes/FakeDesktopPicture.h"
-#include "fakes/FakeScreens.h"
+#include "fakes/DesktopWorld.h"
 #include "fakes/FakeSettingsStore.h"
 #include "fakes/FakeWallpaperApplier.h"
-#include "fakes/TaskOutcome.h"
-#include "fakes/VirtualLoop.h"
 
 namespace quillmar {
 namespace {
@@ -16,16 +13,10 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using Words = std::vector<std::string>;
 
-struct WallpaperCommandTest : ::testing::Test {
-    VirtualLoop loop;
-    VirtualWallClock clock{loop};
+struct WallpaperCommandTest : ::testing::Test, DesktopWorld {
     EventBus notifications;
     FakeSettingsStore store;
-    CacheFileProtection cacheFiles;
     AppSettingsModel model{loop, notifications, store, AppSettings{}, cacheFiles};
-    FakeScreens screens;
-    DisplayService displays{screens};
-    FakeDesktopPicture desktop;
     FakeWallpaperApplier applier;
     WallpaperSettingsTransactionService transactions{applier};
     WallpaperApplicationGate gate;
@@ -37,19 +28,16 @@ struct WallpaperCommandTest : ::testing::Test {
                               .clock = clock,
                               .version = "1.2.3",
                               .displays = displays,
-                              .desktopPicture = desktop,
+                              .desktop = *pictures,
                               .grantFor = [](Url) -> Task<std::optional<Bytes>> { co_return Bytes{1, 2}; },
                               .readKey = [](std::filesystem::path file) -> Task<std::string> {
                                   co_return "key of " + file.string();
                               }}};
-    TaskScope tasks{loop};
 
     void SetUp() override {
-        screens.plugIn(1, {0, 0, 1920, 1080});
-        screens.plugIn(2, {1920, 0, 1280, 1024});
         for (const std::uint32_t number : {1u, 2u}) applier.shown[FakeScreens::displayID(number)] = "before";
     }
-    ControlReply run(Words arguments) {
+    ControlReply answer(Words arguments) {
         const auto outcome = outcomeOf(loop, tasks, command.run({std::move(arguments), "/home/ana"}));
         return outcome->value.value_or(ControlReply{.status = 1, .errors = outcome->text});
     }
@@ -60,7 +48,7 @@ struct WallpaperCommandTest : ::testing::Test {
 
 TEST_F(WallpaperCommandTest, aModeIsSetSavedAndAnsweredForTheDisplayThatWasNamed) {
     const ControlReply reply =
-        run({"wallpaper", "set", "screen 2", "image", "../holiday.jpg", "--layout", "fill"});
+        answer({"wallpaper", "set", "screen 2", "image", "../holiday.jpg", "--layout", "fill"});
     EXPECT_EQ(reply.status, 0) << reply.errors;
     EXPECT_EQ(reply.output, "Screen 2: applied\n");
     const auto& image = std::get<ImagePresentationSettings>(modeOf(2).value);
@@ -69,47 +57,47 @@ TEST_F(WallpaperCommandTest, aModeIsSetSavedAndAnsweredForTheDisplayThatWasNamed
     EXPECT_EQ(image.layout, ImagePresentationLayout::fill);
     EXPECT_EQ(store.onDisk.wallpaper, model.settings().wallpaper);
 
-    EXPECT_EQ(run({"wallpaper", "set", "all", "color", "#112233"}).output,
+    EXPECT_EQ(answer({"wallpaper", "set", "all", "color", "#112233"}).output,
               "Screen 1: applied\nScreen 2: applied\n");
     EXPECT_TRUE(findEntry(model.settings().wallpaper.displays, FakeScreens::displayID(2))
                     ->savedModes.contains(WallpaperModeKind::image))
         << "what was set up before is kept";
-    EXPECT_EQ(run({"wallpaper", "set", "main", "disabled"}).status, 0);
+    EXPECT_EQ(answer({"wallpaper", "set", "main", "disabled"}).status, 0);
     EXPECT_EQ(modeOf(1).kind(), WallpaperModeKind::disabled);
 }
 
 TEST_F(WallpaperCommandTest, aServicesKeyComesFromAFile) {
-    EXPECT_EQ(run({"wallpaper", "set", "main", "unsplash", "--accessKeyFile", "../key"}).status, 0);
+    EXPECT_EQ(answer({"wallpaper", "set", "main", "unsplash", "--accessKeyFile", "../key"}).status, 0);
     const auto key = [this] { return std::get<UnsplashSettings>(modeOf(1).value).accessKey; };
     EXPECT_EQ(key(), "key of /home/ana/../key");
-    run({"wallpaper", "set", "main", "bing"});
-    EXPECT_EQ(run({"wallpaper", "set", "main", "unsplash", "--filter", "topic"}).status, 0);
+    answer({"wallpaper", "set", "main", "bing"});
+    EXPECT_EQ(answer({"wallpaper", "set", "main", "unsplash", "--filter", "topic"}).status, 0);
     EXPECT_EQ(key(), "key of /home/ana/../key") << "nobody types it twice";
-    EXPECT_EQ(run({"wallpaper", "set", "main", "unsplash", "--accessKey="}).status, 0);
+    EXPECT_EQ(answer({"wallpaper", "set", "main", "unsplash", "--accessKey="}).status, 0);
     EXPECT_EQ(key(), "");
 }
 
 TEST_F(WallpaperCommandTest, theStatusSaysWhenADisplayChangesAndWhatFailedLast) {
-    run({"wallpaper", "set", "main", "bing"});
+    answer({"wallpaper", "set", "main", "bing"});
     rotation.start();
     applier.settingFails(FakeScreens::displayID(1), "bing");
     loop.advance(std::chrono::seconds(1800 + 10));
-    EXPECT_EQ(run({"status"}).output, "Quillmar 1.2.3\n* Screen 1 (" + FakeScreens::displayID(1) +
-                                          "): bing\n    changes in 20 s, failed 1x in a row\n    failed: "
-                                          "cannot set\n  Screen 2 (" +
-                                          FakeScreens::displayID(2) + "): disabled\n");
-    const std::string json = run({"status", "--json"}).output;
+    EXPECT_EQ(answer({"status"}).output, "Quillmar 1.2.3\n* Screen 1 (" + FakeScreens::displayID(1) +
+                                             "): bing\n    changes in 20 s, failed 1x in a row\n    failed: "
+                                             "cannot set\n  Screen 2 (" +
+                                             FakeScreens::displayID(2) + "): disabled\n");
+    const std::string json = answer({"status", "--json"}).output;
     EXPECT_THAT(json, HasSubstr("\"waitSeconds\": 20"));
     EXPECT_THAT(json, HasSubstr("\"nextAttempt\": \"2026-05-04T09:30:30Z\""));
     EXPECT_THAT(json, HasSubstr("\"message\": \"cannot set\""));
-    run({"wallpaper", "set", "main", "colour", "#112233"});
-    EXPECT_THAT(run({"status"}).output, Not(HasSubstr("failed")));
-    EXPECT_EQ(run({"status", "--xml"}).status, 2);
+    answer({"wallpaper", "set", "main", "colour", "#112233"});
+    EXPECT_THAT(answer({"status"}).output, Not(HasSubstr("failed")));
+    EXPECT_EQ(answer({"status", "--xml"}).status, 2);
 }
 
 TEST_F(WallpaperCommandTest, aDisplayThatFailsIsNamedAndTheStatusSaysSo) {
     applier.settingFails(FakeScreens::displayID(2), "#112233");
-    const ControlReply reply = run({"wallpaper", "set", "all", "colour", "#112233"});
+    const ControlReply reply = answer({"wallpaper", "set", "all", "colour", "#112233"});
     EXPECT_EQ(reply.status, 1);
     EXPECT_EQ(reply.output, "Screen 1: applied\n");
     EXPECT_EQ(reply.errors, "Screen 2: cannot set\n");
@@ -117,26 +105,27 @@ TEST_F(WallpaperCommandTest, aDisplayThatFailsIsNamedAndTheStatusSaysSo) {
 }
 
 TEST_F(WallpaperCommandTest, aWrongDisplayIsASentenceAndChangesNothing) {
-    EXPECT_EQ(run({"wallpaper", "set", "Beamer", "colour", "#112233"}).errors,
+    EXPECT_EQ(answer({"wallpaper", "set", "Beamer", "colour", "#112233"}).errors,
               "No display \"Beamer\" is connected.");
     screens.add({.number = 3, .uuid = Uuid::random(), .localizedName = "Screen 1"});
-    EXPECT_EQ(run({"wallpaper", "next", "Screen 1"}).errors,
+    EXPECT_EQ(answer({"wallpaper", "next", "Screen 1"}).errors,
               "Several displays are called \"Screen 1\"; use an ID.");
     EXPECT_TRUE(store.saves.empty());
 }
 
 TEST_F(WallpaperCommandTest, theListHoldsWhatEachDisplayIsSetToAndShowsButNoKeys) {
-    run({"wallpaper", "set", "main", "colour", "#112233"});
+    answer({"wallpaper", "set", "main", "colour", "#112233"});
     model.update([](AppSettings& settings) {
         DisplayWallpaperSettings entry{.displayID = FakeScreens::displayID(2)};
         entry.mode.value = UnsplashSettings{.accessKey = "tell-nobody"};
         settings.wallpaper.displays.push_back(entry);
     });
     desktop.shown[1] = "/cache/a.png";
-    EXPECT_EQ(run({"wallpaper"}).output, "* Screen 1 (" + FakeScreens::displayID(1) +
-                                             "): solidColor #112233\n    shows /cache/a.png\n  Screen 2 (" +
-                                             FakeScreens::displayID(2) + "): unsplash\n");
-    const std::string json = run({"wallpaper", "--json"}).output;
+    EXPECT_EQ(answer({"wallpaper"}).output,
+              "* Screen 1 (" + FakeScreens::displayID(1) +
+                  "): solidColor #112233\n    shows /cache/a.png\n  Screen 2 (" + FakeScreens::displayID(2) +
+                  "): unsplash\n");
+    const std::string json = answer({"wallpaper", "--json"}).output;
     EXPECT_THAT(json, HasSubstr("\"accessKey\": \"[redacted]\""));
     EXPECT_THAT(json, Not(HasSubstr("tell-nobody")));
 }

@@ -7,7 +7,7 @@ namespace {
 
 struct SampleError : AppLocalizableError {
     std::string message(GeneralLanguage language) const override {
-        return std::string(localeIdentifier(language)) + " message";
+        return language == GeneralLanguage::portuguese ? "pt-PT message" : "en message";
     }
 };
 

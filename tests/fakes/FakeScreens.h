@@ -21,7 +21,9 @@ public:
              .localizedName = "Screen " + std::to_string(number),
              .frame = frame,
              .visibleFrame = frame,
-             .scaleFactor = 1});
+             .scaleFactor = 1,
+             .area = {static_cast<std::int64_t>(frame.x), static_cast<std::int64_t>(frame.y),
+                      static_cast<std::int64_t>(frame.width), static_cast<std::int64_t>(frame.height)}});
     }
     void unplug(std::uint32_t number) {
         std::erase_if(screens_, [&](const Screen& screen) { return screen.number == number; });

@@ -23,7 +23,11 @@ public:
     void settingFails(std::string displayID, std::string color) { unset_.insert(displayID + " " + color); }
     void capturingFails(std::string displayID) { uncaptured_.insert(std::move(displayID)); }
     void restoringFails(std::string displayID) { unrestored_.insert(std::move(displayID)); }
-    void hold() { isHeld_ = true; }
+    /// All displays, or one alone, wait before they are set.
+    void hold(const std::string& displayID = {}) {
+        isHeld_ = true;
+        heldDisplay_ = displayID;
+    }
     void letThrough() {
         isHeld_ = false;
         held_.resumeAll();
@@ -31,39 +35,44 @@ public:
 
     Task<WallpaperApplyOutcome> apply(WallpaperApplyRequest request) override {
         calls.push_back("apply " + request.display.id + " " + color(request.mode));
-        while (isHeld_) co_await held_.wait();
+        while (isHeld(request)) co_await held_.wait();
         set(request);
         co_return outcome;
     }
     Task<PreparedWallpaperApplication> prepare(WallpaperApplyRequest request) override {
         calls.push_back("prepare " + request.display.id);
         if (unprepared_.contains(request.display.id)) throw std::runtime_error("cannot prepare");
-        co_return PreparedWallpaperApplication{std::move(request), std::nullopt};
+        co_return PreparedWallpaperApplication{std::move(request), nullptr};
     }
     Task<WallpaperApplyOutcome> applyPrepared(PreparedWallpaperApplication application) override {
         calls.push_back("set " + application.request.display.id + " " + color(application.request.mode));
-        while (isHeld_) co_await held_.wait();
+        while (isHeld(application.request)) co_await held_.wait();
         set(application.request);
         co_return outcome;
     }
-    WallpaperDesktopSnapshot captureDesktop(const std::string& displayID) override {
+    Task<WallpaperDesktopSnapshot> captureDesktop(std::string displayID) override {
         calls.push_back("capture " + displayID);
         if (uncaptured_.contains(displayID)) {
             throw WallpaperApplicationError(WallpaperApplicationError::Case::desktopSnapshotUnavailable,
                                             displayID);
         }
-        return {displayID, shown[displayID], {}, CacheFileLease(cacheFiles_, shown[displayID])};
+        co_return WallpaperDesktopSnapshot{
+            displayID, shown[displayID], {}, CacheFileLease(cacheFiles_, shown[displayID])};
     }
-    void restoreDesktop(const WallpaperDesktopSnapshot& snapshot) override {
+    Task<void> restoreDesktop(WallpaperDesktopSnapshot snapshot) override {
         calls.push_back("restore " + snapshot.displayID);
         if (unrestored_.contains(snapshot.displayID)) throw std::runtime_error("cannot restore");
         shown[snapshot.displayID] = snapshot.image.string();
+        co_return;
     }
 
 private:
     static std::string color(const WallpaperMode& mode) {
         const auto* solid = std::get_if<SolidColorPresentationSettings>(&mode.value);
         return solid ? solid->hexColor : std::string(enumName(mode.kind()));
+    }
+    bool isHeld(const WallpaperApplyRequest& request) const {
+        return isHeld_ && (heldDisplay_.empty() || heldDisplay_ == request.display.id);
     }
     void set(const WallpaperApplyRequest& request) {
         const std::string wanted = color(request.mode);
@@ -77,6 +86,7 @@ private:
     std::set<std::string> uncaptured_;
     std::set<std::string> unrestored_;
     bool isHeld_ = false;
+    std::string heldDisplay_;
     WaitList held_;
 };
 

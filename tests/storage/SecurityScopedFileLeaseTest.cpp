@@ -79,7 +79,7 @@ TEST_F(SecurityScopedFileLeaseTest, aFileThatMustNotBeReadIsDeniedAndTheUserIsTo
     EXPECT_EQ(text(Case::invalidBookmark, GeneralLanguage::english),
               "Quillmar can no longer access " + file.string() + ". Choose the file again.");
     EXPECT_EQ(text(Case::accessDenied, GeneralLanguage::english),
-              "macOS denied access to " + file.string() + ". Choose the file again.");
+              "The system denied access to " + file.string() + ". Choose the file again.");
 }
 
 }  // namespace

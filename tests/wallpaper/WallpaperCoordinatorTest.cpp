@@ -119,9 +119,9 @@ TEST_F(WallpaperCoordinatorTest, requestsOfOneReasonMergeIntoOnePassAndEachWaite
     EXPECT_THAT(lines(result(other)), ElementsAre("A: applied"));
     EXPECT_THAT(lines(result(all)), ElementsAre("A: applied", "B: applied"));
     EXPECT_EQ(result(running).displays.size(), 2u);
-    // The rest of the first pass, one pass for the two rotations, one for the two others.
-    EXPECT_THAT(applier.calls, ElementsAre("apply B #bbbbbb", "apply A #aaaaaa", "apply B #bbbbbb",
-                                           "apply A #aaaaaa", "apply B #bbbbbb"));
+    // For each display: one pass for the two rotations, one for the two others.
+    EXPECT_THAT(applier.calls,
+                ElementsAre("apply A #aaaaaa", "apply A #aaaaaa", "apply B #bbbbbb", "apply B #bbbbbb"));
 }
 
 TEST_F(WallpaperCoordinatorTest, nothingMergesAcrossASettingsTransaction) {
@@ -133,8 +133,25 @@ TEST_F(WallpaperCoordinatorTest, nothingMergesAcrossASettingsTransaction) {
     applier.calls.clear();
     applier.letThrough();
     result(after);
-    EXPECT_THAT(applier.calls, ElementsAre("apply B #bbbbbb", "apply A #aaaaaa", "prepare A", "set A #cccccc",
-                                           "prepare B", "set B disabled", "apply A #cccccc"));
+    EXPECT_THAT(applier.calls, ElementsAre("apply A #aaaaaa", "prepare A", "set A #cccccc", "apply A #cccccc",
+                                           "prepare B", "set B disabled"));
+}
+
+TEST_F(WallpaperCoordinatorTest, aDisplayThatTakesItsTimeHoldsUpNoOther) {
+    applier.hold("A");
+    const auto stuck = enqueue(std::nullopt);
+    const auto behind = enqueue(DisplayIDs{"A"}, rotation);
+    EXPECT_THAT(lines(result(enqueue(DisplayIDs{"B"}, rotation))), ElementsAre("B: applied"));
+    const auto change = [](WallpaperSettings& settings) {
+        findEntry(settings.displays, "B")->mode.value = SolidColorPresentationSettings{"#222222"};
+    };
+    EXPECT_THAT(lines(result(tasks.start(coordinator->apply(change, {"B"})))), ElementsAre("B: applied"));
+    EXPECT_EQ(applier.shown["A"], "before A");
+    EXPECT_TRUE(coordinator->isApplying());
+    applier.letThrough();
+    EXPECT_THAT(lines(result(stuck)), ElementsAre("A: applied", "B: applied"));
+    EXPECT_THAT(lines(result(behind)), ElementsAre("A: applied"));
+    EXPECT_FALSE(coordinator->isApplying());
 }
 
 TEST_F(WallpaperCoordinatorTest, changesOfSingleDisplaysThatOverlapAllStandAndTouchNoOtherDisplay) {
@@ -159,22 +176,26 @@ TEST_F(WallpaperCoordinatorTest, changesOfSingleDisplaysThatOverlapAllStandAndTo
     EXPECT_EQ(store.onDisk.wallpaper, colors({{"A", "#111111"}, {"B", "#333333"}}));
 
     applier.hold();
-    const auto running = changes("A", "#444444");
+    const auto running = changes("B", "#444444");
     const auto late = changes("B", "#555555");
     displays.present.pop_back();
     applier.letThrough();
     EXPECT_THAT(lines(result(late)), ElementsAre("B: The display with ID B is no longer connected."));
-    EXPECT_EQ(store.onDisk.wallpaper, colors({{"A", "#444444"}, {"B", "#333333"}})) << "as it shows";
+    EXPECT_EQ(store.onDisk.wallpaper, colors({{"A", "#111111"}, {"B", "#444444"}})) << "as it shows";
 }
 
 TEST_F(WallpaperCoordinatorTest, theLockScreenRefusesWhatComesAndWhatIsNotYetReached) {
     applier.hold();
-    const auto running = enqueue(std::nullopt);
-    const auto waiting = enqueue(DisplayIDs{"B"});
+    const auto running = enqueue(DisplayIDs{"A"});
+    const auto waiting = enqueue(DisplayIDs{"A"}, rotation);
+    const auto change = tasks.start(coordinator->apply(
+        [](WallpaperSettings& settings) { settings = colors({{"A", "#cccccc"}}); }, {"A"}));
+    loop.settle();
     gate.isLockScreenOverrideActive = true;
     applier.letThrough();
-    EXPECT_THAT(lines(result(running)), ElementsAre("A: applied", std::string("B: ") + skipped));
-    EXPECT_THAT(lines(result(waiting)), ElementsAre(std::string("B: ") + skipped));
+    EXPECT_THAT(lines(result(running)), ElementsAre("A: applied"));
+    EXPECT_THAT(lines(result(waiting)), ElementsAre(std::string("A: ") + skipped));
+    EXPECT_THAT(lines(result(change)), ElementsAre(std::string("A: ") + skipped));
     EXPECT_THAT(lines(apply(colors({{"A", "#cccccc"}}))),
                 ElementsAre(std::string("A: ") + skipped, std::string("B: ") + skipped));
     EXPECT_TRUE(store.saves.empty());
@@ -320,7 +341,7 @@ TEST_F(WallpaperCoordinatorTest, failuresOfServicesAreToldToTheUserWhoWantsToKno
     tasks.start(coordinator->apply(settings));
     loop.settle();
     EXPECT_THAT(notifier.told, SizeIs(2));
-    EXPECT_EQ(coordinator->lastFailures().at("B").message, "cannot set");
+    EXPECT_EQ(coordinator->lastFailures().at("B").message, "cannot set") << "nor could it be taken back";
 }
 
 }  // namespace

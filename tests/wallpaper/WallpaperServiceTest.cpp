@@ -1,228 +1,298 @@
 #include "wallpaper/WallpaperService.h"
 
-#include <fstream>
-
-#include "async/TaskScope.h"
-#include "fakes/FakeDesktopPicture.h"
-#include "fakes/FakeExecutors.h"
-#include "fakes/FakePictureRendering.h"
+#include "fakes/DesktopWorld.h"
 #include "fakes/FakeRemoteImageProvider.h"
-#include "fakes/FakeScreens.h"
-#include "fakes/TaskOutcome.h"
-#include "fakes/TemporaryFolder.h"
-#include "fakes/VirtualLoop.h"
 #include "modes/WallpaperApplicationError.h"
 #include "storage/LastUsedStamp.h"
+#include "storage/StoredFileGrant.h"
 #include "wallpaper/GeneratedWallpaper.h"
+#include "wallpaper/StaticPictures.h"
 
 namespace quillmar {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::StartsWith;
 
-struct WallpaperServiceTest : ::testing::Test {
-    VirtualLoop loop;
-    VirtualWallClock clock{loop};
-    TemporaryFolder folder;
-    fs::path cache = folder.path() / "Cache/GeneratedWallpapers";
-    FakeScreens screens;
-    DisplayService displays{screens};
-    FakeDesktopPicture desktop;
-    FakePictureRendering rendering;
+struct WallpaperServiceTest : ::testing::Test, DesktopWorld {
     WallpaperApplicationGate gate;
-    HeldExecutor executor;
-    WallpaperRenderer renderer{cache, rendering, clock};
-    CacheFileProtection cacheFiles;
     FakeRemoteImageProvider remoteImages{cacheFiles};
-    WallpaperService service{displays, desktop,    gate,         renderer,
-                             executor, cacheFiles, remoteImages, [](std::size_t) { return std::size_t{0}; }};
-    TaskScope tasks{loop};
+    WallpaperRenderer renderer{{.cacheDirectory = cache,
+                                .rendering = rendering,
+                                .desktop = *pictures,
+                                .executor = executor,
+                                .cacheFiles = cacheFiles,
+                                .clock = clock}};
+    StaticPictures staticPictures{{.desktop = *pictures,
+                                   .writer = writer,
+                                   .gate = gate,
+                                   .renderer = renderer,
+                                   .executor = executor,
+                                   .cacheFiles = cacheFiles,
+                                   .remoteImages = remoteImages,
+                                   .randomIndex = [](std::size_t) { return std::size_t{0}; }}};
+    WallpaperService service{displays, *pictures, gate, {&staticPictures}};
 
-    void SetUp() override {
-        screens.plugIn(1, {0, 0, 1920, 1080});
-        screens.plugIn(2, {1920, 0, 1280, 1024});
+    WallpaperApplyRequest request(WallpaperMode mode, std::size_t display = 0) {
+        return {displays.displays().at(display), std::move(mode)};
     }
     WallpaperApplyRequest solid(std::size_t display, std::string color) {
-        return {displays.displays().at(display),
-                WallpaperMode{SolidColorPresentationSettings{std::move(color)}}};
+        return request({SolidColorPresentationSettings{std::move(color)}}, display);
     }
-    /// Runs the task as far as it goes; what it gives by then goes to `result`.
-    template <class T>
-    std::string run(Task<T> task, T* result = nullptr) {
-        const auto outcome = outcomeOf(loop, tasks, std::move(task));
-        if (result && outcome->value) *result = *outcome->value;
-        return outcome->text;
+    /// A picture that was not shown before.
+    WallpaperApplyRequest image(const std::string& name, std::string background = "#000000") {
+        return request({ImagePresentationSettings{.imageURL = Url::fromFilePath(put(name)),
+                                                  .backgroundHexColor = std::move(background)}});
     }
-    template <class T>
-    std::string runToEnd(Task<T> task, T* result = nullptr) {
-        executor.runsAtOnce = true;
-        const std::string text = run(std::move(task), result);
-        executor.runsAtOnce = false;
-        return text;
+    std::string apply(WallpaperApplyRequest wanted, WallpaperApplyOutcome* outcome = nullptr) {
+        return run(service.apply(std::move(wanted)), outcome);
     }
-    std::string shown(std::uint32_t screen) const {
-        const auto found = desktop.shown.find(screen);
-        return found == desktop.shown.end() ? "" : found->second.filename().string();
-    }
+    std::string source() const { return rendering.lastSource.filename().string(); }
     std::string gone(std::uint32_t screen) const {
-        return "The display with ID " + FakeScreens::displayID(screen) + " is no longer connected.";
+        return "The display with ID " + id(screen) + " is no longer connected.";
     }
 };
 
-TEST_F(WallpaperServiceTest, aColourIsRenderedForItsDisplayAloneAndUsedAgain) {
-    EXPECT_EQ(runToEnd(service.apply(solid(0, " #1f6f8b "))), "done");
+TEST_F(WallpaperServiceTest, aColourIsMadeForItsDisplayAloneAndUsedAgain) {
+    EXPECT_EQ(apply(solid(0, " #1f6f8b ")), "done");
     EXPECT_EQ(shown(1), "solid-display-00000000-0000-0000-0000-000000000001-1920x1080-1F6F8B.png");
     EXPECT_EQ(shown(2), "");
-    EXPECT_EQ(runToEnd(service.apply(solid(0, "1F6F8B"))), "done");
-    EXPECT_EQ(rendering.rendered, 1);
+    EXPECT_EQ(desktop.pixels[1]->row(7)[2], 0x1f) << "red";
+    EXPECT_EQ(apply(solid(0, "1F6F8B")), "done");
+    EXPECT_EQ(desktop.setCount, 1) << "it is shown";
+    desktop.shown[1] = "/of/another/program.png";
+    EXPECT_EQ(apply(solid(0, "1F6F8B")), "done");
+    EXPECT_EQ(rendering.written, 1);
+    EXPECT_EQ(rendering.loaded, 1) << "from the cache";
     EXPECT_EQ(desktop.setCount, 2);
     EXPECT_TRUE(desktop.options[1].empty());
 }
 
-TEST_F(WallpaperServiceTest, whatCannotBeShownIsNamed) {
-    EXPECT_EQ(run(service.apply(solid(0, "#12345"))), "#12345 is not a valid six-digit hex color.");
-    EXPECT_EQ(run(service.apply({displays.displays()[0], WallpaperMode{ColorFaderPresentationSettings{}}})),
+TEST_F(WallpaperServiceTest, aPictureIsDrawnOnceShownFromItsPixelsAndWrittenBehind) {
+    writing.runsAtOnce = false;
+    EXPECT_EQ(apply(image("holiday.jpg", " #00ff80\n")), "done");
+    EXPECT_THAT(shown(1), StartsWith("image-v2-display-00000000-0000-0000-0000-000000000001-1920x1080-fit-"
+                                     "00FF80-"));
+    EXPECT_FALSE(fs::exists(desktop.shown[1]));
+    EXPECT_FALSE(cacheFiles.removeIfFree(resolvedPath(desktop.shown[1])))
+        << "nobody sweeps what will be there";
+    EXPECT_EQ(rendering.lastComposition.background, (RgbColor{0, 255, 128}));
+    writing.releaseAll();
+    loop.settle();
+    EXPECT_TRUE(fs::exists(desktop.shown[1]));
+    EXPECT_EQ(apply(image("holiday.jpg", "#00FF80")), "done");
+    EXPECT_EQ(rendering.rendered, 2) << "the file was written again, so it is another picture";
+    loop.advance(std::chrono::hours(1));
+    desktop.shown.clear();
+    writing.runsAtOnce = true;
+    writing.releaseAll();
+    loop.settle();
+    const int before = rendering.rendered;
+    const WallpaperApplyRequest same = request({ImagePresentationSettings{
+        .imageURL = Url::fromFilePath(folder.path() / "holiday.jpg"), .backgroundHexColor = "#00FF80"}});
+    EXPECT_EQ(apply(same), "done");
+    EXPECT_EQ(rendering.rendered, before);
+    const fs::path file = desktop.shown[1];
+    EXPECT_EQ(lastUsedStamp(file).value_or(clock.now()), clock.now()) << "or the file system has no stamps";
+
+    // What is damaged is made again: cut off, or whole with pixels that do not decode.
+    desktop.shown.clear();
+    fs::resize_file(file, fs::file_size(file) - 1);
+    EXPECT_EQ(apply(same), "done");
+    EXPECT_EQ(rendering.rendered, before + 1);
+    for (const bool takesPixels : {true, false}) {
+        desktop.wantsPixels = takesPixels;
+        desktop.shown.clear();
+        rendering.damaged.insert(file);
+        const int drawn = rendering.rendered;
+        EXPECT_EQ(apply(same), "done");
+        EXPECT_EQ(rendering.rendered, drawn + 1) << takesPixels;
+        rendering.damaged.clear();
+    }
+    EXPECT_EQ(apply(image("holiday.jpg", "teal")), "done");
+    EXPECT_TRUE(shown(1).contains("-TEAL-"));
+    EXPECT_EQ(rendering.lastComposition.background, RgbColor{});
+}
+
+TEST_F(WallpaperServiceTest, whatCannotBeShownIsNamedWithItsReasonAndTouchesNothing) {
+    using Case = PictureRenderingError::Case;
+    const std::string picture = (folder.path() / "a.jpg").string();
+    const auto failing = [&](std::optional<Case> failure) {
+        rendering.failure = failure;
+        return apply(image("a.jpg"));
+    };
+    EXPECT_EQ(failing(Case::failed), "Quillmar could not render the selected image for this display.");
+    EXPECT_EQ(failing(Case::unreadable), "Quillmar cannot read the selected image at " + picture + ".");
+    EXPECT_EQ(failing(Case::decoderFailed), "The reader of the image at " + picture + " ended unexpectedly.");
+    EXPECT_EQ(apply(solid(0, "#12345")), "#12345 is not a valid six-digit hex color.");
+    EXPECT_EQ(apply(request({ColorFaderPresentationSettings{}})),
               "Add at least two colors to the color fader.");
-    rendering.fails = true;
-    EXPECT_EQ(runToEnd(service.apply(solid(0, "#123456"))),
-              "Quillmar could not render the solid color image.");
+    EXPECT_EQ(apply(request({WebpagePresentationSettings{.urlString = "https://example.org"}})),
+              "This wallpaper mode is not available yet.");
+    fs::remove_all(folder.path() / "Cache");
+    std::ofstream(folder.path() / "Cache") << "a file in the way";
+    EXPECT_EQ(apply(solid(0, "#123456")),
+              "Quillmar could not create its wallpaper cache at " + cache.string() + ": Not a directory.");
     EXPECT_EQ(desktop.setCount, 0);
 }
 
-TEST_F(WallpaperServiceTest, aCacheThatCannotBeMadeOrWrittenIsNamedWithItsPlaceAndReason) {
-    std::ofstream(folder.path() / "Cache") << "a file in the way";
-    EXPECT_EQ(runToEnd(service.apply(solid(0, "#123456"))),
-              "Quillmar could not create its wallpaper cache at " + cache.string() + ": Not a directory.");
-    fs::remove(folder.path() / "Cache");
-    const std::string name = solidColorFileName(displays.displays()[0], {1920, 1080}, "123456");
-    fs::create_directories(cache / name);
-    EXPECT_EQ(runToEnd(service.apply(solid(0, "#123456"))),
-              "Quillmar could not save the generated wallpaper at " + (cache / name).string() +
-                  ": Is a directory.");
+TEST_F(WallpaperServiceTest, aDesktopThatWantsFilesIsGivenOneThatIsThere) {
+    desktop.wantsPixels = false;
+    EXPECT_EQ(apply(solid(0, "#123456")), "done");
+    EXPECT_TRUE(fs::exists(desktop.shown[1]));
+    rendering.writeError = std::errc::no_space_on_device;
+    EXPECT_EQ(apply(solid(1, "#123456")),
+              "Quillmar could not save the generated wallpaper at " +
+                  (cache / solidColorFileName(displays.displays()[1], {1280, 1024}, "123456")).string() +
+                  ": No space left on device.");
+    EXPECT_EQ(shown(2), "");
 }
 
-TEST_F(WallpaperServiceTest, aDisplayThatIsUnpluggedWhileItsPictureIsRenderedFailsAlone) {
-    const WallpaperApplyRequest request = solid(0, "#123456");
-    const auto outcome = outcomeOf(loop, tasks, service.apply(request));
+TEST_F(WallpaperServiceTest, aDisplayThatIsUnpluggedWhileItsPictureIsDrawnFailsAlone) {
+    rendering.hold();
+    const WallpaperApplyRequest wanted = image("a.jpg");
+    const auto outcome = outcomeOf(loop, tasks, service.apply(wanted));
     screens.unplug(1);
-    executor.releaseAll();
+    rendering.letThrough();
     loop.settle();
     EXPECT_EQ(outcome->text, gone(1));
-    EXPECT_EQ(desktop.setCount, 0);
-    EXPECT_EQ(run(service.apply(request)), gone(1)) << "not even rendered";
-    EXPECT_EQ(executor.heldCount(), 0u);
+    EXPECT_EQ(rendering.written, 1) << "what was made is not made twice";
+    EXPECT_EQ(apply(wanted), gone(1));
+    EXPECT_EQ(rendering.rendered, 1) << "not even drawn";
 }
 
-TEST_F(WallpaperServiceTest, aRequestWhoseOwnerDiesDuringTheRenderSetsNothing) {
+TEST_F(WallpaperServiceTest, aRequestWhoseOwnerDiesWhileItsPictureIsDrawnSetsNothing) {
+    rendering.hold();
     {
         TaskScope owner(loop);
-        owner.start(service.apply(solid(0, "#123456")));
+        owner.start(service.apply(image("a.jpg")));
         loop.settle();
     }
-    executor.releaseAll();
+    rendering.letThrough();
     loop.settle();
     EXPECT_EQ(desktop.setCount, 0);
 }
 
-TEST_F(WallpaperServiceTest, underTheLockScreenThePictureIsRenderedButNotSet) {
+TEST_F(WallpaperServiceTest, underTheLockScreenThePictureIsMadeButNotSet) {
     gate.isLockScreenOverrideActive = true;
-    EXPECT_EQ(runToEnd(service.apply(solid(0, "#123456"))),
+    EXPECT_EQ(apply(solid(0, "#123456")),
               "The wallpaper request was skipped while the Lock Screen override was active.");
-    EXPECT_EQ(rendering.rendered, 1);
+    EXPECT_EQ(rendering.written, 1);
+    EXPECT_EQ(run(service.recallDesktop(id(1))), "done");
     EXPECT_EQ(desktop.setCount, 0);
 }
 
-TEST_F(WallpaperServiceTest, preparingTouchesNothingAndThePreparedIsSetWithoutRendering) {
+TEST_F(WallpaperServiceTest, preparingTouchesNothingAndThePreparedIsSetWithoutDrawing) {
     PreparedWallpaperApplication prepared;
-    EXPECT_EQ(runToEnd(service.prepare(solid(1, "#123456")), &prepared), "done");
+    EXPECT_EQ(run(service.prepare(solid(1, "#123456")), &prepared), "done");
     EXPECT_EQ(desktop.setCount, 0);
-    EXPECT_EQ(run(service.applyPrepared(prepared)), "done");
+    EXPECT_EQ(run(service.applyPrepared(std::move(prepared))), "done");
     EXPECT_EQ(shown(2), "solid-display-00000000-0000-0000-0000-000000000002-1280x1024-123456.png");
-}
-
-TEST_F(WallpaperServiceTest, aDisabledDisplayKeepsWhatItShows) {
     desktop.shown[1] = "/home/ana/holiday.jpg";
-    EXPECT_EQ(run(service.apply({displays.displays()[0], WallpaperMode{}})), "done");
-    EXPECT_EQ(desktop.shown[1], "/home/ana/holiday.jpg");
-}
-
-TEST_F(WallpaperServiceTest, aCapturedDesktopComesBackWithItsOptions) {
-    EXPECT_THROW(service.captureDesktop(FakeScreens::displayID(1)), WallpaperApplicationError);
-    desktop.shown[1] = "/home/ana/holiday.jpg";
-    desktop.options[1] = {{"style", "zoom"}};
-    const auto snapshot = service.captureDesktop(FakeScreens::displayID(1));
-    runToEnd(service.apply(solid(0, "#123456")));
-    EXPECT_TRUE(desktop.options[1].empty());
-    service.restoreDesktop(snapshot);
-    EXPECT_EQ(desktop.shown[1], "/home/ana/holiday.jpg");
-    EXPECT_EQ(desktop.options[1].at("style"), "zoom");
-    screens.unplug(1);
-    EXPECT_THROW(service.restoreDesktop(snapshot), WallpaperApplicationError);
+    EXPECT_EQ(apply(request({})), "done");
+    EXPECT_EQ(shown(1), "holiday.jpg") << "a disabled display keeps what it shows";
 }
 
 TEST_F(WallpaperServiceTest, nothingInTheCacheCanBeSweptWhileAPictureIsPrepared) {
-    const fs::path other = cache / "other.png";
-    const auto canSweepOther = [&] {
-        fs::create_directories(cache);
-        std::ofstream(other) << "x";
-        return cacheFiles.removeIfFree(resolvedPath(other));
-    };
+    const fs::path other = put("Cache/GeneratedWallpapers/other.png");
     for (const bool fails : {false, true}) {
-        rendering.fails = fails;
-        const std::string color = fails ? "#222222" : "#111111";
-        const auto prepared = outcomeOf(loop, tasks, service.prepare(solid(0, color)));
+        rendering.hold();
+        rendering.failure.reset();
+        if (fails) rendering.failure = PictureRenderingError::Case::failed;
+        const auto prepared = outcomeOf(loop, tasks, service.prepare(image(fails ? "b.jpg" : "a.jpg")));
         EXPECT_EQ(prepared->text, "waiting");
-        EXPECT_FALSE(canSweepOther());
-        executor.releaseAll();
+        EXPECT_FALSE(cacheFiles.removeIfFree(resolvedPath(other)));
+        rendering.letThrough();
         loop.settle();
-        EXPECT_TRUE(canSweepOther()) << "whether it fails or not";
-        ASSERT_EQ(prepared->value.has_value(), !fails);
-        if (fails) continue;
-        const fs::path picture = resolvedPath(prepared->value->image->image);
-        EXPECT_FALSE(cacheFiles.removeIfFree(picture)) << "its own lease took over";
-        prepared->value.reset();
-        EXPECT_TRUE(cacheFiles.removeIfFree(picture));
+        EXPECT_TRUE(cacheFiles.removeIfFree(resolvedPath(other))) << "whether it fails or not";
+        put("Cache/GeneratedWallpapers/other.png");
     }
 }
 
-TEST_F(WallpaperServiceTest, whatIsRecalledIsKeptToo) {
-    const fs::path last = cache / "last.png";
-    fs::create_directories(cache);
-    std::ofstream(last) << "x";
-    desktop.remembered = {{1, last}, {2, last}};
-    gate.isLockScreenOverrideActive = true;
-    service.recallDesktop(FakeScreens::displayID(1));
-    EXPECT_TRUE(desktop.shown.empty());
-    gate.isLockScreenOverrideActive = false;
-    service.recallDesktop(FakeScreens::displayID(1));
-    service.recallDesktop("display:unplugged");
-    EXPECT_EQ(shown(1), "last.png");
-    EXPECT_EQ(shown(2), "");
-    EXPECT_FALSE(cacheFiles.removeIfFree(resolvedPath(last)));
+/// A live kind: the lines that it writes are what a person would see.
+class Live final : public WallpaperPresenting {
+public:
+    std::vector<std::string> lines;
+    bool fails = false;
+
+    bool presents(WallpaperModeKind kind) const override { return kind == WallpaperModeKind::webpage; }
+    Task<std::unique_ptr<WallpaperPresentation>> prepare(WallpaperApplyRequest request) override {
+        struct Page final : WallpaperPresentation {
+            Page(Live& owner, std::string name) : live(owner), name(std::move(name)) {}
+            ~Page() override { live.lines.push_back(name + " stopped"); }
+            Task<WallpaperApplyOutcome> present() override {
+                if (live.fails) throw std::runtime_error("it did not load");
+                live.lines.push_back(name + " shown");
+                co_return WallpaperApplyOutcome{};
+            }
+            Live& live;
+            std::string name;
+        };
+        co_return std::make_unique<Page>(*this,
+                                         std::get<WebpagePresentationSettings>(request.mode.value).urlString);
+    }
+};
+
+TEST_F(WallpaperServiceTest, whatADisplayShowedBeforeStopsOnceTheNewIsUp) {
+    Live live;
+    WallpaperService both{displays, *pictures, gate, {&staticPictures, &live}};
+    const auto page = [&](const std::string& address) {
+        return request({WebpagePresentationSettings{.urlString = address}});
+    };
+    run(both.apply(page("http://a")));
+    live.fails = true;
+    EXPECT_EQ(run(both.apply(page("http://b"))), "it did not load");
+    EXPECT_THAT(live.lines, ElementsAre("http://a shown", "http://b stopped"));
+    live.fails = false;
+    run(both.apply(page("http://c")));
+    desktop.refuses(1, "no");
+    run(both.apply(solid(0, "#123456")));
+    EXPECT_THAT(live.lines,
+                ElementsAre("http://a shown", "http://b stopped", "http://c shown", "http://a stopped"));
+    desktop.accepts(1);
+    run(both.apply(solid(0, "#123456")));
+    EXPECT_EQ(live.lines.back(), "http://c stopped");
 }
 
-TEST_F(WallpaperServiceTest, theFileThatADisplayShowsIsKeptUntilAnotherIsSetOnThatDisplay) {
-    runToEnd(service.apply(solid(0, "#111111")));
-    const fs::path first = resolvedPath(desktop.shown[1]);
-    runToEnd(service.apply(solid(1, "#222222")));
-    EXPECT_FALSE(cacheFiles.removeIfFree(first)) << "the other display's is another matter";
-    desktop.refuses(1, "no");
-    runToEnd(service.apply(solid(0, "#333333")));
-    EXPECT_FALSE(cacheFiles.removeIfFree(first)) << "it is still shown";
-    desktop.accepts(1);
-    std::optional<WallpaperDesktopSnapshot> snapshot = service.captureDesktop(FakeScreens::displayID(1));
-    runToEnd(service.apply(solid(0, "#333333")));
-    EXPECT_FALSE(cacheFiles.removeIfFree(first)) << "the way back needs it";
-    snapshot.reset();
-    EXPECT_TRUE(cacheFiles.removeIfFree(first));
+TEST_F(WallpaperServiceTest, theProgramsOwnCopyOfAnImageComesFirstAndAGrantFindsARenamedOne) {
+    ImagePresentationSettings chosen{.imageURL = Url::fromFilePath(put("chosen.jpg"))};
+    chosen.imageBookmark = makeStoredFileGrant(folder.path() / "chosen.jpg");
+    fs::rename(folder.path() / "chosen.jpg", folder.path() / "renamed.jpg");
+    apply(request({chosen}));
+    EXPECT_EQ(source(), "renamed.jpg");
+    chosen.cachedImageURL = Url::fromFilePath(put("copy.jpg"));
+    apply(request({chosen}));
+    EXPECT_EQ(source(), "copy.jpg");
+    EXPECT_EQ(apply(request({ImagePresentationSettings{}})), "Choose an image for this mode.");
+    for (const std::string address : {"file:///gone/holiday.jpg", "https://example.org/holiday.jpg"}) {
+        const Url url = Url::parse(address).value();
+        EXPECT_EQ(apply(request({ImagePresentationSettings{.imageURL = url}})),
+                  "Quillmar cannot read the selected image at " + url.displayPath() + ".");
+    }
+}
+
+TEST_F(WallpaperServiceTest, aSlideshowGoesOnFromItsLastImageAndSaysWhichItChose) {
+    put("show/1.jpg");
+    const Url second = Url::fromFilePath(put("show/2.jpg"));
+    SlideshowPresentationSettings slideshow;
+    slideshow.folderURL = Url::fromFilePath(folder.path() / "show");
+    slideshow.rotationIntervalSeconds = 60;
+    WallpaperApplyOutcome outcome;
+    apply(request({slideshow}), &outcome);
+    EXPECT_EQ(source(), "1.jpg");
+    slideshow.lastImageURL = outcome.selectedSlideshowImageURL;
+    apply(request({slideshow}), &outcome);
+    EXPECT_EQ(source(), "2.jpg");
+    EXPECT_EQ(outcome.selectedSlideshowImageURL, second);
+    slideshow.folderBookmark = makeStoredFileGrant(folder.path() / "show");
+    fs::rename(folder.path() / "show", folder.path() / "moved");
+    apply(request({slideshow}));
+    EXPECT_EQ(source(), "1.jpg") << "the folder was found, its last image is at another place";
 }
 
 struct WallpaperServiceRemoteTest : WallpaperServiceTest {
-    void SetUp() override {
-        WallpaperServiceTest::SetUp();
-        remoteImages.image = resolvedPath(folder.path()) / "remote-1.jpg";
-        std::ofstream(remoteImages.image) << "x";
-    }
+    void SetUp() override { remoteImages.image = resolvedPath(put("remote-1.jpg")); }
     WallpaperApplyRequest remote(WallpaperApplyReason reason = WallpaperApplyReason::userInitiated) {
         WindowsSpotlightSettings settings;
         settings.layout = ImagePresentationLayout::stretch;
@@ -232,35 +302,30 @@ struct WallpaperServiceRemoteTest : WallpaperServiceTest {
 
 TEST_F(WallpaperServiceRemoteTest, aServicesPictureIsDrawnAsItsModeSaysAndWithItsCaption) {
     remoteImages.caption = "NASA EPIC";
-    EXPECT_EQ(runToEnd(service.apply(remote())), "done");
+    EXPECT_EQ(apply(remote()), "done");
     EXPECT_EQ(rendering.lastSource, remoteImages.image);
     EXPECT_EQ(rendering.lastComposition.destination, (PixelRect{0, 0, 1920, 1080}));
     ASSERT_TRUE(rendering.lastComposition.caption);
     EXPECT_EQ(rendering.lastComposition.caption->text, "NASA EPIC");
-    runToEnd(service.apply(remote(WallpaperApplyReason::rotation)));
-    EXPECT_THAT(
-        remoteImages.calls,
-        ::testing::ElementsAre("windowsSpotlight " + FakeScreens::displayID(1) + " stays wallpaper",
-                               "windowsSpotlight " + FakeScreens::displayID(1) + " advances wallpaper"));
-}
-
-TEST_F(WallpaperServiceRemoteTest, aServiceThatFailsLeavesTheDesktopAlone) {
+    apply(remote(WallpaperApplyReason::rotation));
+    EXPECT_THAT(remoteImages.calls, ElementsAre("windowsSpotlight " + id(1) + " stays wallpaper",
+                                                "windowsSpotlight " + id(1) + " advances wallpaper"));
     remoteImages.failure = std::make_exception_ptr(std::runtime_error("no network"));
-    EXPECT_EQ(runToEnd(service.apply(remote())), "no network");
-    EXPECT_EQ(desktop.setCount, 0);
+    EXPECT_EQ(apply(remote()), "no network");
+    EXPECT_EQ(desktop.setCount, 1);
 }
 
-TEST_F(WallpaperServiceRemoteTest, theSourceIsKeptWhileItIsRenderedAndLongerOnlyWhenItIsToBeRemembered) {
+TEST_F(WallpaperServiceRemoteTest, theSourceIsKeptWhileItIsDrawnAndLongerOnlyWhenItIsToBeRemembered) {
     const fs::path source = remoteImages.image;
+    rendering.hold();
     const auto prepared = outcomeOf(loop, tasks, service.prepare(remote()));
     EXPECT_EQ(prepared->text, "waiting");
     EXPECT_FALSE(cacheFiles.removeIfFree(source));
-    executor.releaseAll();
+    rendering.letThrough();
     loop.settle();
-    EXPECT_FALSE(prepared->value.value().image->selectionLease);
     remoteImages.selection = WindowsSpotlightSelection{.imageURL = Url::fromFilePath(source)};
     WallpaperApplyOutcome outcome;
-    EXPECT_EQ(runToEnd(service.apply(remote()), &outcome), "done");
+    EXPECT_EQ(apply(remote(), &outcome), "done");
     EXPECT_EQ(outcome.windowsSpotlightSelection, remoteImages.selection);
     EXPECT_FALSE(cacheFiles.removeIfFree(source));
     outcome = {};
@@ -271,7 +336,6 @@ TEST_F(WallpaperServiceRemoteTest, aDisplayThatIsUnpluggedWhileItsServiceAnswers
     remoteImages.hold();
     const auto outcome = outcomeOf(loop, tasks, service.apply(remote()));
     screens.unplug(1);
-    executor.runsAtOnce = true;
     remoteImages.letThrough();
     loop.settle();
     EXPECT_EQ(outcome->text, gone(1));

@@ -1,6 +1,8 @@
 #pragma once
 #include <functional>
 
+#include "base/FileDescriptor.h"
+
 namespace quillmar {
 
 /// Hears when the wall clock leaps against the loop's time: the machine slept and woke up, or somebody set
@@ -18,7 +20,7 @@ private:
     bool hasJumped() const;
 
     std::function<void()> handler_;
-    int timer_ = -1;
+    FileDescriptor timer_;
     unsigned int watch_ = 0;  ///< 0: none
 };
 

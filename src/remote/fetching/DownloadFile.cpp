@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "base/Files.h"
 #include "base/Uuid.h"
 
 namespace quillmar {
@@ -25,22 +26,12 @@ bool isDownloadFileName(std::string_view name, std::string_view prefix) {
 
 DownloadFile::DownloadFile(const std::filesystem::path& folder)
     : path_(folder / downloadFileName(downloadPrefix)),
-      descriptor_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600)) {
-    if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), path_);
+      file_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600)) {
+    if (!file_) throw std::system_error(errno, std::generic_category(), path_);
 }
 
-DownloadFile::~DownloadFile() {
-    ::close(descriptor_);
-    ::unlink(path_.c_str());
-}
+DownloadFile::~DownloadFile() { ::unlink(path_.c_str()); }
 
-void DownloadFile::append(std::span<const std::uint8_t> bytes) const {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) throw std::system_error(errno, std::generic_category(), path_);
-        bytes = bytes.subspan(static_cast<std::size_t>(written));
-    }
-}
+void DownloadFile::append(std::span<const std::uint8_t> bytes) const { writeWhole(file_, bytes); }
 
 }  // namespace quillmar

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/Bytes.h"
+#include "base/FileDescriptor.h"
 
 namespace quillmar {
 
@@ -27,7 +28,7 @@ public:
 
 private:
     std::filesystem::path path_;
-    int descriptor_;
+    FileDescriptor file_;
 };
 
 }  // namespace quillmar

@@ -12,15 +12,16 @@ std::string encodeSettings(const AppSettings& settings) {
 }
 
 AppSettings decodeSettings(std::string_view text) {
-    const json::Document document = json::parse(text);
-    const json::Place top;
-    std::int64_t version = 0;
-    json::Reader(document.root(), top).required("schemaVersion", version);
-    if (version != AppSettings::requiredSchemaVersion) {
-        throw SettingsSchemaError(version, AppSettings::requiredSchemaVersion);
-    }
     AppSettings settings;
-    json::read(document.root(), settings, top);
+    json::parse(text, [&](const nlohmann::json& document) {
+        const json::Place top;
+        std::int64_t version = 0;
+        json::Reader(document, top).required("schemaVersion", version);
+        if (version != AppSettings::requiredSchemaVersion) {
+            throw SettingsSchemaError(version, AppSettings::requiredSchemaVersion);
+        }
+        json::read(document, settings, top);
+    });
     return settings;
 }
 
