@@ -8,6 +8,7 @@ packages=(
     libfmt-dev nlohmann-json3-dev libglib2.0-dev libgtk-3-dev libsoup-3.0-dev ca-certificates
     libx11-dev libx11-xcb-dev libxcb1-dev libxext-dev libxfixes-dev libxi-dev libxrandr-dev libxss-dev
     libpng-dev libisal-dev zlib1g-dev libjpeg62-turbo-dev liblcms2-dev libpango1.0-dev libvips-dev
+    libseccomp-dev
     # tests
     libgtest-dev libgmock-dev llvm-19 libxres-dev
     # test desktop
