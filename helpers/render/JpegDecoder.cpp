@@ -205,7 +205,6 @@ std::unique_ptr<RowSource> JpegDecoder::rows(const GridRegion& region, RgbColor)
 }
 
 std::unique_ptr<RowSource> JpegDecoder::inSrgb(std::unique_ptr<RowSource> resampled) {
-    if (!profile_) return resampled;
     return std::make_unique<ProfiledRows>(std::move(resampled), std::move(profile_));
 }
 

@@ -19,6 +19,7 @@ public:
     int orientation() const override;
     PixelGrid chooseGrid(std::int64_t width, std::int64_t height) override;
     std::unique_ptr<RowSource> rows(const GridRegion& region, RgbColor background) override;
+    bool isSrgb() const override { return !profile_; }
     std::unique_ptr<RowSource> inSrgb(std::unique_ptr<RowSource> resampled) override;
 
 private:

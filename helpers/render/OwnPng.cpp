@@ -94,9 +94,13 @@ public:
         state_.next_out = target.data();
         state_.avail_out = static_cast<std::uint32_t>(target.size());
         while (state_.avail_out > 0 && state_.block_state != ISAL_BLOCK_FINISH) {
-            if (state_.avail_in == 0) refill();
+            // At the end of the file there may still be bytes inside the library.
+            const bool isLast = state_.avail_in == 0 && !refill();
+            const std::uint32_t before = state_.avail_out;
             if (isal_inflate(&state_) != ISAL_DECOMP_OK)
                 throw PictureDecodingError("The picture is damaged.");
+            if (isLast && state_.avail_out == before && state_.block_state != ISAL_BLOCK_FINISH)
+                throw PictureDecodingError("The picture ends too early.");
         }
         return target.size() - state_.avail_out;
     }
@@ -110,13 +114,14 @@ public:
     }
 
 private:
-    void refill() {
+    bool refill() {
         const ssize_t count = ::pread(descriptor_, read_.data(), std::min(left_, read_.size()), at_);
-        if (count <= 0) throw PictureDecodingError("The picture ends too early.");
+        if (count < 0) throw PictureDecodingError("The file cannot be read.");
         at_ += count;
         left_ -= static_cast<std::size_t>(count);
         state_.next_in = read_.data();
         state_.avail_in = static_cast<std::uint32_t>(count);
+        return count > 0;
     }
 
     int descriptor_;

@@ -68,8 +68,9 @@ public:
     /// Begins decoding the region of the chosen grid. To be called once, after `chooseGrid`; the rows may be
     /// read and destroyed on another thread. What is transparent lies on `background`.
     virtual std::unique_ptr<RowSource> rows(const GridRegion& region, RgbColor background) = 0;
-    /// Turns the rows, in whatever size they are now, into sRGB where `rows` has left that to be done: fewer
-    /// pixels are converted sooner.
+    /// Whether `rows` are in sRGB already; otherwise `inSrgb` turns rows, in whatever size they are then,
+    /// into it: fewer pixels are converted sooner.
+    virtual bool isSrgb() const { return true; }
     virtual std::unique_ptr<RowSource> inSrgb(std::unique_ptr<RowSource> resampled) { return resampled; }
 };
 

@@ -60,8 +60,10 @@ std::unique_ptr<RowSource> PictureDrawing::visibleRows(const PictureComposition&
     LanczosAxis rows(grid.exactHeight, grid.height, down.length, down.begin, down.count);
     const GridRegion region{columns.windowBegin, rows.windowBegin, columns.windowEnd, rows.windowEnd};
     auto decoded = readAhead(decoder_->rows(region, composition.background), region.width(), region.height());
-    auto resampled = std::make_unique<Resampler>(std::move(decoded), std::move(columns), std::move(rows));
-    auto result = readAhead(decoder_->inSrgb(std::move(resampled)), across.count, down.count);
+    std::unique_ptr<RowSource> result =
+        std::make_unique<Resampler>(std::move(decoded), std::move(columns), std::move(rows));
+    if (!decoder_->isSrgb())
+        result = decoder_->inSrgb(readAhead(std::move(result), across.count, down.count));
     if (orientation_.isUpright()) return result;
     return std::make_unique<UprightRows>(std::move(result), across.count, down.count, orientation_);
 }

@@ -7,8 +7,8 @@
 
 namespace quillmar {
 
-/// One picture on its way to a canvas, as a stream of rows: decoded, resampled and placed on three threads,
-/// so that it is hardly ever in memory whole.
+/// One picture on its way to a canvas, as a stream of rows, so that it is hardly ever in memory whole:
+/// decoded, resampled and, where its colours need that, converted on threads of their own.
 class PictureDrawing {
 public:
     explicit PictureDrawing(std::unique_ptr<PictureDecoder> decoder);

@@ -198,7 +198,6 @@ std::unique_ptr<RowSource> PngDecoder::rows(const GridRegion& region, RgbColor b
 }
 
 std::unique_ptr<RowSource> PngDecoder::inSrgb(std::unique_ptr<RowSource> resampled) {
-    if (!profile_) return resampled;
     return std::make_unique<ProfiledRows>(std::move(resampled), std::move(profile_));
 }
 

@@ -82,6 +82,7 @@ TEST_F(PngTest, rowsLikeTheOneAboveComeBackToo) {
     std::ranges::fill(pixels.row(1500), 7);
     encoding.writePng(pixels, target);
     EXPECT_EQ(samples::readPng(target).bytes, samples::rgbOf(pixels).bytes);
+    EXPECT_EQ(loaded(target, pixels.size()), samples::rgbOf(pixels).bytes);
 }
 
 TEST_F(PngTest, anIncompletePictureIsNotHandedOut) {
