@@ -29,7 +29,9 @@
 #include "linux/glib/UnixSignals.h"
 #include "linux/gtk/GtkScreens.h"
 #include "linux/gtk/GtkSession.h"
-#include "linux/picture/LinuxPictureRendering.h"
+#include "linux/x11/OutputMemory.h"
+#include "linux/picture/LinuxPictureEncoding.h"
+#include "linux/render/ProcessPictureRendering.h"
 #include "linux/soup/SoupHTTPSession.h"
 #include "ui/GtkAlerts.h"
 
@@ -129,9 +131,7 @@ public:
           supportFolder_(applicationSupportDirectoryOrNowhere(environment)) {}
 
     int run() {
-        AppDelegate delegate(platform(), takeInstanceLock(bundle_, environment_), [](const MainMenu&) {
-            // No desktop that the program knows has a place for the menu of an agent without windows.
-        });
+        AppDelegate delegate(platform(), takeInstanceLock(bundle_, environment_));
         delegate.applicationWillFinishLaunching();
         delegate.applicationDidFinishLaunching();
         loop_.run();
@@ -154,8 +154,9 @@ private:
                 .usageReporting = usageReporting_,
                 .alerts = alerts_,
                 .screens = screens_,
-                .desktopPicture = desktopPicture_,
+                .desktop = desktopPicture_,
                 .pictureRendering = rendering_,
+                .pictureEncoding = encoding_,
                 .notificationCenter = notifications_,
                 .webSession = webSession_,
                 .settingsWindow = nullptr,
@@ -172,8 +173,9 @@ private:
     GlibMainLoop loop_;
     SystemWallClock clock_;
     Scrubber scrubber_{personalDirectories(environ)};
-    LinuxPictureRendering rendering_;
+    LinuxPictureEncoding encoding_;
     ThreadPool pool_{4};
+    ProcessPictureRendering rendering_{pool_, ProcessPictureRendering::installedProgram()};
     SerialExecutor logFiles_{pool_};
     SoupHTTPSession reportSession_{loop_, 1, &isPublicAddress};
     SoupHTTPSession webSession_{loop_, maximumConnectionsPerHost, &isPublicAddress};
@@ -194,14 +196,14 @@ private:
     NoUsageReporting usageReporting_;
     DBusNotifications notifications_;
     GtkAlerts alerts_;
-    GtkScreens screens_;
-    LinuxDesktopPicture desktopPicture_{
-        environment_,
-        {.captures = supportFolder_ / "Cache/GeneratedWallpapers", .composed = supportFolder_ / "Desktop"}};
+    GtkScreens screens_{outputIdentitiesFile(environment_), pool_};
+    LinuxDesktopPicture desktopPicture_{pool_, encoding_, environment_,
+                                        supportFolder_ / "Cache/GeneratedWallpapers"};
 };
 
 int listDisplays(bool asJson) {
-    const GtkScreens screens;
+    ThreadPool pool(1);
+    const GtkScreens screens(outputIdentitiesFile(processEnvironment()), pool);
     const auto displays = DisplayService(screens).displays();
     if (asJson) {
         std::cout << displaysAsJson(displays);

@@ -216,6 +216,12 @@ const nlohmann::json* find(const nlohmann::json& object, std::string_view key) {
     return found == object.end() ? nullptr : &*found;
 }
 
+bool isObject(const nlohmann::json& json) { return json.is_object(); }
+
+std::optional<std::string> textOf(const nlohmann::json& json) {
+    return json.is_string() ? std::optional(json.get<std::string>()) : std::nullopt;
+}
+
 bool isNull(const nlohmann::json& json) { return json.is_null(); }
 
 std::size_t indexOfName(const nlohmann::json& json, std::span<const std::string_view> names,

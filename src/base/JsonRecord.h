@@ -98,6 +98,9 @@ void forEachMember(const nlohmann::json& json, const Place& place, const MemberV
 /// The key's value, nothing when it is absent.
 const nlohmann::json* find(const nlohmann::json& object, std::string_view key);
 bool isNull(const nlohmann::json& json);
+bool isObject(const nlohmann::json& json);
+/// Nothing when it is no text.
+std::optional<std::string> textOf(const nlohmann::json& json);
 /// Index of the name within `names`; fails with the list of the names.
 std::size_t indexOfName(const nlohmann::json& json, std::span<const std::string_view> names,
                         const Place& place);

@@ -67,10 +67,9 @@ struct Mixed {
     Text text;
 };
 template <const char* const key>
-void read(const json::Value& json, Mixed<key>& value, const json::Place&) {
-    using enum json::Value::Kind;
-    const json::Value* found = json.kind() == object ? json::detail::find(json.members(), key) : &json;
-    if (found && found->kind() == text) value.text = std::string(found->text());
+void read(const nlohmann::json& json, Mixed<key>& value, const json::Place&) {
+    const nlohmann::json* found = json::detail::isObject(json) ? json::detail::find(json, key) : &json;
+    if (found) value.text = json::detail::textOf(*found).value_or("");
 }
 constexpr char idKey[] = "id";
 constexpr char contentKey[] = "content";
