@@ -29,17 +29,19 @@ TEST_F(BingServiceTest, thePictureOfTheDayIsRelativeToTheWebHost) {
         EXPECT_THAT(downloaded(), ElementsAre(url));
         EXPECT_THAT(asked(), ElementsAre("/HPImageArchive.aspx?format=js&idx=0&n=1&mkt=pt-pt"));
     }
-    web.answers("/HPImageArchive", {R"({"images": [{"url": "/p.jpg", "copyright": "© Ann"}]})"});
+    web.answers("/HPImageArchive",
+                {R"({"images": [{"url": "/p.jpg", "urlbase": "/th?id=b", "copyright": "© Ann"}]})"});
     EXPECT_EQ(resolved(service.resolve({})).picture.sourceDescription, "© Ann");
+    EXPECT_THAT(downloaded(), ElementsAre("https://bingweb.example/th?id=b_UHD.jpg"));
 }
 
 TEST_F(BingServiceTest, anAnswerWithoutAPictureIsAFailure) {
     const std::string unusable = "Bing did not return an image matching the selected options.";
     expectFailures({{R"({"images": []})", unusable},
                     {R"({"images": [{"url": "no url"}]})", unusable},
-                    {R"({"images": null})", "images: expected an array, found null"},
-                    {R"({"images": [{"copyright": "c"}]})", "images[0].url: missing key"},
-                    {"<html>", "not valid JSON"}},
+                    {R"({"images": [{"copyright": "c"}]})",
+                     "Bing returned an unexpected response (images[0].url: missing key)."},
+                    {"<html>", "Bing returned an unexpected response"}},
                    [this] { return service.resolve({}); });
 }
 
@@ -99,11 +101,11 @@ TEST_F(WindowsSpotlightServiceTest, anAnswerWithoutAPictureIsAFailure) {
     expectFailures({{R"({"batchrsp": {"items": []}})", unusable},
                     {spotlightAnswer("", "no url"), unusable},
                     {spotlightAnswer("", ""), unusable},
-                    {R"({"batchrsp": {"items": null}})", "batchrsp.items: expected an array, found null"},
-                    {R"({"batchrsp": {"errors": []}})", "batchrsp.items: missing key"},
+                    {R"({"batchrsp": {"ver": "1.0"}})", unusable},
+                    {R"({"batchrsp": {"errors": [{"code": 2000}]}})", unusable},
                     {R"({"batchrsp": {"items": [{"item": {}}]}})", "batchrsp.items[0].item: expected a text"},
-                    {R"({"batchrsp": {"items": [{"item": "{}"}]}})", "ad: missing key"},
-                    {R"({"batchrsp": {"items": [{"item": "<html>"}]}})", "not valid JSON"}},
+                    {R"({"batchrsp": {"items": [{"item": "{}"}]}})",
+                     "Windows Spotlight returned an unexpected response (ad: missing key)."}},
                    [this] { return service.resolve({}, false); });
 }
 

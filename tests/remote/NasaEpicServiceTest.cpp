@@ -71,7 +71,7 @@ TEST_F(NasaEpicServiceTest, anAnswerWithoutObservationsIsNoPicture) {
     const Table rows = {
         {"[]", unusable},
         {R"([{"image": "", "date": "2024-06-05 07:08:59"}])", unusable},
-        {"null", "expected an array, found null"},
+        {"null", "NASA EPIC returned an unexpected response (expected an array, found null)."},
         {R"([{"image": null, "date": "2024-06-05 07:08:59"}])", "[0].image: expected a text"}};
     expectFailures(rows, [this] { return next(); });
     film.presentation = NasaEpicPresentation::latestObservation;

@@ -37,11 +37,11 @@ struct RemoteServiceFixture : ::testing::Test {
             outcome->failure = error.what();
         }
     }
-    Outcome resolved(Task<RemotePicture> work) {
+    Outcome resolved(Task<RemotePicture> work, Duration within = {}) {
         TaskScope tasks(loop);
         Outcome outcome;
         tasks.spawn(keep(std::move(work), &outcome));
-        loop.settle();
+        loop.advance(within);
         return outcome;
     }
     std::string failure(Task<RemotePicture> work) { return resolved(std::move(work)).failure; }
