@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <numeric>
+
 #include "RemoteServiceFixture.h"
 
 namespace quillmar {
@@ -14,33 +16,24 @@ TEST(MuseumRequestTest, eachMuseumIsAskedInItsOwnWords) {
     const auto request = [](MuseumsSource source, std::optional<MuseumsArtworkCategory> category = {}) {
         return museumRequest(*Url::parse("https://h"), {source, category, " my key "}).string().substr(9);
     };
-    const auto params = [](const std::string& text) {
-        return "/api/v1/artworks/search?params=" + text + "&limit=100&fields=id,title,image_id,artist_title";
-    };
-    const std::string must =
-        "%7B%22query%22:%7B%22bool%22:%7B%22must%22:%5B%7B%22term%22:%7B%22is_public_domain%22:true%7D%7D,"
-        "%7B%22exists%22:%7B%22field%22:%22image_id%22%7D%7D%5D";
-    const std::string should =
-        ",%22should%22:%5B%7B%22match%22:%7B%22classification_titles%22:%22drawing%20print%22%7D%7D,"
-        "%7B%22match%22:%7B%22artwork_type_title%22:%22drawing%20print%22%7D%7D%5D,"
-        "%22minimum_should_match%22:1";
-    const std::string metropolitan = "/public/collection/v1.1/search?hasImages=true&isPublicDomain=true&q=";
+    const std::string artInstitute =
+        "/api/v1/artworks/"
+        "search?params=%7B%22query%22:%7B%22bool%22:%7B%22must%22:%5B%7B%22term%22:%7B%22is_public_domain%22:"
+        "true%7D%7D,%7B%22exists%22:%7B%22field%22:%22image_id%22%7D%7D%5D,%22should%22:%5B%7B%22match%22:%"
+        "7B%22classification_titles%22:%22drawing%20print%22%7D%7D,%7B%22match%22:%7B%22artwork_type_title%"
+        "22:%22drawing%20print%22%7D%7D%5D,%22minimum_should_match%22:1%7D%7D%7D&limit=100&fields=id,title,"
+        "image_id,artist_title";
     const std::string smk = "&filters=%5Bhas_image:true%5D,%5Bpublic_domain:true%5D&offset=0&rows=100";
     const std::vector<std::pair<std::string, std::string>> rows = {
-        {request(artInstituteChicago), params(must + "%7D%7D%7D")},
-        {request(artInstituteChicago, MuseumsArtworkCategory::drawingsAndPrints),
-         params(must + should + "%7D%7D%7D")},
-        {request(metropolitanMuseum), metropolitan + "art&offset=0&limit=100"},
-        {request(metropolitanMuseum, MuseumsArtworkCategory::paintings),
-         metropolitan + "painting&offset=0&limit=100"},
-        {request(rijksmuseum), "/search/collection?imageAvailable=true"},
+        {request(artInstituteChicago, MuseumsArtworkCategory::drawingsAndPrints), artInstitute},
+        {request(metropolitanMuseum),
+         "/public/collection/v1.1/search?hasImages=true&isPublicDomain=true&q=art&offset=0&limit=100"},
         {request(rijksmuseum, MuseumsArtworkCategory::drawingsAndPrints),
          "/search/collection?imageAvailable=true&type=print"},
-        {request(clevelandMuseum), "/api/artworks/?has_image=1&limit=100&skip=0"},
         {request(clevelandMuseum, MuseumsArtworkCategory::photography),
          "/api/artworks/?has_image=1&limit=100&skip=0&type=Photograph"},
         {request(smkDenmark), "/api/v1/art/search/?keys=*" + smk},
-        {request(smkDenmark, MuseumsArtworkCategory::sculpture), "/api/v1/art/search/?keys=sculpture" + smk},
+        {request(smkDenmark, MuseumsArtworkCategory::paintings), "/api/v1/art/search/?keys=painting" + smk},
         {request(smithsonian),
          "/openaccess/api/v1.0/search?q=art%20AND%20online_media_type:Images&api_key=my%20key&start=0&"
          "rows=100"},
@@ -129,6 +122,11 @@ struct MuseumsServiceTest : RemoteServiceFixture {
         }
         return "{\"data\":[" + rows + "]}";
     }
+    static std::string worksTo(int end) {
+        std::vector<int> numbers(static_cast<std::size_t>(end));
+        std::iota(numbers.begin(), numbers.end(), 0);
+        return works(std::move(numbers));
+    }
     static MuseumsSettings of(std::set<MuseumsSource> sources) { return {.sources = std::move(sources)}; }
     Outcome on(const std::string& display, MuseumsSettings settings = of({clevelandMuseum}),
                RemoteImagePresentation presentation = RemoteImagePresentation::wallpaper) {
@@ -193,26 +191,17 @@ TEST_F(MuseumsServiceTest, aPictureThatDoesNotComeCostsItsWorkAndThreeCostTheMus
 }
 
 TEST_F(MuseumsServiceTest, theSixtyFifthWorkForgetsTheFirst) {
-    std::vector<int> numbers(66);
-    for (int i = 0; i < 66; ++i) numbers[static_cast<std::size_t>(i)] = i;
-    web.answers("/api/artworks/", {works(numbers)});
+    web.answers("/api/artworks/", {worksTo(66)});
     for (int i = 0; i < 65; ++i) on("A");
-    EXPECT_EQ(on("A").picture.sourceDescription, "W0 — Cleveland Museum of Art")
+    EXPECT_EQ(on("A").picture.credit.title, "W0")
         << "the first is as good as new, before the one that was never shown";
 }
 
 TEST_F(MuseumsServiceTest, aListIsCutAtItsBoundAndAnEmptyOneIsNotKept) {
-    std::vector<int> numbers(129);
-    for (int i = 0; i < 129; ++i) numbers[static_cast<std::size_t>(i)] = i;
-    web.answers("/api/artworks/", {works({}), works(numbers)});
+    web.answers("/api/artworks/", {works({}), worksTo(129)});
     EXPECT_THAT(on("A").failure, HasSubstr("did not return an image"));
-    std::vector<std::size_t> asked;
-    chance = [&](std::size_t bound) {
-        asked.push_back(bound);
-        return bound - 1;
-    };
-    EXPECT_EQ(on("A").picture.sourceDescription, "W127 — Cleveland Museum of Art");
-    EXPECT_EQ(asked.back(), 128u);
+    chance = [](std::size_t bound) { return bound - 1; };
+    EXPECT_EQ(on("A").picture.credit.title, "W127");
 }
 
 TEST_F(MuseumsServiceTest, ofSeventeenListsTheOneThatWasUsedLongestAgoIsForgotten) {
@@ -319,27 +308,6 @@ TEST_F(MuseumsServiceTest, theRijksmuseumLeadsOverThreeRecordsOfItsOwnHostToAPic
                                      "/w0?_profile=la-framed", "/lost?_profile=la-framed"));
     EXPECT_EQ(rijksmuseumArtwork({.id = "1"}, *Url::parse("https://i/x.jpg")).imageURL.string(),
               "https://i/x.jpg");
-}
-
-TEST_F(MuseumsServiceTest, cancelledInAnyLoopNobodyElseIsAsked) {
-    chance = [](std::size_t bound) { return bound - 1; };  // the order stays
-    web.answers("/search/collection", {R"({"orderedItems":[{"id":"https://x/w1"},{"id":"https://x/w2"}]})"});
-    web.answers("/v1.1/search", {R"({"objectIDs":[1,2,3]})"});
-    web.answers("example/w", {R"({"id":"w"})"});
-    for (const bool isAnswered : {false, true}) {
-        for (const auto& [source, part] :
-             std::vector<std::pair<MuseumsSource, std::string>>{{metropolitanMuseum, "/v1/objects/"},
-                                                                {rijksmuseum, "example/w"},
-                                                                {smkDenmark, "/art/search/"}}) {
-            dayPasses();
-            EXPECT_EQ(cancelledAt(part, isAnswered,
-                                  museums.resolve(of({source, smithsonian}),
-                                                  {RemoteImagePresentation::wallpaper, "A"})),
-                      "cancelled")
-                << part;
-            for (const std::string& request : asked()) EXPECT_THAT(request, Not(HasSubstr("/openaccess/")));
-        }
-    }
 }
 
 }  // namespace

@@ -19,11 +19,13 @@ struct RemoteImageResolverTest : RemoteServiceFixture {
     DisplayInfo display{.id = "display:a"};
     TaskScope tasks{loop};
 
-    auto wallpaper(WallpaperMode mode) {
+    RemoteImageResolverTest() { draws.assign(100, 0); }
+    auto ask(DisplayInfo who, WallpaperMode mode, TaskScope& scope) {
         return outcomeOf(
-            loop, tasks,
-            resolver.resolveImage(std::move(mode), display, true, RemoteImagePresentation::wallpaper));
+            loop, scope,
+            resolver.resolveImage(std::move(mode), std::move(who), true, RemoteImagePresentation::wallpaper));
     }
+    auto wallpaper(WallpaperMode mode) { return ask(display, std::move(mode), tasks); }
     auto screensaver(ManagedScreensaverMode mode) {
         return outcomeOf(loop, tasks, resolver.resolveScreensaverImage(std::move(mode), display, true));
     }
@@ -48,23 +50,16 @@ TEST_F(RemoteImageResolverTest, aScreensaverGoesThroughAFilmOfItsOwn) {
 
 TEST_F(RemoteImageResolverTest, whoAsksOneServiceAtOnceIsServedInTurnAndNoOtherServiceWaits) {
     const MuseumsSettings museum{.sources = {MuseumsSource::clevelandMuseum}};
-    random = [](std::size_t) { return 0; };
-    RemoteImageResolver fresh({web, services, clock, files, cacheFiles, cache.path(), random});
     web.answers("/api/artworks/", {R"({"data":[
         {"id":1,"share_license_status":"CC0","images":{"web":{"url":"https://i/1"}}},
         {"id":2,"share_license_status":"CC0","images":{"web":{"url":"https://i/2"}}}]})"});
     web.answers("/HPImageArchive", {R"({"images": [{"url": "/p.jpg"}]})"});
     web.hold("/api/artworks/");
-    const auto ask = [&](const char* id, WallpaperMode mode, TaskScope& scope) {
-        return outcomeOf(
-            loop, scope,
-            fresh.resolveImage(std::move(mode), {.id = id}, true, RemoteImagePresentation::wallpaper));
-    };
     TaskScope impatient(loop);
-    const auto first = ask("a", {museum}, tasks);
-    const auto leaves = ask("b", {museum}, impatient);
-    const auto last = ask("c", {museum}, tasks);
-    EXPECT_EQ(ask("b", {BingSettings{}}, tasks)->text, "done") << "while the museums hang";
+    const auto first = ask({.id = "a"}, {museum}, tasks);
+    const auto leaves = ask({.id = "b"}, {museum}, impatient);
+    const auto last = ask({.id = "c"}, {museum}, tasks);
+    EXPECT_EQ(ask({.id = "b"}, {BingSettings{}}, tasks)->text, "done") << "while the museums hang";
     impatient.cancelAll();
     loop.settle();
     EXPECT_EQ(leaves->text, "cancelled");
@@ -74,6 +69,87 @@ TEST_F(RemoteImageResolverTest, whoAsksOneServiceAtOnceIsServedInTurnAndNoOtherS
     EXPECT_EQ(first->value->image.filename(), "1");
     EXPECT_EQ(last->value->image.filename(), "2") << "the first one's choice is known by now";
     EXPECT_EQ(asked().size(), 2u) << "and its list";
+}
+
+TEST_F(RemoteImageResolverTest, cancelledNoServiceAsksForAnythingMore) {
+    web.answers("/available", {R"(["2024-06-04", "2024-06-05"])"});
+    web.answers("/date/", {R"([{"image": "e", "date": "2024-06-05 07:00:00"}])"});
+    web.answers("/v1.1/search", {R"({"objectIDs":[1,2,3]})"});
+    web.answers("/v1/objects/", {R"({"objectID":1,"isPublicDomain":false,"primaryImage":""})"});
+    web.answers("/search/collection", {R"({"orderedItems":["https://x/w1","https://x/w12"]})"});
+    web.answers("example/w1", {R"({"id":"w"})"});
+    web.answers(
+        "/photos/random",
+        {R"({"urls": {"full": "https://i/f"}, "user": {}, "links": {"download_location": "https://x/told"}})"});
+    const auto museums = [](MuseumsSource source) {
+        return MuseumsSettings{.sources = {source, MuseumsSource::smithsonian}};
+    };
+    const std::vector<std::pair<WallpaperMode, std::string>> rows = {
+        {{APODSettings{}}, "date_to=260408"},
+        {{APODSettings{.switchPeriodically = true}}, "apod-basic/100101"},
+        {{NasaEpicSettings{.presentation = NasaEpicPresentation::rotateThroughDays, .recentDays = 2}},
+         "/date/2024-06-05"},
+        {{museums(MuseumsSource::metropolitanMuseum)}, "/v1/objects/"},
+        {{museums(MuseumsSource::rijksmuseum)}, "example/w1"},
+        {{museums(MuseumsSource::smkDenmark)}, "/art/search/"},
+        {{UnsplashSettings{}}, "/told"},
+    };
+    for (const auto& [mode, part] : rows) {
+        for (const bool isAnswered : {false, true}) {
+            if (isAnswered && part == "/told") continue;  // nothing but the picture comes after it
+            TaskScope scope(loop);
+            web.hold(part);
+            const auto outcome = ask(display, mode, scope);
+            loop.advance(std::chrono::seconds(2));
+            const std::size_t count = web.requests.size();
+            EXPECT_THAT(web.requests.back().url, testing::HasSubstr(part));
+            if (isAnswered) web.letThrough();
+            scope.cancelAll();
+            loop.advance(std::chrono::seconds(2));
+            EXPECT_EQ(outcome->text, "cancelled") << part;
+            EXPECT_THAT(web.requests, testing::SizeIs(count)) << part;
+            web.letThrough();
+        }
+    }
+    EXPECT_THAT(web.downloads, testing::IsEmpty());
+}
+
+TEST_F(RemoteImageResolverTest, anAnswerWithoutAPictureIsAFailureThatNamesItsServiceAndNoKey) {
+    const NasaEpicSettings film{.presentation = NasaEpicPresentation::rotateThroughDays};
+    const std::string none = " did not return an image matching the selected options.";
+    const std::string links = R"("links": {"download_location": "KEY"})";
+    const std::vector<std::tuple<WallpaperMode, std::string, std::string>> rows = {
+        {{BingSettings{}}, R"({"images": []})", "Bing" + none},
+        {{BingSettings{}}, R"({"images": [{"url": "no url"}]})", "Bing" + none},
+        {{BingSettings{}}, R"({"images": [{"copyright": "c"}]})", "Bing: images[0].url: missing key"},
+        {{WindowsSpotlightSettings{}}, R"({"batchrsp": {"ver": "1.0"}})", "Windows Spotlight" + none},
+        {{WindowsSpotlightSettings{}}, R"({"batchrsp": {"items": []}})", "Windows Spotlight" + none},
+        {{WindowsSpotlightSettings{}}, spotlightAnswer("", "no url"), "Windows Spotlight" + none},
+        {{WindowsSpotlightSettings{}},
+         R"({"batchrsp": {"items": [{"item": "{}"}]}})",
+         "Windows Spotlight: ad: missing key"},
+        {{WallhavenSettings{}}, R"({"data": []})", "Wallhaven" + none},
+        {{WallhavenSettings{}}, R"({"data": [{"path": "not a url"}]})", "Wallhaven" + none},
+        {{WallhavenSettings{}}, "<html>", "Wallhaven: the document is not valid JSON"},
+        {{UnsplashSettings{}},
+         R"({"urls": {"full": "no url"}, "user": {}, )" + links + "}",
+         "Unsplash" + none},
+        {{UnsplashSettings{}}, R"({"errors": ["KEY"]})", "Unsplash: urls: missing key"},
+        {{UnsplashSettings{}},
+         R"({"urls": {"full": "KEY"}, "links": ["KEY"]})",
+         "Unsplash: links: expected an object"},
+        {{NasaEpicSettings{}}, "[]", "NASA EPIC" + none},
+        {{film}, R"([{"image": "", "date": "2024-06-05 07:08:59"}])", "NASA EPIC" + none},
+        {{film}, "null", "NASA EPIC: expected an array, found null"},
+    };
+    for (const auto& [mode, answer, text] : rows) {
+        web.answers(".example/", {answer});
+        std::string said = wallpaper(mode)->text;
+        if (const auto at = said.find(" returned an unexpected response ("); at != said.npos)
+            said.replace(at, 34, ": ");
+        EXPECT_THAT(said, testing::AllOf(testing::StartsWith(text), testing::Not(testing::HasSubstr("KEY"))));
+    }
+    EXPECT_THAT(web.downloads, testing::IsEmpty());
 }
 
 TEST_F(RemoteImageResolverTest, picturesAreAsWideAsTheDisplayHasPixels) {
