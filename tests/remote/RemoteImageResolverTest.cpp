@@ -11,6 +11,14 @@
 namespace quillmar {
 namespace {
 
+using namespace ::testing;
+
+NasaEpicSettings filmOf(int days) {
+    return {.presentation = NasaEpicPresentation::rotateThroughDays, .recentDays = days};
+}
+const std::string photo =
+    R"({"urls": {"full": "https://i/f"}, "user": {}, "links": {"download_location": "https://x/told"}})";
+
 struct RemoteImageResolverTest : RemoteServiceFixture {
     TemporaryFolder cache;
     InlineExecutor files;
@@ -40,7 +48,7 @@ TEST_F(RemoteImageResolverTest, aModeOfNoServiceHasNoPictureOfOne) {
 }
 
 TEST_F(RemoteImageResolverTest, aScreensaverGoesThroughAFilmOfItsOwn) {
-    const NasaEpicSettings film{.presentation = NasaEpicPresentation::rotateThroughDays};
+    const NasaEpicSettings film = filmOf(1);
     web.answers("/api/natural", {R"([{"image": "e1", "date": "2024-06-05 07:00:00"},
         {"image": "e2", "date": "2024-06-05 08:00:00"}])"});
     EXPECT_EQ(wallpaper({film})->value->image.filename(), "e1.jpg");
@@ -78,17 +86,14 @@ TEST_F(RemoteImageResolverTest, cancelledNoServiceAsksForAnythingMore) {
     web.answers("/v1/objects/", {R"({"objectID":1,"isPublicDomain":false,"primaryImage":""})"});
     web.answers("/search/collection", {R"({"orderedItems":["https://x/w1","https://x/w12"]})"});
     web.answers("example/w1", {R"({"id":"w"})"});
-    web.answers(
-        "/photos/random",
-        {R"({"urls": {"full": "https://i/f"}, "user": {}, "links": {"download_location": "https://x/told"}})"});
+    web.answers("/photos/random", {photo});
     const auto museums = [](MuseumsSource source) {
         return MuseumsSettings{.sources = {source, MuseumsSource::smithsonian}};
     };
     const std::vector<std::pair<WallpaperMode, std::string>> rows = {
         {{APODSettings{}}, "date_to=260408"},
         {{APODSettings{.switchPeriodically = true}}, "apod-basic/100101"},
-        {{NasaEpicSettings{.presentation = NasaEpicPresentation::rotateThroughDays, .recentDays = 2}},
-         "/date/2024-06-05"},
+        {{filmOf(2)}, "/date/2024-06-05"},
         {{museums(MuseumsSource::metropolitanMuseum)}, "/v1/objects/"},
         {{museums(MuseumsSource::rijksmuseum)}, "example/w1"},
         {{museums(MuseumsSource::smkDenmark)}, "/art/search/"},
@@ -102,66 +107,61 @@ TEST_F(RemoteImageResolverTest, cancelledNoServiceAsksForAnythingMore) {
             const auto outcome = ask(display, mode, scope);
             loop.advance(std::chrono::seconds(2));
             const std::size_t count = web.requests.size();
-            EXPECT_THAT(web.requests.back().url, testing::HasSubstr(part));
+            EXPECT_THAT(web.requests.back().url, HasSubstr(part));
             if (isAnswered) web.letThrough();
             scope.cancelAll();
             loop.advance(std::chrono::seconds(2));
             EXPECT_EQ(outcome->text, "cancelled") << part;
-            EXPECT_THAT(web.requests, testing::SizeIs(count)) << part;
+            EXPECT_THAT(web.requests, SizeIs(count)) << part;
             web.letThrough();
         }
     }
-    EXPECT_THAT(web.downloads, testing::IsEmpty());
+    EXPECT_THAT(web.downloads, IsEmpty());
 }
 
 TEST_F(RemoteImageResolverTest, anAnswerWithoutAPictureIsAFailureThatNamesItsServiceAndNoKey) {
-    const NasaEpicSettings film{.presentation = NasaEpicPresentation::rotateThroughDays};
+    const WallpaperMode bing{BingSettings{}}, spotlight{WindowsSpotlightSettings{}},
+        wallhaven{WallhavenSettings{}};
+    const WallpaperMode unsplash{UnsplashSettings{}}, latest{NasaEpicSettings{}}, film{filmOf(1)};
     const std::string none = " did not return an image matching the selected options.";
     const std::string links = R"("links": {"download_location": "KEY"})";
     const std::vector<std::tuple<WallpaperMode, std::string, std::string>> rows = {
-        {{BingSettings{}}, R"({"images": []})", "Bing" + none},
-        {{BingSettings{}}, R"({"images": [{"url": "no url"}]})", "Bing" + none},
-        {{BingSettings{}}, R"({"images": [{"copyright": "c"}]})", "Bing: images[0].url: missing key"},
-        {{WindowsSpotlightSettings{}}, R"({"batchrsp": {"ver": "1.0"}})", "Windows Spotlight" + none},
-        {{WindowsSpotlightSettings{}}, R"({"batchrsp": {"items": []}})", "Windows Spotlight" + none},
-        {{WindowsSpotlightSettings{}}, spotlightAnswer("", "no url"), "Windows Spotlight" + none},
-        {{WindowsSpotlightSettings{}},
-         R"({"batchrsp": {"items": [{"item": "{}"}]}})",
-         "Windows Spotlight: ad: missing key"},
-        {{WallhavenSettings{}}, R"({"data": []})", "Wallhaven" + none},
-        {{WallhavenSettings{}}, R"({"data": [{"path": "not a url"}]})", "Wallhaven" + none},
-        {{WallhavenSettings{}}, "<html>", "Wallhaven: the document is not valid JSON"},
-        {{UnsplashSettings{}},
-         R"({"urls": {"full": "no url"}, "user": {}, )" + links + "}",
-         "Unsplash" + none},
-        {{UnsplashSettings{}}, R"({"errors": ["KEY"]})", "Unsplash: urls: missing key"},
-        {{UnsplashSettings{}},
-         R"({"urls": {"full": "KEY"}, "links": ["KEY"]})",
-         "Unsplash: links: expected an object"},
-        {{NasaEpicSettings{}}, "[]", "NASA EPIC" + none},
-        {{film}, R"([{"image": "", "date": "2024-06-05 07:08:59"}])", "NASA EPIC" + none},
-        {{film}, "null", "NASA EPIC: expected an array, found null"},
+        {bing, R"({"images": []})", "Bing" + none},
+        {bing, R"({"images": [{"url": "no url"}]})", "Bing" + none},
+        {bing, R"({"images": [{"copyright": "c"}]})", "Bing: images[0].url: missing key"},
+        {spotlight, R"({"batchrsp": {"ver": "1.0"}})", "Windows Spotlight" + none},
+        {spotlight, R"({"batchrsp": {"items": []}})", "Windows Spotlight" + none},
+        {spotlight, spotlightAnswer("", "no url"), "Windows Spotlight" + none},
+        {spotlight, R"({"batchrsp": {"items": [{"item": "{}"}]}})", "Windows Spotlight: ad: missing key"},
+        {wallhaven, R"({"data": []})", "Wallhaven" + none},
+        {wallhaven, R"({"data": [{"path": "not a url"}]})", "Wallhaven" + none},
+        {wallhaven, "<html>", "Wallhaven: the document is not valid JSON"},
+        {unsplash, R"({"urls": {"full": "no url"}, "user": {}, )" + links + "}", "Unsplash" + none},
+        {unsplash, R"({"errors": ["KEY"]})", "Unsplash: urls: missing key"},
+        {unsplash, R"({"urls": {"full": "KEY"}, "links": ["KEY"]})", "Unsplash: links: expected an object"},
+        {latest, "[]", "NASA EPIC" + none},
+        {film, R"([{"image": "", "date": "2024-06-05 07:08:59"}])", "NASA EPIC" + none},
+        {film, "null", "NASA EPIC: expected an array, found null"},
     };
     for (const auto& [mode, answer, text] : rows) {
         web.answers(".example/", {answer});
         std::string said = wallpaper(mode)->text;
         if (const auto at = said.find(" returned an unexpected response ("); at != said.npos)
             said.replace(at, 34, ": ");
-        EXPECT_THAT(said, testing::AllOf(testing::StartsWith(text), testing::Not(testing::HasSubstr("KEY"))));
+        EXPECT_THAT(said, AllOf(StartsWith(text), Not(HasSubstr("KEY"))));
     }
-    EXPECT_THAT(web.downloads, testing::IsEmpty());
+    EXPECT_THAT(web.downloads, IsEmpty());
 }
 
 TEST_F(RemoteImageResolverTest, picturesAreAsWideAsTheDisplayHasPixels) {
     display.frame.width = 1280;
     display.scaleFactor = 1.5;
-    web.answers("/photos/random",
-                {R"({"urls": {"full": "https://i/f"}, "user": {}, "links": {"download_location": ""}})"});
+    web.answers("/photos/random", {photo});
     web.answers("/apod-basic",
                 {R"([{"date": "2026-05-04", "hdurl": "https://i/h", "media_type": "image"}])"});
     wallpaper({UnsplashSettings{}});
     wallpaper({APODSettings{}});
-    EXPECT_THAT(downloaded(), testing::Each(testing::EndsWith("w=1920")));
+    EXPECT_THAT(downloaded(), Each(EndsWith("w=1920")));
 }
 
 TEST_F(RemoteImageResolverTest, textsOfServicesAreShortAndHarmless) {
@@ -169,9 +169,7 @@ TEST_F(RemoteImageResolverTest, textsOfServicesAreShortAndHarmless) {
     web.answers("/HPImageArchive",
                 {R"({"images": [{"url": "/p.jpg", "title": "L\u001b[31mred\u0085\u202e", "copyright": "é)" +
                  many + R"("}]})"});
-    web.answers(
-        "/selection",
-        {R"({"batchrsp": {"items": [{"item": "{\"ad\": {\"landscapeImage\": {\"asset\": \"https://i/a\"}, \"title\": \"A\\nB\"}}"}]}})"});
+    web.answers("/selection", {spotlightAnswer(R"(, \"title\": \"A\\nB\")")});
     const auto bing = wallpaper({BingSettings{}})->value;
     EXPECT_EQ(bing->credit.title, "L [31mred");
     EXPECT_EQ(bing->sourceDescription, "é" + many.substr(0, 1022));
