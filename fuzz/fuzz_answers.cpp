@@ -6,7 +6,8 @@
 #include <string_view>
 
 #include "base/JsonError.h"
-#include "remote/services/ApodService.h"
+#include "remote/fetching/ServiceText.h"
+#include "remote/services/ApodInterface.h"
 #include "remote/services/BingService.h"
 #include "remote/services/MuseumAnswers.h"
 #include "remote/services/NasaEpicService.h"
@@ -21,10 +22,19 @@ void require(bool condition) {
     if (!condition) std::abort();
 }
 
+const Url host = *Url::parse("https://service.example");
+const ApodInterface apodNow(ApodInterface::Kind::current, {"NASA APOD", host});
+const ApodInterface apodBefore(ApodInterface::Kind::former, {"NASA APOD", host});
+
 void checkItem(const APODItem& item) {
-    for (const bool usesHD : {false, true}) {
-        const auto url = candidateImageURL(item, usesHD);
-        require(!url || (url->scheme().starts_with("http") && !url->host().empty()));
+    for (const auto* from : {&apodNow, &apodBefore}) {
+        for (const bool usesHD : {false, true}) {
+            const auto url = from->image(item, usesHD, 1920);
+            require(!url || (url->scheme().starts_with("http") && !url->host().empty()));
+        }
+    }
+    for (const auto& text : {item.title, item.credit, item.copyright}) {
+        require(boundedText(textOfHTML(text.value_or(""))).size() <= 1024);
     }
 }
 void checkArtworks(const std::vector<MuseumArtwork>& artworks) {
@@ -36,9 +46,9 @@ void checkArtworks(const std::vector<MuseumArtwork>& artworks) {
 
 [[maybe_unused]] void apod(std::string_view json) { checkItem(parseAPODItem(json)); }
 [[maybe_unused]] void apodWindow(std::string_view json) {
-    const auto items = parseAPODWindow(json);
+    const auto items = parseAPODItems(json);
     std::ranges::for_each(items, checkItem);
-    const auto newest = newestPicture(items, true);
+    const auto newest = apodNow.newestPicture(items);
     require(!newest || (newest->mediaType == "image" && newest->date >= "2010-01-01"));
 }
 [[maybe_unused]] void wallhaven(std::string_view json) { parseWallhaven(json); }
@@ -48,7 +58,6 @@ void checkArtworks(const std::vector<MuseumArtwork>& artworks) {
 [[maybe_unused]] void epicDay(std::string_view json) {
     const auto observations = NasaEpicAPI::parseDay(json);
     require(std::ranges::is_sorted(observations, {}, &NasaEpicObservation::capturedAt));
-    const Url host = *Url::parse("https://epic.example");
     for (const auto& observation : observations) {
         require(NasaEpicAPI::imageURL(host, observation, {}).path().starts_with("/archive/natural/"));
         NasaEpicAPI::caption(observation);

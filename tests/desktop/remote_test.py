@@ -24,8 +24,12 @@ FAULTS = [
     ({"where": "image", "kind": "redirect"}, None),
     ({"where": "image", "kind": "redirect-to", "text": "file:///etc/hostname"}, DOWNLOAD_FAILED),
     ({"where": "image", "kind": "redirect-to"}, DOWNLOAD_FAILED),
-    ({"where": "metadata", "kind": "redirect-to"}, "The server redirects without an end."),
-    ({"where": "metadata", "kind": "html"}, "the document is not valid JSON"),
+    ({"where": "metadata", "kind": "redirect-to"}, "Wallhaven did not answer: The server redirects without an end."),
+    ({"where": "metadata", "kind": "html"}, "Wallhaven returned an unexpected response (the document is not valid JSON"),
+    ({"where": "metadata", "kind": "announces"}, "Wallhaven did not answer: The server announces answers without an end."),
+    ({"where": "image", "kind": "announces"}, DOWNLOAD_FAILED),
+    ({"where": "image", "kind": "challenge"}, DOWNLOAD_FAILED),
+    ({"where": "image", "kind": "svg"}, DOWNLOAD_FAILED),
     ({"where": "image", "kind": "html"}, DOWNLOAD_FAILED),
     ({"where": "image", "kind": "wrong-type"}, DOWNLOAD_FAILED),
     ({"where": "image", "kind": "no-type"}, None),
@@ -114,6 +118,9 @@ class RemoteTest(ServicesTest):
         ask("/_fault", "POST", {"where": "image", "kind": "size", "text": str(MUSEUM_LIMIT + 1)})
         answer = self.set("DUMMY0", "museums", "--sources", "smkDenmark")
         self.assertIn(IMAGE_TOO_LARGE.format(20), answer.stderr)
+        for entry in requests_for("/"):
+            self.assertRegex(entry["headers"]["User-Agent"], r"Quillmar/\S+ \(https://\S+\)$")
+            self.assertIn("Accept", entry["headers"])
         self.quit(program)
 
     def test_a_slow_service_neither_holds_up_the_end_nor_leaves_a_file(self):
@@ -167,7 +174,6 @@ class RemoteTest(ServicesTest):
         run(PROGRAM, "general", "set", "--showRemoteErrorNotifications", env=self.environment, check=True)
         said = []
         for kind in (
-            ("apod", "--apiKeyFile"),
             ("wallhaven", "--apiKeyFile"),
             ("unsplash", "--accessKeyFile"),
             ("museums", "--sources", "smithsonian", "--smithsonianAPIKeyFile"),
@@ -178,6 +184,8 @@ class RemoteTest(ServicesTest):
                 answer = self.set("DUMMY0", *kind, str(self.key))
                 said += [answer.stdout, answer.stderr]
                 ask("/_fault", "DELETE")
+        self.set_well("DUMMY0", "apod", "--apiKeyFile", str(self.key))
+        self.assertEqual([entry for entry in requests_for("apod") if KEY in json.dumps(entry)], [])
         missing = self.set("DUMMY0", "apod", "--apiKeyFile", str(self.home / "none"))
         self.assertIn("none cannot be read: No such file or directory.", missing.stderr)
         self.assertTrue(requests_for(KEY))

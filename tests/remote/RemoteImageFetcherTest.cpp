@@ -18,8 +18,7 @@ namespace quillmar {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::IsEmpty;
-using ::testing::SizeIs;
+using namespace ::testing;
 
 constexpr std::int64_t limit = 1048576;
 
@@ -32,7 +31,8 @@ struct RemoteImageFetcherTest : ::testing::Test {
     FakeHTTPSession web{loop};
     FakePictureRendering pictures;
     HeldExecutor files;
-    RemoteImageFetcher fetcher{web, files, pictures, clock, {.cache = cache, .temporary = temporary}};
+    RemoteImageFetcher fetcher{
+        web, files, pictures, clock, {.cache = cache, .temporary = temporary, .userAgent = "Quillmar/1"}};
     RemoteService service{"Bing", *Url::parse("https://www.bing.example")};
     TaskScope tasks{loop};
 
@@ -40,15 +40,10 @@ struct RemoteImageFetcherTest : ::testing::Test {
         files.runsAtOnce = true;
         fs::create_directories(temporary);
     }
-    static std::string textOf(const TaskOutcome<std::string>& outcome) {
-        return outcome.value.value_or(outcome.text);
-    }
-    static std::string textOf(const TaskOutcome<fs::path>& outcome) {
-        return outcome.value ? outcome.value->filename().string() : outcome.text;
-    }
     template <class T>
     std::string run(Task<T> work) {
-        return textOf(*outcomeOf(loop, tasks, std::move(work)));
+        const auto outcome = outcomeOf(loop, tasks, std::move(work));
+        return outcome->value ? fs::path(*outcome->value).filename().string() : outcome->text;
     }
     std::string downloaded(const std::string& url) {
         return run(fetcher.downloadImage(service, *Url::parse(url), limit));
@@ -79,92 +74,68 @@ TEST_F(RemoteImageFetcherTest, aPictureIsKeptUnderTheNameOfItsAddress) {
         {"https://h/a.thisisnokindofpicture", ".jpg"},
     };
     for (const auto& [url, name] : rows) {
-        EXPECT_THAT(remoteImageFileName(*Url::parse(url)), ::testing::EndsWith(name)) << url;
+        EXPECT_THAT(remoteImageFileName(*Url::parse(url)), EndsWith(name)) << url;
     }
 }
 
 TEST_F(RemoteImageFetcherTest, aPictureIsAskedForOnceAndStampedAtEveryUse) {
     web.serves("/a.png", {.body = std::string(200000, 'p'), .mimeType = "image/png"});
-    const std::string name = downloaded("https://h/a.png");
-    EXPECT_EQ(name, remoteImageFileName(*Url::parse("https://h/a.png")));
+    const std::string name = downloaded("https://h.example/a.png");
+    EXPECT_EQ(name, remoteImageFileName(*Url::parse("https://h.example/a.png")));
     EXPECT_EQ(fs::file_size(cache / name), 200000u);
     struct stat info{};
     ASSERT_EQ(::stat((cache / name).c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0600u);
     loop.advance(std::chrono::hours(5));
-    EXPECT_EQ(downloaded("https://h/a.png"), name);
+    EXPECT_EQ(downloaded("https://h.example/a.png"), name);
     EXPECT_THAT(web.requests, SizeIs(1));
     if (lastUsedStamp(cache / name)) EXPECT_EQ(lastUsedStamp(cache / name), clock.now());
 
-    std::ofstream(cache / name) << "no picture";
-    EXPECT_EQ(downloaded("https://h/a.png"), name) << "a damaged one is fetched again";
-    EXPECT_EQ(fs::file_size(cache / name), 200000u);
+    for (const char* bad : {"no picture", "<svg/>"}) {
+        std::ofstream(cache / name) << bad;
+        EXPECT_EQ(downloaded("https://h.example/a.png"), name) << "a damaged one is fetched again";
+        EXPECT_EQ(fs::file_size(cache / name), 200000u);
+    }
     EXPECT_THAT(leftFiles(), SizeIs(1));
     EXPECT_EQ(web.openBodies, 0);
 }
 
 TEST_F(RemoteImageFetcherTest, whatIsNoPictureWithinTheBoundsLeavesNothingBehind) {
     const auto limitBytes = static_cast<std::size_t>(limit);
-    struct Row {
-        FakeAnswer answer;
-        std::string outcome;
-    };
-    const std::vector<Row> rows = {
+    const std::vector<std::pair<FakeAnswer, std::string>> rows = {
         {{.status = 404}, refusal},
         {{.body = "<html>", .mimeType = "text/html"}, refusal},
         {{.body = "no picture", .mimeType = "image/jpeg"}, refusal},
         {{.body = ""}, refusal},
+        {{.status = 300, .body = "p"}, refusal},
+        {{.body = "<svg/>", .mimeType = "image/svg+xml"}, refusal},
+        {{.body = "\xef\xbb\xbf\r\n <!-- -->"}, refusal},
+        {{.body = std::string("\xff\xfe \0<\0s\0", 8)}, refusal},
+        {{.body = std::string("\0<\0s", 4)}, refusal},
+        {{.body = "\x1f\x8b packed"}, refusal},
         {{.body = std::string(70000, 'p'), .breaksOffAt = 66000}, refusal},
         {{.body = "p", .announcedLength = limit + 1}, tooLarge},
         {{.body = std::string(limitBytes + 1, 'p'), .hasLength = false}, tooLarge},
         {{.status = 302, .headers = {{"location", "file:///etc/hostname"}}}, refusal},
-        {{.status = 301, .headers = {{"location", "https://h/again"}}}, refusal},
+        {{.status = 301, .headers = {{"location", "https://h.example/again"}}}, refusal},
     };
-    for (const Row& row : rows) {
-        web.serves("https://h/", row.answer);
-        EXPECT_EQ(downloaded("https://h/x.jpg"), row.outcome)
-            << row.answer.status << row.answer.body.substr(0, 20);
+    for (const auto& [answer, outcome] : rows) {
+        web.serves("https://h.example/", answer);
+        EXPECT_EQ(downloaded("https://h.example/x.jpg"), outcome)
+            << answer.status << answer.body.substr(0, 20);
         EXPECT_THAT(leftFiles(), IsEmpty());
         EXPECT_EQ(web.openBodies, 0);
     }
-    web.refuses("nobody");
-    EXPECT_EQ(downloaded("https://nobody/x.jpg"), refusal);
-    web.serves("https://h/", {.body = std::string(limitBytes, 'p')});
-    EXPECT_EQ(downloaded("https://h/x.jpg"), remoteImageFileName(*Url::parse("https://h/x.jpg")))
-        << "exactly the limit, and without a type";
-}
-
-TEST_F(RemoteImageFetcherTest, aDiskThatRefusesIsADownloadThatFailed) {
-    web.serves("/a.png", {.body = "p"});
-    fs::remove(temporary);
-    EXPECT_EQ(downloaded("https://h/a.png"), refusal);
-    EXPECT_THAT(leftFiles(), IsEmpty());
+    web.refuses("nobody.example");
+    EXPECT_EQ(downloaded("https://nobody.example/x.jpg"), refusal);
+    web.serves("https://h.example/", {.status = 299, .body = std::string("\0\0\0<ftypavif", 12)});
+    EXPECT_THAT(downloaded("https://h.example/x.avif"), EndsWith(".avif"));
+    web.serves("https://h.example/", {.body = std::string(limitBytes, 'p')});
+    EXPECT_THAT(downloaded("https://h.example/x.jpg"), EndsWith(".jpg"))
+        << "exactly the limit, without a type";
+    fs::remove_all(temporary);
+    EXPECT_EQ(downloaded("https://h.example/new.jpg"), refusal) << "a disk that refuses";
     EXPECT_EQ(web.openBodies, 0);
-}
-
-TEST_F(RemoteImageFetcherTest, aServerThatFallsSilentIsGivenUpAfterHalfAMinute) {
-    web.serves("/a.png", {.body = std::string(100000, 'p'), .fallsSilentAt = 70000});
-    const auto outcome =
-        outcomeOf(loop, tasks, fetcher.downloadImage(service, *Url::parse("https://h/a.png"), limit));
-    loop.advance(std::chrono::seconds(29));
-    EXPECT_EQ(outcome->text, "waiting");
-    EXPECT_THAT(leftFiles(), SizeIs(1));
-    loop.advance(std::chrono::seconds(1));
-    EXPECT_EQ(outcome->text, refusal);
-    EXPECT_THAT(leftFiles(), IsEmpty());
-}
-
-TEST_F(RemoteImageFetcherTest, twoWhoAskAtOnceGetOneFile) {
-    web.serves("/a.png", {.body = std::string(100000, 'p')});
-    web.hold();
-    const Url url = *Url::parse("https://h/a.png");
-    const auto first = outcomeOf(loop, tasks, fetcher.downloadImage(service, url, limit));
-    const auto second = outcomeOf(loop, tasks, fetcher.downloadImage(service, url, limit));
-    web.letThrough();
-    loop.settle();
-    EXPECT_EQ(textOf(*first), remoteImageFileName(url));
-    EXPECT_EQ(textOf(*second), textOf(*first));
-    EXPECT_THAT(leftFiles(), SizeIs(1));
 }
 
 TEST_F(RemoteImageFetcherTest, cancelledOrAbandonedAtAnyStepItLeavesNothingHalfDone) {
@@ -174,7 +145,7 @@ TEST_F(RemoteImageFetcherTest, cancelledOrAbandonedAtAnyStepItLeavesNothingHalfD
         for (int step = 0; step < 5; ++step) {
             auto owner = std::make_unique<TaskScope>(loop);
             const auto outcome = outcomeOf(
-                loop, *owner, fetcher.downloadImage(service, *Url::parse("https://h/a.png"), limit));
+                loop, *owner, fetcher.downloadImage(service, *Url::parse("https://h.example/a.png"), limit));
             for (int i = 0; i < step; ++i) {
                 files.releaseOne();
                 loop.settle();
@@ -201,68 +172,79 @@ TEST_F(RemoteImageFetcherTest, whatAKilledProcessHasLeftIsClearedAwayAndNothingE
     }
     tasks.spawn(fetcher.removeLeftovers());
     loop.settle();
-    EXPECT_THAT(leftFiles(), testing::UnorderedElementsAre("Other-1.download", "remote-1.download"));
+    EXPECT_THAT(leftFiles(), UnorderedElementsAre("Other-1.download", "remote-1.download"));
 }
 
 TEST_F(RemoteImageFetcherTest, metadataIsReadWholeAndBelowItsLimit) {
     const auto limitBytes = static_cast<std::size_t>(RemoteImageFetching::maximumMetadataBytes);
-    struct Row {
-        FakeAnswer answer;
-        std::string outcome;
-    };
     const std::string much = "Bing returned more metadata than Quillmar can safely process.";
-    const std::vector<Row> rows = {
+    const std::vector<std::pair<FakeAnswer, std::string>> rows = {
         {{.body = "{}"}, "{}"},
         {{.status = 503, .body = "{}"}, "Bing returned HTTP 503."},
-        {{.status = 204}, ""},
         {{.body = std::string(limitBytes - 1, ' ')}, std::string(limitBytes - 1, ' ')},
         {{.body = std::string(limitBytes, ' ')}, much},
         {{.body = std::string(limitBytes + 1, ' '), .hasLength = false}, much},
         {{.body = "", .announcedLength = RemoteImageFetching::maximumMetadataBytes + 1}, much},
-        {{.body = "{}", .breaksOffAt = 1}, "Connection terminated"},
+        {{.body = "{}", .breaksOffAt = 1}, "Bing did not answer: Connection terminated"},
+        {{.status = 299, .body = "{}"}, "{}"},
+        {{.status = 199}, "Bing returned HTTP 199."},
+        {{.status = 300, .headers = {{"location", "/there"}}}, "Bing returned HTTP 300."},
+        {{.status = 304, .headers = {{"location", "/there"}}}, "Bing returned HTTP 304."},
         {{.status = 301, .headers = {{"location", "/there"}}}, "here"},
+        {{.status = 303, .headers = {{"location", "/there"}}}, "here"},
     };
     web.pieceBytes = limitBytes;
-    for (const Row& row : rows) {
-        web.serves("https://h/", row.answer);
-        web.serves("https://h/there", {.body = "here"});
-        EXPECT_TRUE(fetched("https://h/list") == row.outcome) << row.answer.status;
+    for (const auto& [answer, outcome] : rows) {
+        web.serves("https://h.example/", answer);
+        web.serves("https://h.example/there", {.body = "here"});
+        EXPECT_TRUE(fetched("https://h.example/list") == outcome) << answer.status;
         EXPECT_EQ(web.openBodies, 0);
     }
 }
 
-TEST_F(RemoteImageFetcherTest, theWayNeverLeadsFromAPublicServiceIntoThisMachine) {
-    web.serves("https://www.bing.example/", {.status = 302, .headers = {{"location", "http://127.0.0.1/"}}});
-    web.serves("http://127.0.0.1/", {.body = "secret"});
-    const auto reaches = [&] {
-        std::vector<HTTPReach> all;
-        for (const HTTPRequest& request : web.requests) all.push_back(request.reach);
-        web.requests.clear();
-        return all;
-    };
-    using enum HTTPReach;
-    run(fetcher.fetchMetadata(service, *Url::parse("https://www.bing.example/list"),
-                              {{"Authorization", "key"}}));
-    ASSERT_THAT(web.requests, SizeIs(2));
-    EXPECT_THAT(web.requests[1].headers, IsEmpty()) << "a key is for its service alone";
-    EXPECT_EQ(reaches(), (std::vector{anywhere, publicNetworks}));
-    downloaded("https://www.bing.example/a.jpg");
-    EXPECT_EQ(reaches(), (std::vector{publicNetworks, publicNetworks}));
-    service.host = *Url::parse("http://localhost:8080");
-    downloaded("https://www.bing.example/b.jpg");
-    EXPECT_EQ(reaches(), (std::vector{anywhere, anywhere}));
+TEST_F(RemoteImageFetcherTest, everyRequestSaysWhoAsksForWhatAndHowLongItWaits) {
+    const Url url = *Url::parse("https://www.bing.example/list");
+    run(fetcher.fetchMetadata(service, url, {{"User-Agent", "Mozilla/5.0"}}));
+    web.serves("/list", {.status = 302, .headers = {{"location", "https://cdn.example/there"}}});
+    run(fetcher.fetchMetadata(service, url, {{"Authorization", "key"}}));
+    downloaded("https://www.bing.example/list");
+    ASSERT_THAT(web.requests, SizeIs(5));
+    for (std::size_t i = 0; i < 5; ++i) {
+        const HTTPRequest& request = web.requests[i];
+        const bool isImage = i > 2;
+        EXPECT_THAT(request.headers, Contains(Pair("Accept", isImage ? StartsWith("image/")
+                                                                     : StartsWith("application/json"))));
+        EXPECT_EQ(request.headers.at("User-Agent"), i == 0 ? "Mozilla/5.0 Quillmar/1" : "Quillmar/1");
+        EXPECT_EQ(request.headers.contains("Authorization"), i == 1) << "a key is for its service alone";
+        EXPECT_EQ(request.requestTimeout, std::chrono::seconds(isImage ? 30 : 60));
+        EXPECT_EQ(request.resourceTimeout, std::chrono::seconds(120));
+    }
 }
 
-TEST(RemoteServiceTest, aServiceIsLocalWhenItsHostIs) {
-    for (const char* host : {"127.0.0.1", "10.1.2.3", "172.20.0.1", "192.168.1.2", "localhost", "a.localhost",
-                             "nas.local", "nas", "[::1]", "[fd00::1]", "[fe80::1]"}) {
-        EXPECT_TRUE((RemoteService{"", *Url::parse("http://" + std::string(host) + ":80")}.isLocal()))
-            << host;
+TEST_F(RemoteImageFetcherTest, tenRedirectsAreFollowedAndNoMore) {
+    for (int hop = 0; hop <= 10; ++hop) {
+        web.serves("/hop" + std::to_string(hop),
+                   {.status = 302, .headers = {{"location", "/hop" + std::to_string(hop + 1)}}});
     }
-    for (const char* host :
-         {"api.nasa.gov", "8.8.8.8", "172.32.0.1", "localhost.example", "[2606:4700::1]"}) {
-        EXPECT_FALSE((RemoteService{"", *Url::parse("https://" + std::string(host))}.isLocal())) << host;
-    }
+    web.serves("/hop11", {.body = "here"});
+    EXPECT_EQ(fetched("https://h.example/hop1"), "here");
+    EXPECT_EQ(fetched("https://h.example/hop0"), "Bing did not answer: The server redirects without an end.");
+}
+
+TEST_F(RemoteImageFetcherTest, theWayNeverLeadsFromAPublicServiceIntoThisMachine) {
+    web.serves("https://www.bing.example/", {.status = 302, .headers = {{"location", "http://127.0.0.1/"}}});
+    const std::string forbidden = "Bing leads to 127.0.0.1, which is no address of the Internet.";
+    EXPECT_EQ(fetched("https://www.bing.example/list"), forbidden);
+    EXPECT_EQ(downloaded("https://www.bing.example/a.jpg"), forbidden);
+    web.serves("https://www.bing.example/",
+               {.status = 302, .headers = {{"location", "http://cdn.example/"}}});
+    fetched("https://www.bing.example/list");
+    service.host = *Url::parse("http://localhost:8080");
+    downloaded("http://127.0.0.1/b.jpg");
+    std::vector<HTTPReach> reaches;
+    for (const HTTPRequest& request : web.requests) reaches.push_back(request.reach);
+    using enum HTTPReach;
+    EXPECT_THAT(reaches, ElementsAre(anywhere, publicNetworks, anywhere, publicNetworks, anywhere));
 }
 
 }  // namespace

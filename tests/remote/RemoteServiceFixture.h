@@ -11,6 +11,13 @@
 
 namespace quillmar {
 
+/// An answer of Windows Spotlight, with the texts in the ad's own document.
+inline std::string spotlightAnswer(const std::string& texts, const std::string& asset = "https://i/new.jpg") {
+    const std::string ad =
+        R"({\"ad\": {\"landscapeImage\": {\"asset\": \")" + asset + R"(\"})" + texts + "}}";
+    return R"({"batchrsp": {"items": [{"item": ")" + ad + R"("}]}})";
+}
+
 /// A service under test: services that answer from memory, virtual time that begins at 9 o'clock UTC on
 /// 2026-05-04, and chosen chance.
 struct RemoteServiceFixture : ::testing::Test {
@@ -37,36 +44,14 @@ struct RemoteServiceFixture : ::testing::Test {
             outcome->failure = error.what();
         }
     }
-    Outcome resolved(Task<RemotePicture> work) {
+    Outcome resolved(Task<RemotePicture> work, Duration within = {}) {
         TaskScope tasks(loop);
         Outcome outcome;
         tasks.spawn(keep(std::move(work), &outcome));
-        loop.settle();
+        loop.advance(within);
         return outcome;
     }
     std::string failure(Task<RemotePicture> work) { return resolved(std::move(work)).failure; }
-    /// Tries answers of the service, each with a part of the failure that it leads to.
-    void expectFailures(const Table& rows, const std::function<Task<RemotePicture>()>& work) {
-        for (const auto& [answer, text] : rows) {
-            web.answers(".example/", {answer});
-            EXPECT_THAT(failure(work()), ::testing::HasSubstr(text)) << answer;
-        }
-        EXPECT_THAT(web.downloads, ::testing::IsEmpty());
-    }
-    /// How work ends that is cancelled while its request for a URL with `part` waits, or, when that one
-    /// `isAnswered`, before the work could go on.
-    std::string cancelledAt(std::string part, bool isAnswered, Task<RemotePicture> work) {
-        TaskScope tasks(loop);
-        Outcome outcome;
-        web.hold(std::move(part));
-        tasks.spawn(keep(std::move(work), &outcome));
-        loop.settle();
-        if (isAnswered) web.letThrough();
-        tasks.cancelAll();
-        loop.settle();
-        web.letThrough();
-        return outcome.failure;
-    }
     /// Paths and queries of the metadata that was asked for since the last call.
     std::vector<std::string> asked() {
         std::vector<std::string> texts;

@@ -23,7 +23,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 def bundle_keys(address):
     built = ROOT / "build" / "Info.json"
     keys = json.loads((built if built.exists() else ROOT / "resources" / "Info.json").read_text())
-    return {key: address if key.endswith("Host") else value for key, value in keys.items()}
+    return {key: address if key.endswith("Host") and value else value for key, value in keys.items()}
 
 
 def main():

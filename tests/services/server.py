@@ -3,7 +3,7 @@
 POST /_fault {"where": "image" or "metadata", "kind": ..., "text": ...} throws the switch for all of them, DELETE /_fault
 puts it back. The kinds: a status ("404"), "redirect" (elsewhere, where the true answer is), "redirect-to" (the text),
 "body" (the text as the whole answer), "html", "wrong-type", "no-type", "no-length", "long-length", "cut", "endless",
-"drip", "size" (an answer padded to so many bytes), "size-unannounced", "corrupt". GET /_log tells the requests since
+"drip", "announces" (1xx without an end), "challenge", "svg", "size" (an answer padded to so many bytes), "size-unannounced", "corrupt". GET /_log tells the requests since
 DELETE /_log, in order.
 """
 
@@ -94,6 +94,13 @@ class Handler(http.server.BaseHTTPRequestHandler):
             self.send(status, body, mime, length=False)
             while True:
                 self.wfile.write(b" " * 65536)
+        elif kind == "announces":
+            while True:
+                self.wfile.write(b"HTTP/1.1 103 Early Hints\r\nLink: x\r\n\r\n" * 1000)
+        elif kind == "challenge":
+            self.send(403, b"<!doctype html>Just a moment...", "text/html", headers=[("cf-mitigated", "challenge")])
+        elif kind == "svg":
+            self.send(200, b'<svg xmlns="http://www.w3.org/2000/svg" width="9" height="9"/>', "image/svg+xml")
         elif kind == "drip":
             self.send(status, b"", mime, length=len(body))
             for byte in body:

@@ -21,7 +21,7 @@ bool isForEveryServer(const std::string& header) { return header == "User-Agent"
 /// A proxy would be asked for it, and may stand on this very machine: no connection is tried.
 void throwIfForbidden(const HTTPRequest& request) {
     const std::string host = request.url.host();
-    if (request.reach != HTTPReach::publicNetworks || mayBePublicHost(host)) return;
+    if (request.reach != HTTPReach::publicNetworks || host.empty() || mayBePublicHost(host)) return;
     throw ForbiddenAddressError(host);
 }
 
