@@ -8,6 +8,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <initializer_list>
 #include <memory>
@@ -27,8 +28,11 @@ constexpr rlim_t maximumDescriptors = 64;
 void succeed(int result, const char* what) {
     if (result < 0) throw std::system_error(errno, std::generic_category(), what);
 }
+/// Where less is allowed already, it stays so.
 void bound(__rlimit_resource resource, rlim_t limit) {
-    const rlimit both{limit, limit};
+    rlimit both{};
+    succeed(::getrlimit(resource, &both), "getrlimit");
+    both.rlim_cur = both.rlim_max = std::min(limit, both.rlim_max);
     succeed(::setrlimit(resource, &both), "setrlimit");
 }
 
