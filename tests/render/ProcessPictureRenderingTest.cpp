@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 
 #include "PictureFixture.h"
+#include "fakes/FakeExecutors.h"
 
 namespace quillmar {
 namespace {
@@ -109,6 +110,16 @@ TEST_F(ProcessPictureRenderingTest, aRequestThatIsCancelledOrDroppedEndsItsReade
     EXPECT_TRUE(dropped.isFinished());
     EXPECT_TRUE(awaited(oneAtATime.isPicture(picture)));
     expectNoReaderIsLeft();
+}
+
+TEST_F(ProcessPictureRenderingTest, aDiskThatDoesNotAnswerIsGivenUpToo) {
+    HeldExecutor disk;
+    ProcessPictureRendering waiting(disk, ProcessPictureRendering::installedProgram(),
+                                    {.time = 20ms, .requests = 1});
+    EXPECT_EQ(failureOf(waiting.isPicture(picture)), Case::tookTooLong);
+    disk.releaseAll();
+    disk.runsAtOnce = true;
+    EXPECT_NE(failureOf(rendered(waiting, folder.path() / "missing")), Case::tookTooLong);
 }
 
 #if !__has_feature(address_sanitizer)
