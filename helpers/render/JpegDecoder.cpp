@@ -17,7 +17,7 @@ namespace quillmar {
 namespace {
 
 /// A picture that comes in passes is held whole as coefficients.
-constexpr long maximumCoefficientBytes = 512L << 20;
+constexpr long maximumCoefficientBytes = 1280L << 20;
 /// Encoders write about ten; each pass over a large picture costs a good part of a second.
 constexpr int maximumScans = 64;
 /// Columns and rows that are decoded around a region: smoothing looks at the neighbours.

@@ -9,11 +9,7 @@
 #include <cstring>
 #include <limits>
 
-#if defined(__x86_64__) && !defined(QUILLMAR_ONE_TARGET)
-#define QUILLMAR_EVERY_TARGET __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
-#else
-#define QUILLMAR_EVERY_TARGET
-#endif
+#include "base/EveryTarget.h"
 
 namespace quillmar {
 namespace {

@@ -6,6 +6,7 @@
 
 #include "base/Bytes.h"
 #include "base/HexColor.h"
+#include "linux/render/protocol/RenderProtocol.h"
 #include "platform/PictureRendering.h"
 
 namespace quillmar {
@@ -24,9 +25,6 @@ private:
 
 /// Bytes of a pixel in all rows: blue, green, red and one that is not used, as in a `PixelBuffer`.
 constexpr std::size_t pixelBytes = PixelBuffer::pixelBytes;
-/// No decoding begins for more pixels, nor for a longer side, whatever the file claims.
-constexpr std::int64_t maximumPixels = 200'000'000;
-constexpr int maximumPictureSide = 131'072;
 
 /// Rows of one picture from the top, each of the same width.
 class RowSource {
@@ -77,7 +75,8 @@ public:
 /// Throws `PictureDecodingError` for a size that must not be decoded.
 inline void checkPictureSize(std::int64_t width, std::int64_t height) {
     if (width < 1 || height < 1) throw PictureDecodingError("The picture has no pixels.");
-    if (width > maximumPictureSide || height > maximumPictureSide || width * height > maximumPixels) {
+    constexpr int longest = render::maximumPictureSide;
+    if (width > longest || height > longest || width * height > render::maximumPixels) {
         throw PictureDecodingError("The picture is too large to be decoded.",
                                    PictureDecodingError::Reason::tooLarge);
     }

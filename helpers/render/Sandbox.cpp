@@ -8,6 +8,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <initializer_list>
 #include <memory>
@@ -23,12 +24,17 @@ constexpr rlim_t maximumMemory = rlim_t{2} << 30;
 /// Of all processors together. Whoever waits gives up sooner; this is for when nobody does.
 constexpr rlim_t maximumSeconds = 120;
 constexpr rlim_t maximumDescriptors = 64;
+/// Sanitizers reserve terabytes, and try by way of a pipe what memory can be read.
+constexpr bool isSanitized = __has_feature(address_sanitizer);
 
 void succeed(int result, const char* what) {
     if (result < 0) throw std::system_error(errno, std::generic_category(), what);
 }
+/// Where less is allowed already, it stays so.
 void bound(__rlimit_resource resource, rlim_t limit) {
-    const rlimit both{limit, limit};
+    rlimit both{};
+    succeed(::getrlimit(resource, &both), "getrlimit");
+    both.rlim_cur = both.rlim_max = std::min(limit, both.rlim_max);
     succeed(::setrlimit(resource, &both), "setrlimit");
 }
 
@@ -119,9 +125,7 @@ void setBounds() {
     bound(RLIMIT_FSIZE, 0);
     bound(RLIMIT_NOFILE, maximumDescriptors);
     bound(RLIMIT_CPU, maximumSeconds);
-#if !__has_feature(address_sanitizer)  // which reserves terabytes
-    bound(RLIMIT_AS, maximumMemory);
-#endif
+    if constexpr (!isSanitized) bound(RLIMIT_AS, maximumMemory);
 }
 
 void lockIn(Files files) {
@@ -132,6 +136,7 @@ void lockIn(Files files) {
     allowComputing(filter);
     allowDescriptors(filter);
     if (mayRead) allowReadingFiles(filter);
+    if constexpr (isSanitized) allow(filter, {SCMP_SYS(pipe), SCMP_SYS(pipe2)});
     if (const int error = seccomp_load(filter.get()); error != 0)
         throw std::system_error(-error, std::generic_category(), "seccomp");
 }

@@ -40,9 +40,9 @@ TEST_F(PictureDecodingTest, everyOrientationComesOutUpright) {
                 samples::jpeg(quadrants(48, 32), {.orientation = orientation, .isBigEndian = isBigEndian});
             EXPECT_EQ(corners(stretched(file, 20, 20)), expected);
             EXPECT_EQ(seenSize, orientation < 5 ? (PixelSize{48, 32}) : (PixelSize{32, 48}));
+            if (isBigEndian) continue;
             // The same through the other decoder, which inks ask for.
-            const Bytes inks = samples::jpeg(
-                quadrants(48, 32), {.orientation = orientation, .isBigEndian = isBigEndian, .isCmyk = true});
+            const Bytes inks = samples::jpeg(quadrants(48, 32), {.orientation = orientation, .isCmyk = true});
             const Rgb small = stretched(inks, 20, 20);
             EXPECT_EQ(seenSize.width, orientation < 5 ? 48 : 32);
             const auto yellow = expected.find('Y');
@@ -82,6 +82,9 @@ TEST_F(PictureDecodingTest, vectorsAreDrawnAsLargeAsTheyAreShown) {
     EXPECT_EQ(seenSize, (PixelSize{4, 2}));
     EXPECT_EQ(picture.at(198, 100), (RgbColor{255, 0, 0}));
     EXPECT_EQ(picture.at(202, 100), background) << "a sharp edge, and what is transparent shows the canvas";
+    const Bytes written = text(
+        R"(<svg xmlns="http://www.w3.org/2000/svg" width="40" height="20"><text y="18" font-size="20">MM</text></svg>)");
+    EXPECT_GT(std::ranges::count(stretched(written, 40, 20).bytes, 0), 200) << "its fonts can be read";
 }
 
 /// A bitmap of 40 head bytes, a palette and rows whose length is a multiple of four.

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 
 #include "PictureFixture.h"
+#include "fakes/FakeExecutors.h"
 
 namespace quillmar {
 namespace {
@@ -31,9 +32,9 @@ constexpr const char* stops = "kill -STOP $$;";
 struct ProcessPictureRenderingTest : PictureFixture {
     std::filesystem::path picture = save(samples::png(samples::patterned(8, 8)));
 
-    /// A stand-in for the reader.
+    /// A stand-in for the reader, or something around it.
     std::filesystem::path reader(const std::string& script) {
-        const std::string text = "#!/bin/sh\n" + (hears + script) + "\n";
+        const std::string text = "#!/bin/sh\n" + script + "\n";
         const auto file = save(Bytes(text.begin(), text.end()), "reader");
         ::chmod(file.c_str(), 0700);
         return file;
@@ -71,7 +72,8 @@ TEST_F(ProcessPictureRenderingTest, aReaderThatFailsIsNoMoreThanAnError) {
     for (const auto& [script, expected] : readers) {
         SCOPED_TRACE(script);
         const bool isSlow = expected == Case::tookTooLong;
-        ProcessPictureRendering failing(pool, reader(script), {.time = isSlow ? Duration(200ms) : 60s});
+        ProcessPictureRendering failing(pool, reader(hears + script),
+                                        {.time = isSlow ? Duration(200ms) : 60s});
         EXPECT_EQ(failureOf(rendered(failing, picture)), expected);
         expectNoReaderIsLeft();
     }
@@ -84,7 +86,7 @@ TEST_F(ProcessPictureRenderingTest, aRequestThatIsCancelledOrDroppedEndsItsReade
     const auto started = folder.path() / "started";
     const std::string script =
         "[ -e " + started.string() + " ] || { touch " + started.string() + "; " + stops + " }; " + done;
-    ProcessPictureRendering oneAtATime(pool, reader(script), {.time = 60s, .requests = 1});
+    ProcessPictureRendering oneAtATime(pool, reader(hears + script), {.time = 60s, .requests = 1});
     TaskScope tasks(loop);
     auto first = std::make_unique<TaskScope>(loop);
     const auto stuck = first->start(oneAtATime.isPicture(picture));
@@ -110,11 +112,37 @@ TEST_F(ProcessPictureRenderingTest, aRequestThatIsCancelledOrDroppedEndsItsReade
     expectNoReaderIsLeft();
 }
 
+TEST_F(ProcessPictureRenderingTest, aDiskThatDoesNotAnswerIsGivenUpToo) {
+    HeldExecutor disk;
+    ProcessPictureRendering waiting(disk, ProcessPictureRendering::installedProgram(),
+                                    {.time = 20ms, .requests = 1});
+    EXPECT_EQ(failureOf(waiting.isPicture(picture)), Case::tookTooLong);
+    disk.releaseAll();
+    disk.runsAtOnce = true;
+    EXPECT_NE(failureOf(rendered(waiting, folder.path() / "missing")), Case::tookTooLong);
+}
+
+#if !__has_feature(address_sanitizer)
+TEST_F(ProcessPictureRenderingTest, aPictureForWhichThereIsNoMemorySaysSo) {
+    // Turned on its side, it is held whole before it is on its canvas.
+    const auto file = save(samples::jpeg(samples::patterned(8, 8), {.orientation = 6}));
+    const std::string exec = "exec " + ProcessPictureRendering::installedProgram().string();
+    ProcessPictureRendering bounded(pool, reader("ulimit -v 260000;" + exec));
+    const auto on = [&](int side) {
+        return bounded.render(file, [side](PixelSize) {
+            return PictureComposition{{side, side}, {}, {0, 0, side, side}, false, {}};
+        });
+    };
+    EXPECT_EQ(failureOf(on(6000)), Case::tooLarge);
+    EXPECT_EQ(failureOf(on(100)), std::nullopt);
+}
+#endif
+
 TEST_F(ProcessPictureRenderingTest, aReaderThatHangsHoldsUpNoOtherPicture) {
     const auto started = folder.path() / "started";
     ProcessPictureRendering two(pool,
-                                reader("[ -e " + started.string() + " ] || { touch " + started.string() +
-                                       "; " + stops + " }; " + done),
+                                reader(hears + std::string("[ -e ") + started.string() + " ] || { touch " +
+                                       started.string() + "; " + stops + " }; " + done),
                                 {.time = 60s, .requests = 2});
     TaskScope tasks(loop);
     const auto stuck = tasks.start(two.isPicture(picture));

@@ -32,10 +32,10 @@ FileDescriptor opened(const fs::path& path) {
     return file;
 }
 
-/// No picture has more pixels for the process that reads it.
 bool isCredible(PixelSize size) {
-    constexpr int longest = 1 << 20;
-    return size.width >= 1 && size.height >= 1 && size.width <= longest && size.height <= longest;
+    constexpr int longest = render::maximumPictureSide;
+    return size.width >= 1 && size.height >= 1 && size.width <= longest && size.height <= longest &&
+           std::int64_t{size.width} * size.height <= render::maximumPixels;
 }
 
 /// Waits for an answer of a certain kind. Throws what any other means, for the file at `path`.

@@ -29,9 +29,8 @@ void succeed(int error, const char* what) {
 /// Of the environment only what says where fonts are, and what sanitizers listen to: the rest, secrets among
 /// it, is no business of a process that reads foreign files.
 std::vector<char*> passedEnvironment() {
-    constexpr std::array names{
-        "HOME=",         "XDG_DATA_HOME=", "XDG_CONFIG_HOME=", "XDG_CACHE_HOME=", "FONTCONFIG_PATH=",
-        "ASAN_OPTIONS=", "UBSAN_OPTIONS=", "LSAN_OPTIONS="};
+    constexpr std::array names{"HOME=",         "XDG_DATA_HOME=", "XDG_CONFIG_HOME=", "XDG_CACHE_HOME=",
+                               "ASAN_OPTIONS=", "UBSAN_OPTIONS=", "LSAN_OPTIONS="};
     std::vector<char*> passed;
     for (char** variable = environ; *variable; ++variable) {
         const std::string_view text(*variable);

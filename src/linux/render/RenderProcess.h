@@ -7,7 +7,8 @@
 namespace quillmar {
 
 /// One run of the program that reads pictures. Its destruction ends that process at once, whatever it does,
-/// without waiting for it. Main thread, on which the GLib main loop runs.
+/// without waiting for it. Main thread, on which the GLib main loop runs: the process ends with the thread
+/// that started it.
 class RenderProcess {
 public:
     /// Throws `std::system_error` when it cannot be started.

@@ -18,6 +18,10 @@ constexpr std::uint32_t protocolNumber = 0x716d0001;
 /// The descriptor that the process finds its end of the conversation at.
 constexpr int channelDescriptor = 0;
 
+/// No decoding begins for more pixels, nor for a longer side, whatever the file claims.
+constexpr std::int64_t maximumPixels = 200'000'000;
+constexpr int maximumPictureSide = 131'072;
+
 enum class Verb : std::uint32_t {
     render = 1,  ///< with the picture's file
     load,        ///< with a PNG file and the memory for its pixels
