@@ -47,30 +47,60 @@ Ref<PangoLayout> layOut(const PictureCaption& caption) {
     return layout;
 }
 
+/// The pixels of the canvas that the caption lies on.
+struct Place {
+    int left = 0;
+    int top = 0;
+    int width = 0;
+    int height = 0;
+};
+
+/// Lays pixels (blue, green, red, opacity, the colours already multiplied by it) over the canvas.
+void blend(const std::vector<std::uint32_t>& pixels, const Place& place, PixelBuffer& canvas) {
+    for (int y = 0; y < place.height; ++y) {
+        const std::uint32_t* pixel =
+            &pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(place.width)];
+        std::uint8_t* target =
+            &canvas.row(place.top + y)[static_cast<std::size_t>(place.left) * PixelBuffer::pixelBytes];
+        for (int x = 0; x < place.width; ++x, ++pixel, target += PixelBuffer::pixelBytes) {
+            const std::uint32_t uncovered = 255 - (*pixel >> 24);
+            for (int channel = 0; channel < 3; ++channel) {
+                const std::uint32_t own = (*pixel >> (8 * channel)) & 0xff;
+                target[channel] = static_cast<std::uint8_t>(
+                    std::min<std::uint32_t>(own + (target[channel] * uncovered + 127) / 255, 255));
+            }
+        }
+    }
+}
+
 }  // namespace
 
-CaptionDrawing::CaptionDrawing(const PictureCaption& caption, PixelSize canvas) {
+void drawCaption(const PictureCaption& caption, PixelBuffer& canvas) {
     const Ref<PangoLayout> layout = layOut(caption);
     int textWidth = 0;
     int textHeight = 0;
     pango_layout_get_pixel_size(layout.get(), &textWidth, &textHeight);
     const double plateWidth = std::min(textWidth + 2 * caption.horizontalInset, caption.maximumPlateWidth);
     const double plateHeight = textHeight + 2 * caption.verticalInset;
-    const double plateTop = canvas.height - caption.bottom - plateHeight;
-
+    const auto [canvasWidth, canvasHeight] = canvas.size();
+    const double plateTop = canvasHeight - caption.bottom - plateHeight;
     const double right = caption.left + std::max(plateWidth, caption.horizontalInset + textWidth);
-    left_ = std::clamp(static_cast<int>(std::floor(caption.left)), 0, canvas.width);
-    top_ = std::clamp(static_cast<int>(std::floor(plateTop)), 0, canvas.height);
-    width_ = std::clamp(static_cast<int>(std::ceil(right)), left_, canvas.width) - left_;
-    height_ = std::clamp(static_cast<int>(std::ceil(plateTop + plateHeight)), top_, canvas.height) - top_;
-    if (width_ == 0) height_ = 0;  // nothing of it is on the canvas
-    if (height_ == 0) return;
 
-    pixels_.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
-    const CairoOwned<cairo_surface_t> surface(cairo_image_surface_create_for_data(
-        reinterpret_cast<unsigned char*>(pixels_.data()), CAIRO_FORMAT_ARGB32, width_, height_, width_ * 4));
+    Place place;
+    place.left = std::clamp(static_cast<int>(std::floor(caption.left)), 0, canvasWidth);
+    place.top = std::clamp(static_cast<int>(std::floor(plateTop)), 0, canvasHeight);
+    place.width = std::clamp(static_cast<int>(std::ceil(right)), place.left, canvasWidth) - place.left;
+    place.height =
+        std::clamp(static_cast<int>(std::ceil(plateTop + plateHeight)), place.top, canvasHeight) - place.top;
+    if (place.width == 0 || place.height == 0) return;  // nothing of it is on the canvas
+
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(place.width) *
+                                      static_cast<std::size_t>(place.height));
+    const CairoOwned<cairo_surface_t> surface(
+        cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(pixels.data()),
+                                            CAIRO_FORMAT_ARGB32, place.width, place.height, place.width * 4));
     const CairoOwned<cairo_t> cairo(cairo_create(surface.get()));
-    cairo_translate(cairo.get(), caption.left - left_, plateTop - top_);
+    cairo_translate(cairo.get(), caption.left - place.left, plateTop - place.top);
     if (plateWidth > 0) {
         roundedRectangle(cairo.get(), plateWidth, plateHeight, caption.verticalInset);
         cairo_set_source_rgba(cairo.get(), 0, 0, 0, caption.plateOpacity);
@@ -82,21 +112,7 @@ CaptionDrawing::CaptionDrawing(const PictureCaption& caption, PixelSize canvas) 
     cairo_surface_flush(surface.get());
     if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS)
         throw std::runtime_error(cairo_status_to_string(cairo_status(cairo.get())));
-}
-
-void CaptionDrawing::blendInto(std::span<std::uint8_t> rgbRow, int y) const {
-    if (!covers(y)) return;
-    const std::uint32_t* pixel =
-        &pixels_[static_cast<std::size_t>(y - top_) * static_cast<std::size_t>(width_)];
-    std::uint8_t* target = &rgbRow[static_cast<std::size_t>(left_) * 3];
-    for (int x = 0; x < width_; ++x, ++pixel, target += 3) {
-        const std::uint32_t uncovered = 255 - (*pixel >> 24);
-        for (int channel = 0; channel < 3; ++channel) {
-            const std::uint32_t own = (*pixel >> (16 - 8 * channel)) & 0xff;
-            target[channel] = static_cast<std::uint8_t>(
-                std::min<std::uint32_t>(own + (target[channel] * uncovered + 127) / 255, 255));
-        }
-    }
+    blend(pixels, place, canvas);
 }
 
 }  // namespace quillmar

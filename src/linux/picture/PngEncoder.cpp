@@ -9,6 +9,12 @@
 #include <limits>
 #include <stdexcept>
 
+#if defined(__x86_64__) && !defined(QUILLMAR_ONE_TARGET)
+#define QUILLMAR_EVERY_TARGET __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
+#else
+#define QUILLMAR_EVERY_TARGET
+#endif
+
 namespace quillmar {
 
 namespace {
@@ -20,10 +26,39 @@ constexpr std::size_t pixelsAt = signature.size() + headerChunkBytes;
 constexpr std::size_t batchBytes = 256 * 1024;
 constexpr std::uint8_t filterUp = 2;
 
+typedef std::uint8_t Sixteen __attribute__((vector_size(16)));
+
 std::array<std::uint8_t, 4> number(std::size_t value) {
     std::array<std::uint8_t, 4> bytes;
     for (std::size_t i = 0; i < 4; ++i) bytes[i] = static_cast<std::uint8_t>(value >> (24 - 8 * i));
     return bytes;
+}
+
+/// What a row of `count` bytes differs in from the row above, which it takes the place of.
+QUILLMAR_EVERY_TARGET
+void filterRow(const std::uint8_t* __restrict row, std::uint8_t* __restrict above,
+               std::uint8_t* __restrict difference, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        difference[i] = static_cast<std::uint8_t>(row[i] - above[i]);
+        above[i] = row[i];
+    }
+}
+
+/// Blue, green, red and one that is not used become red, green, blue. Writes up to four bytes beyond the end.
+QUILLMAR_EVERY_TARGET
+void packRow(const std::uint8_t* __restrict pixels, std::uint8_t* __restrict rgb, std::size_t count) {
+    std::size_t x = 0;
+    for (; x + 4 <= count; x += 4, pixels += 16, rgb += 12) {
+        Sixteen four;
+        std::memcpy(&four, pixels, sizeof four);
+        four = __builtin_shufflevector(four, four, 2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, 3, 7, 11, 15);
+        std::memcpy(rgb, &four, sizeof four);
+    }
+    for (; x < count; ++x, pixels += 4, rgb += 3) {
+        rgb[0] = pixels[2];
+        rgb[1] = pixels[1];
+        rgb[2] = pixels[0];
+    }
 }
 
 /// A whole chunk: `named` is its name and its content.
@@ -72,22 +107,26 @@ PngEncoder::PngEncoder(int width, int height, ByteOutput& output)
 
 PngEncoder::~PngEncoder() = default;
 
-void PngEncoder::writeRow(std::span<const std::uint8_t> rgb) {
-    if (rgb.size() != rowBytes_ || rowsLeft_ < 1)
-        throw std::logic_error("a row that the picture has no place for");
+std::uint8_t* PngEncoder::placeForRow() {
+    if (rowsLeft_ < 1) throw std::logic_error("a row that the picture has no place for");
     if (filtered_.size() - used_ < rowBytes_ + 1) flush();
-    std::uint8_t* __restrict row = filtered_.data() + used_;
-    std::uint8_t* __restrict above = previous_.data();
-    const std::uint8_t* __restrict own = rgb.data();
-    *row++ = filterUp;
-    const std::size_t count =
-        rgb.size();  // a member could be written over by the bytes, for all the compiler knows
-    for (std::size_t i = 0; i < count; ++i) {
-        row[i] = static_cast<std::uint8_t>(own[i] - above[i]);
-        above[i] = own[i];
-    }
+    std::uint8_t* row = filtered_.data() + used_;
+    *row = filterUp;
     used_ += rowBytes_ + 1;
     --rowsLeft_;
+    return row + 1;
+}
+
+void PngEncoder::writeRow(std::span<const std::uint8_t> rgb) {
+    if (rgb.size() != rowBytes_) throw std::logic_error("a row of another length");
+    filterRow(rgb.data(), previous_.data(), placeForRow(), rowBytes_);
+}
+
+void PngEncoder::writePixels(std::span<const std::uint8_t> pixels) {
+    if (pixels.size() / 4 * 3 != rowBytes_) throw std::logic_error("a row of another length");
+    packed_.resize(rowBytes_ + 16);
+    packRow(pixels.data(), packed_.data(), rowBytes_ / 3);
+    filterRow(packed_.data(), previous_.data(), placeForRow(), rowBytes_);
 }
 
 void PngEncoder::repeatRow(int count) {

@@ -24,6 +24,8 @@ public:
 
     /// The next row from the top: red, green, blue for each pixel.
     void writeRow(std::span<const std::uint8_t> rgb);
+    /// The same for pixels as a `PixelBuffer` has them.
+    void writePixels(std::span<const std::uint8_t> pixels);
     /// The last written row again, `count` times; much quicker than writing it.
     void repeatRow(int count);
     /// Completes the file. Throws `std::runtime_error` when rows are missing or the picture is too large for
@@ -32,6 +34,7 @@ public:
 
 private:
     struct Deflater;
+    std::uint8_t* placeForRow();
     void compress(std::span<const std::uint8_t> filtered, bool isLast = false);
     void flush();
     void appendToChunk(std::span<const std::uint8_t> bytes);
@@ -40,6 +43,7 @@ private:
     std::size_t rowBytes_;
     int rowsLeft_;
     Bytes previous_;        ///< the row above; black above the first
+    Bytes packed_;          ///< a row whose bytes are put into order
     Bytes filtered_;        ///< rows that wait to be compressed together
     std::size_t used_ = 0;  ///< bytes of `filtered_` that wait
     std::unique_ptr<Deflater> deflater_;
