@@ -95,6 +95,7 @@ class Run:
             "XDG_DATA_HOME": str(home / "data"),
             "XDG_CONFIG_HOME": str(home / "config"),
             "XDG_CACHE_HOME": str(home / "cache"),
+            "XDG_STATE_HOME": str(home / "state"),
         }
         self.settings = home / "data" / "Quillmar" / "settings.json"
         self.running = None

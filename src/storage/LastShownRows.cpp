@@ -76,6 +76,17 @@ FileDescriptor openedOwn(const std::filesystem::path& file, struct stat& status)
     return isOwn ? std::move(descriptor) : FileDescriptor();
 }
 
+/// What a process that was killed has left of such a file: each is as large as a whole one.
+void removeUnfinished(const std::filesystem::path& folder, const std::filesystem::path& file) {
+    const std::string prefix = "." + file.filename().string() + ".";
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, ignored)) {
+        if (entry.path().filename().string().starts_with(prefix)) {
+            std::filesystem::remove(entry.path(), ignored);
+        }
+    }
+}
+
 }  // namespace
 
 void LastShownRows::write(const std::filesystem::path& folder, const std::string& key,
@@ -92,6 +103,7 @@ void LastShownRows::write(const std::filesystem::path& folder, const std::string
     path.copy(header.path.data(), path.size());
     header.checksum = checksumOf(header);
     createDirectories(folder, 0700);
+    removeUnfinished(folder, rowsFile(folder, key));
     AtomicFile file(rowsFile(folder, key), 0600, Durability::reproducible);
     file.append({reinterpret_cast<const std::uint8_t*>(&header), sizeof header});
     file.append(pixels.bytes());

@@ -15,7 +15,8 @@ namespace quillmar {
 class LastShownRows {
 public:
     /// Keeps the rows of `png`, which is written already, in place of the former ones of the screen with that
-    /// key (as `screenKey` has it). The folder is made when needed. Throws `std::system_error`.
+    /// key (as `screenKey` has it). The folder is made when needed. One
+    /// writer at a time for a key. Throws `std::system_error`.
     static void write(const std::filesystem::path& folder, const std::string& key,
                       const std::filesystem::path& png, const PixelBuffer& pixels);
     /// The rows of that screen; nothing when there are none, or when they are not whole, not the user's own

@@ -8,12 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "async/TaskScope.h"
 #include "base/Bytes.h"
 #include "base/HexColor.h"
-#include "base/Localization.h"
 #include "base/PixelBuffer.h"
-#include "linux/glib/GlibMainLoop.h"
 #include "linux/glib/Ref.h"
 #include "platform/PictureRendering.h"
 #include "platform/Screens.h"
@@ -30,54 +27,6 @@ void openGtkSession();
 
 /// Turns GLib's main loop until `condition` holds; false when it does not within 20 s of real time.
 bool turnUntil(const std::function<bool()>& condition);
-
-/// A main loop that is turned until a task has ended.
-class WaitingLoop {
-public:
-    template <class T>
-    T await(Task<T> task) {
-        Outcome<T> outcome;
-        tasks_.spawn(keep(std::move(task), &outcome));
-        if (!turnUntil([&] { return outcome.hasEnded; })) throw std::logic_error("the task did not end");
-        if (outcome.failure) std::rethrow_exception(outcome.failure);
-        if constexpr (!std::is_void_v<T>) return *std::move(outcome.value);
-    }
-    /// The failure of a task, in English.
-    template <class T>
-    std::string failureOf(Task<T> task) {
-        try {
-            await(std::move(task));
-        } catch (const AppLocalizableError& error) {
-            return error.message(GeneralLanguage::english);
-        }
-        return "no failure";
-    }
-    MainLoop& loop() { return loop_; }
-
-private:
-    template <class T>
-    struct Outcome {
-        std::optional<std::conditional_t<std::is_void_v<T>, bool, T>> value;
-        std::exception_ptr failure;
-        bool hasEnded = false;
-    };
-    template <class T>
-    static Task<void> keep(Task<T> task, Outcome<T>* outcome) {
-        try {
-            if constexpr (std::is_void_v<T>) {
-                co_await std::move(task);
-            } else {
-                outcome->value.emplace(co_await std::move(task));
-            }
-        } catch (...) {
-            outcome->failure = std::current_exception();
-        }
-        outcome->hasEnded = true;
-    }
-
-    GlibMainLoop loop_;
-    TaskScope tasks_{loop_};
-};
 
 /// Writes pictures as PPM files, which every desktop reads too.
 class PpmEncoding final : public PictureEncoding {

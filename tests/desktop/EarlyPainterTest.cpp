@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "desktop/Desktop.h"
+#include "desktop/WaitingLoop.h"
 #include "linux/x11/OutputMemory.h"
 #include "linux/x11/X11DesktopPicture.h"
 #include "storage/LastShownRows.h"

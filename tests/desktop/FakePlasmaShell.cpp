@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "desktop/Desktop.h"
+#include "desktop/WaitingLoop.h"
 #include "linux/dbus/SessionBus.h"
 #include "linux/glib/GlibMainLoop.h"
 

@@ -4,6 +4,7 @@
 
 #include "base/Url.h"
 #include "desktop/Desktop.h"
+#include "desktop/WaitingLoop.h"
 
 namespace quillmar {
 namespace {

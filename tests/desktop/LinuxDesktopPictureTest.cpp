@@ -4,6 +4,7 @@
 
 #include "desktop/Desktop.h"
 #include "desktop/FakePlasmaShell.h"
+#include "desktop/WaitingLoop.h"
 
 namespace quillmar {
 namespace {

@@ -5,6 +5,7 @@
 #include "base/Url.h"
 #include "desktop/Desktop.h"
 #include "desktop/FakePlasmaShell.h"
+#include "desktop/WaitingLoop.h"
 #include "linux/x11/X11DesktopPicture.h"
 
 namespace quillmar {

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "desktop/Desktop.h"
+#include "desktop/WaitingLoop.h"
 
 namespace quillmar {
 namespace {

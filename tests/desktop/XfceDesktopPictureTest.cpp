@@ -6,6 +6,7 @@
 #include <csignal>
 
 #include "desktop/Desktop.h"
+#include "desktop/WaitingLoop.h"
 #include "linux/desktop/VariantText.h"
 #include "linux/x11/X11DesktopPicture.h"
 

@@ -1,6 +1,7 @@
 #include "linux/x11/X11Connection.h"
 
 #include <X11/Xauth.h>
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -8,8 +9,6 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
-
-#include "base/FileDescriptor.h"
 
 namespace quillmar {
 
@@ -94,23 +93,24 @@ const xcb_screen_t* screenOf(xcb_connection_t* connection, int number) {
 void X11Interruption::interrupt() {
     const std::lock_guard lock(mutex_);
     isInterrupted_ = true;
-    if (socket_ >= 0) ::shutdown(socket_, SHUT_RDWR);
+    if (socket_) ::shutdown(socket_.get(), SHUT_RDWR);
 }
 
 bool X11Interruption::isLeftWithin(std::chrono::milliseconds limit) {
     std::unique_lock lock(mutex_);
-    return left_.wait_for(lock, limit, [this] { return socket_ < 0; });
+    return left_.wait_for(lock, limit, [this] { return !socket_; });
 }
 
+/// A copy, since the library closes its own when it likes, and another file gets the number then.
 void X11Interruption::enter(int socket) {
     const std::lock_guard lock(mutex_);
-    socket_ = socket;
-    if (isInterrupted_) ::shutdown(socket_, SHUT_RDWR);
+    socket_ = FileDescriptor(::fcntl(socket, F_DUPFD_CLOEXEC, 0));
+    if (isInterrupted_ && socket_) ::shutdown(socket_.get(), SHUT_RDWR);
 }
 
 void X11Interruption::leave() {
     const std::lock_guard lock(mutex_);
-    socket_ = -1;
+    socket_.reset();
     left_.notify_all();
 }
 

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/FileDescriptor.h"
 #include "base/PixelRect.h"
 #include "platform/DesktopPictureError.h"
 
@@ -72,7 +73,7 @@ private:
 
     std::mutex mutex_;
     std::condition_variable left_;
-    int socket_ = -1;             ///< guarded; of the connection that may be waiting
+    FileDescriptor socket_;       ///< guarded; a copy of what the connection waits for
     bool isInterrupted_ = false;  ///< guarded
 };
 

@@ -12,7 +12,9 @@ constexpr auto lastOperationLimit = std::chrono::milliseconds(500);
 X11Operations::~X11Operations() {
     for (const auto& known : interruptions_) {
         const auto interruption = known.lock();
-        if (interruption && !interruption->isLeftWithin(lastOperationLimit)) interruption->interrupt();
+        if (!interruption) continue;
+        interruption->isLeftWithin(lastOperationLimit);
+        interruption->interrupt();  // also what is only about to begin
     }
 }
 
