@@ -27,6 +27,7 @@ private:
 /// Stands in where there is no place for a settings file: every operation fails with the reason.
 class UnavailableSettingsStore final : public SettingsStoring {
 public:
+    /// `reason` is why there is no place.
     explicit UnavailableSettingsStore(std::exception_ptr reason) : reason_(std::move(reason)) {}
     Task<SettingsLoadResult> load() override;
     Task<void> save(AppSettings settings) override;

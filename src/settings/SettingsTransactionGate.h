@@ -19,6 +19,7 @@ public:
             return *this;
         }
         ~Hold() { release(); }
+        /// Lets the next one in before this ends.
         void release() {
             if (auto* gate = std::exchange(gate_, nullptr)) gate->passOn();
         }
@@ -40,6 +41,7 @@ public:
         }
         co_return Hold(*this);
     }
+    /// Whether somebody holds the gate.
     bool isLocked() const { return isLocked_; }
 
 private:

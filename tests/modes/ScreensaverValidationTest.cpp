@@ -38,9 +38,7 @@ ManagedScreensaverMode shader(std::string id) {
 TEST(ScreensaverValidationTest, kindsThatOnlyScreensaversHaveSayWhatIsWrong) {
     const std::string missingShader = "Enter a Shadertoy shader ID.";
     const std::string invalidShader = "A Shadertoy shader ID can contain only letters and numbers.";
-    const Text style{
-        "Choose valid clock colors, a font, and a font size from 24 to 500 points.",
-        "Escolha cores válidas para o relógio, um tipo de letra e um tamanho de letra de 24 a 500 pontos."};
+    const std::string style = "Choose valid clock colors, a font, and a font size from 24 to 500 points.";
     const std::string time = "Choose a valid alarm time.";
     const std::string duration = "Set a duration between one second and 23:59:59.";
     const std::string sound = "Choose a custom sound file or select a built-in sound.";
