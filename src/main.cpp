@@ -67,7 +67,7 @@ std::unique_ptr<ApplicationInstanceLock> takeInstanceLock(const BundleInfo& bund
     try {
         return ApplicationInstanceLock::take(temporaryDirectory(environment),
                                              bundle.identifier().value_or("Quillmar"));
-    } catch (const std::runtime_error& error) {
+    } catch (const std::exception& error) {
         std::cerr << "quillmar: " << error.what() << '\n';
         return nullptr;
     }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Every check that needs no built program. Runs them all, then fails when one failed.
+# Every check that needs no built program; clang-tidy only of what was changed. Runs them all, then fails when one failed.
 # build/ must be configured, for the compiler flags of each folder.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -18,6 +18,14 @@ with_self_test() {
 
 headers_alone() {
     tools/check_headers.py build --self-test && tools/check_headers.py build
+}
+
+small_functions() {
+    local file files=()
+    for file in "${sources[@]}"; do
+        [[ $file == tests/* ]] || files+=("$file")
+    done
+    tools/check_functions.py --self-test && tools/check_functions.py "${files[@]}"
 }
 
 format() {
@@ -45,6 +53,8 @@ check scripts shellcheck "${scripts[@]}"
 check floors with_self_test tools/check_floors.py
 check texts with_self_test tools/check_strings.py
 check sizes tools/check_sizes.py "${sources[@]}"
+check functions small_functions
+check tidy tools/check_tidy.sh build
 check headers headers_alone
 
 if ((${#failed[@]} > 0)); then

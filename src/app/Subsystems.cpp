@@ -10,7 +10,7 @@ namespace {
 std::filesystem::path temporaryDirectoryOrNowhere(const Environment& environment) {
     try {
         return temporaryDirectory(environment);
-    } catch (const std::runtime_error&) {
+    } catch (const ApplicationDirectoryError&) {
         return "/dev/null";
     }
 }

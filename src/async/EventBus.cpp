@@ -13,8 +13,7 @@ void EventBus::Observation::cancel() {
     if (const auto observer = std::exchange(observer_, nullptr)) observer->isObserving = false;
 }
 
-EventBus::Observation EventBus::add(std::string_view name,
-                                                        std::function<void(const void*)> callback) {
+EventBus::Observation EventBus::add(std::string_view name, std::function<void(const void*)> callback) {
     auto observer = std::make_shared<Observer>(std::move(callback));
     observers_[std::string(name)].push_back(observer);
     return Observation(std::move(observer));

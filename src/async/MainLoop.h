@@ -19,6 +19,7 @@ public:
     using Ticket = std::pair<TimePoint, std::uint64_t>;
 
     virtual ~MainLoop() = default;
+    /// The present of timers and durations; within one turn of the loop it may move on.
     virtual TimePoint now() const = 0;
     /// Runs `callback` once at `when` or as soon after it as the loop can; never from inside this call.
     /// Callbacks run in order of their time, those of one time in order of their scheduling.
@@ -49,6 +50,7 @@ public:
     }
     ~Scheduled() { cancel(); }
 
+    /// Ends the wait for the callback; nothing happens when it has run.
     void cancel() {
         if (MainLoop* loop = std::exchange(loop_, nullptr)) loop->forget(ticket_);
     }

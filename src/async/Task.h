@@ -73,6 +73,7 @@ class [[nodiscard]] Task {
 public:
     using promise_type = detail::TaskPromise<T>;
 
+    /// For the compiler: takes over a frame that has not begun.
     explicit Task(std::coroutine_handle<promise_type> frame) : frame_(frame) {}
     Task(Task&& other) noexcept : frame_(std::exchange(other.frame_, {})) {}
     Task& operator=(Task&& other) noexcept {

@@ -54,11 +54,13 @@ public:
     explicit TaskHandle(std::shared_ptr<detail::TaskState<T>> state) : state_(std::move(state)) {}
 
     explicit operator bool() const { return state_ != nullptr; }
+    /// Whether the task has ended, however it did. An empty handle is never finished.
     bool isFinished() const { return state_ && state_->isFinished; }
     /// Asks the task to stop: its next wait throws `CancellationError`. Once or often is the same.
     void cancel() const {
         if (state_) state_->stop.request_stop();
     }
+    /// Forgets the task, which goes on.
     void reset() { state_.reset(); }
     /// Same task.
     bool operator==(const TaskHandle& other) const = default;

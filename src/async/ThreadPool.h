@@ -14,6 +14,7 @@ namespace quillmar {
 /// begun and waits for those that run.
 class ThreadPool final : public Executor {
 public:
+    /// Makes no thread yet. `maximumThreads` is at least 1.
     explicit ThreadPool(unsigned maximumThreads);
     ~ThreadPool() override;
     void submit(Job job) override;
@@ -36,6 +37,7 @@ private:
 /// Destroying it drops the jobs that have not begun and waits for the one that runs.
 class SerialExecutor final : public Executor {
 public:
+    /// `pool` outlives this.
     explicit SerialExecutor(Executor& pool);
     ~SerialExecutor() override;
     void submit(Job job) override;

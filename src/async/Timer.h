@@ -11,8 +11,12 @@ namespace quillmar {
 class OneShotTimer {
 public:
     explicit OneShotTimer(MainLoop& loop) : loop_(loop) {}
+    /// Calls back once after `delay`, in the place of what was set before. The callback may set or destroy
+    /// the timer.
     void set(Duration delay, std::function<void()> callback);
+    /// Nothing happens when nothing is set.
     void cancel() { pending_.reset(); }
+    /// True until the callback begins.
     bool isSet() const { return pending_ != nullptr; }
 
 private:
@@ -25,7 +29,9 @@ private:
 class RepeatingTimer {
 public:
     explicit RepeatingTimer(MainLoop& loop) : loop_(loop) {}
+    /// Calls back after one `interval` for the first time; starts anew when it is running already.
     void start(Duration interval, std::function<void()> callback);
+    /// Nothing is called any more; the callback itself may ask for this.
     void cancel();
     bool isRunning() const { return callback_ != nullptr; }
 

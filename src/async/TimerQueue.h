@@ -9,6 +9,7 @@ namespace quillmar {
 /// The callbacks of a main loop in the order in which they fall due. Not synchronised.
 class TimerQueue {
 public:
+    /// Puts the callback behind those of the same time.
     MainLoop::Ticket add(TimePoint when, MainLoop::Callback callback);
     /// Takes the callback out; empty when it is not there any more.
     MainLoop::Callback remove(MainLoop::Ticket ticket);

@@ -24,6 +24,7 @@ public:
     WaitList& operator=(const WaitList&) = delete;
     ~WaitList();
 
+    /// What `wait` returns, to be awaited at once; lives in the frame of the waiting task.
     class Waiter {
     public:
         Waiter(WaitList& list, bool isCancellable) : list_(&list), isCancellable_(isCancellable) {}
@@ -57,11 +58,15 @@ public:
         std::optional<std::stop_callback<std::function<void()>>> onStop_;
     };
 
+    /// Waits for a turn; throws `CancellationError` when the task is cancelled before.
     Waiter wait() { return Waiter(*this, true); }
+    /// Waits for a turn whatever happens to the task.
     Waiter waitUncancelled() { return Waiter(*this, false); }
+    /// Whether nobody waits.
     bool isEmpty() const { return first_ == nullptr; }
     /// Gives the turn to the first waiter; false when there is none.
     bool resumeFirst();
+    /// Gives a turn to all who wait now, in their order.
     void resumeAll();
 
 private:

@@ -8,6 +8,7 @@ namespace quillmar {
 class WallClock {
 public:
     virtual ~WallClock() = default;
+    /// What a calendar in the machine's time zone is asked with.
     virtual WallTime now() const = 0;
 };
 

@@ -23,6 +23,7 @@ std::vector<ColorFaderStop> freshStops(std::initializer_list<const char*> hexCol
 /// The seven colours of the rainbow with which a colour list starts.
 std::vector<ColorFaderStop> freshRainbow();
 
+/// Colours that fade into one another without an end.
 struct ColorFaderPresentationSettings {
     std::vector<ColorFaderStop> colors;
     double fadeDurationSeconds = 10;

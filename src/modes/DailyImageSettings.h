@@ -30,6 +30,7 @@ struct APODSettings {
     }
 };
 
+/// Bing's picture of the day, of one market.
 struct BingSettings {
     std::string market = "en-ww";
     ImagePresentationLayout layout = ImagePresentationLayout::fit;
@@ -61,6 +62,7 @@ struct WindowsSpotlightSelection {
     }
 };
 
+/// Pictures that Windows shows its users, of one locale.
 struct WindowsSpotlightSettings {
     std::string locale = "en-US";
     ImagePresentationLayout layout = ImagePresentationLayout::fit;

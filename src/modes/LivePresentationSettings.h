@@ -7,6 +7,7 @@
 
 namespace quillmar {
 
+/// A page of the web, shown live.
 struct WebpagePresentationSettings {
     std::string urlString;  ///< as the user typed it
     bool allowsInteraction = false;
@@ -17,6 +18,7 @@ struct WebpagePresentationSettings {
     }
 };
 
+/// One video that the user chose.
 struct VideoPlaybackSettings {
     std::optional<Url> videoURL;
     std::optional<Url> cachedVideoURL;  ///< the program's own copy
@@ -56,6 +58,7 @@ struct VideoPlaylistPlaybackSettings {
     }
 };
 
+/// A PDF document that the user chose.
 struct PDFPresentationSettings {
     std::optional<Url> pdfURL;
     std::optional<Url> cachedPDFURL;  ///< the program's own copy

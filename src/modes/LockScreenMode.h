@@ -3,6 +3,7 @@
 
 namespace quillmar {
 
+/// The wallpaper's kinds that stand still, under their names.
 enum class LockScreenModeKind {
     disabled,
     solidColor,

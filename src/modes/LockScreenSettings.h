@@ -6,11 +6,13 @@
 
 namespace quillmar {
 
+/// What one display shows while the session is locked.
 struct DisplayLockScreenSettings {
     std::string displayID;  ///< persistent
     LockScreenMode mode{};
     std::map<LockScreenModeKind, LockScreenMode> savedModes{};  ///< never holds `disabled`
 
+    /// Changes the kind; see `selectKindOf`.
     void selectMode(LockScreenModeKind kind) { selectKindOf(*this, kind); }
 
     bool operator==(const DisplayLockScreenSettings&) const = default;
@@ -27,6 +29,7 @@ struct LockScreenSettingsValidationIssue {
     WallpaperApplicationError error;
 };
 
+/// The Lock Screens of all displays that were ever configured.
 struct LockScreenSettings {
     std::vector<DisplayLockScreenSettings> displays;
 

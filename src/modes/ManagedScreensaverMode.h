@@ -6,6 +6,7 @@
 
 namespace quillmar {
 
+/// A shader of shadertoy.com, by the ID in its address.
 struct ShadertoyScreensaverSettings {
     std::string shaderID = "XsBXWt";
     bool isMuted = true;
@@ -19,6 +20,7 @@ struct ShadertoyScreensaverSettings {
 /// Why a screensaver's mode cannot be presented. The kinds that wallpapers have too fail as those do.
 using ManagedScreensaverModeError =
     std::variant<ManagedScreensaverValidationError, WallpaperApplicationError>;
+/// The message of the error that it holds.
 std::string errorText(const ManagedScreensaverModeError& error, GeneralLanguage language);
 /// Throws the error that it holds.
 [[noreturn]] void raise(const ManagedScreensaverModeError& error);

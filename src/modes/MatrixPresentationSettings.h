@@ -104,6 +104,11 @@ struct MatrixPresentationSettings {
             .required("glintContrast", self.glintContrast)
             .required("brightnessOverride", self.brightnessOverride)
             .required("brightnessThreshold", self.brightnessThreshold);
+        describeColorsAndSources(self, io);
+    }
+
+private:
+    static void describeColorsAndSources(auto& self, auto& io) {
         io.required("brightnessDecay", self.brightnessDecay)
             .required("dither", self.dither)
             .required("backgroundHexColor", self.backgroundHexColor)

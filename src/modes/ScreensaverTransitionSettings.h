@@ -4,6 +4,7 @@
 
 namespace quillmar {
 
+/// `random` takes another one at each change.
 enum class ScreensaverImageTransition {
     none,
     fade,

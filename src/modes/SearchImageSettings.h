@@ -17,15 +17,18 @@ constexpr auto enumNames(WallhavenSorting) {
 }
 enum class WallhavenOrder { descending, ascending };
 constexpr auto enumNames(WallhavenOrder) { return std::to_array<std::string_view>({"desc", "asc"}); }
+/// How far back the toplist reaches.
 enum class WallhavenTopRange { oneDay, threeDays, oneWeek, oneMonth, threeMonths, sixMonths, oneYear };
 constexpr auto enumNames(WallhavenTopRange) {
     return std::to_array<std::string_view>({"1d", "3d", "1w", "1M", "3M", "6M", "1y"});
 }
+/// How a picture's size is compared with the chosen ones.
 enum class WallhavenResolutionMode { any, atleast, exactly };
 constexpr auto enumNames(WallhavenResolutionMode) {
     return std::to_array<std::string_view>({"any", "atleast", "exactly"});
 }
 
+/// Pictures of wallhaven.cc that a search finds.
 struct WallhavenSettings {
     bool includeGeneral = true;
     bool includeAnime = false;
@@ -73,11 +76,13 @@ struct WallhavenSettings {
     }
 };
 
+/// By what photos are chosen.
 enum class UnsplashFilter { topic, user, search };
 constexpr auto enumNames(UnsplashFilter) {
     return std::to_array<std::string_view>({"topic", "user", "search"});
 }
 
+/// Photos of unsplash.com: of a topic, of a person, or found by a search.
 struct UnsplashSettings {
     std::string accessKey;
     UnsplashFilter filter = UnsplashFilter::topic;

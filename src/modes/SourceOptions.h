@@ -16,9 +16,13 @@ struct LabeledValue {
 
 /// Six digits without "#".
 std::span<const std::string_view> wallhavenColors();
+/// "16x9".
 std::span<const std::string_view> wallhavenRatios();
+/// "1920x1080".
 std::span<const std::string_view> wallhavenResolutions();
+/// Language and country, "en-ww".
 std::span<const LabeledValue> bingMarkets();
+/// Language and country, "en-US".
 std::span<const LabeledValue> windowsSpotlightLocales();
 
 }  // namespace quillmar

@@ -8,6 +8,7 @@
 
 namespace quillmar {
 
+/// One colour over the whole display.
 struct SolidColorPresentationSettings {
     std::string hexColor = "#111111";
 

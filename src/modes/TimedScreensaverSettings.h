@@ -9,6 +9,7 @@
 
 namespace quillmar {
 
+/// How the time is drawn.
 struct ScreensaverTimeDisplayStyle {
     std::string backgroundHexColor = "#000000";
     std::string foregroundHexColor = "#FFFFFF";
@@ -24,11 +25,13 @@ struct ScreensaverTimeDisplayStyle {
     }
 };
 
+/// The sounds that the program brings along, and one of the user's own.
 enum class ScreensaverAlarmSound { beep, buzz, ring, siren, custom };
 constexpr auto enumNames(ScreensaverAlarmSound) {
     return std::to_array<std::string_view>({"beep", "buzz", "ring", "siren", "custom"});
 }
 
+/// What is played when the time has come.
 struct ScreensaverSoundSettings {
     ScreensaverAlarmSound sound = ScreensaverAlarmSound::beep;
     std::optional<Url> customSoundURL;         ///< file URL, for `custom`
@@ -42,6 +45,7 @@ struct ScreensaverSoundSettings {
     }
 };
 
+/// The time of day, with an alarm at a time of day.
 struct AlarmClockScreensaverSettings {
     ScreensaverTimeDisplayStyle style;
     bool alarmEnabled = false;
@@ -65,6 +69,7 @@ struct AlarmClockScreensaverSettings {
     }
 };
 
+/// Counts down to zero.
 struct CountdownTimerScreensaverSettings {
     ScreensaverTimeDisplayStyle style;
     double durationSeconds = 600;
@@ -84,6 +89,7 @@ struct CountdownTimerScreensaverSettings {
     }
 };
 
+/// Counts up, to a stop where one is set.
 struct StopwatchScreensaverSettings {
     ScreensaverTimeDisplayStyle style;
     bool startImmediately = false;

@@ -67,8 +67,11 @@ public:
     explicit WallpaperApplicationError(Case errorCase, std::string value = {}, std::string reason = {})
         : case_(errorCase), value_(std::move(value)), reason_(std::move(reason)) {}
 
+    /// Which failure it is; the message is made from it.
     Case errorCase() const { return case_; }
+    /// What the message names; empty for cases without a value.
     const std::string& value() const { return value_; }
+    /// Why a cache folder or file could not be made, in the system's words.
     const std::string& reason() const { return reason_; }
     std::string message(GeneralLanguage language) const override;
 

@@ -4,6 +4,7 @@
 
 namespace quillmar {
 
+/// What a display can be given as its wallpaper. The order is that of `WallpaperMode`'s cases.
 enum class WallpaperModeKind {
     disabled,
     solidColor,

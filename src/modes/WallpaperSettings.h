@@ -6,11 +6,13 @@
 
 namespace quillmar {
 
+/// What one display shows as its wallpaper.
 struct DisplayWallpaperSettings {
     std::string displayID;  ///< persistent
     WallpaperMode mode{};
     std::map<WallpaperModeKind, WallpaperMode> savedModes{};  ///< never holds `disabled`
 
+    /// Changes the kind; see `selectKindOf`.
     void selectMode(WallpaperModeKind kind) { selectKindOf(*this, kind); }
 
     bool operator==(const DisplayWallpaperSettings&) const = default;
@@ -27,6 +29,7 @@ struct WallpaperSettingsValidationIssue {
     WallpaperApplicationError error;
 };
 
+/// The wallpapers of all displays that were ever configured.
 struct WallpaperSettings {
     std::vector<DisplayWallpaperSettings> displays;
 

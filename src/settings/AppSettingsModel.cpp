@@ -39,7 +39,7 @@ Task<void> AppSettingsModel::load(std::int64_t baseRevision) {
         throw;
     } catch (const std::exception& error) {
         canPersist_ = false;
-        loadError_ = error.what();
+        loadError_ = errorText(error, settings_.general.language);
         pendingInitialUpdates_.clear();
         isLoaded_ = true;
         post();
@@ -151,7 +151,7 @@ Task<SettingsSaveAttempt> AppSettingsModel::attemptSave(AppSettings document, st
     try {
         co_await store_.save(std::move(document));
     } catch (const std::exception& error) {
-        attempt.errorMessage = error.what();
+        attempt.errorMessage = errorText(error, settings_.general.language);
     }
     co_return attempt;
 }

@@ -34,17 +34,22 @@ class AppSettingsModel {
 public:
     /// Starts the load. `settings()` is `defaults` until it ends. Every file that the wallpapers, Lock
     /// Screens and screensavers of the present document name is leased.
-    AppSettingsModel(MainLoop& loop, EventBus& notifications, SettingsStoring& store,
-                     AppSettings defaults, const CacheFileProtection& cacheFiles);
+    AppSettingsModel(MainLoop& loop, EventBus& notifications, SettingsStoring& store, AppSettings defaults,
+                     const CacheFileProtection& cacheFiles);
 
+    /// The present document; the reference stays, what it shows changes.
     const AppSettings& settings() const { return settings_; }
+    /// Whether the load has ended, well or not.
     bool isLoaded() const { return isLoaded_; }
     /// False from the moment that the existing file could not be read.
     bool canPersist() const { return canPersist_; }
+    /// Why the file could not be read; nothing when it was read.
     const std::optional<std::string>& loadError() const { return loadError_; }
     /// Text of the latest save failure of the present revision.
     const std::optional<std::string>& saveError() const { return saveError_; }
+    /// Whether a transaction is on its way to the disk.
     bool isSavingSettings() const { return isSavingSettings_; }
+    /// Whether the load found no file and made one: a first run.
     bool createdInitialSettingsFile() const { return createdInitialSettingsFile_; }
 
     /// Waits for the end of the load, however it ends.
@@ -61,6 +66,7 @@ public:
     /// Waits until everything is on disk; false when it cannot be, and `saveError` says why.
     Task<bool> flushPendingSave();
 
+    /// The line in which transactions wait for each other.
     SettingsTransactionGate& transactionGate() { return transactionGate_; }
 
 private:

@@ -1,9 +1,6 @@
 #include "settings/SettingsStore.h"
 
-#include <fmt/format.h>
-
-#include <system_error>
-
+#include "base/FileError.h"
 #include "base/Files.h"
 #include "settings/records/SettingsCodec.h"
 
@@ -13,10 +10,6 @@ namespace {
 constexpr std::size_t maximumFileBytes = 64u << 20;
 /// The file holds the user's keys of picture services.
 constexpr mode_t fileMode = 0600;
-
-[[noreturn]] void throwWithPlace(const std::filesystem::path& file, const std::system_error& error) {
-    throw std::runtime_error(fmt::format("{}: {}", file.string(), error.code().message()));
-}
 
 /// What an interrupted save may have left. There is one writer, so nothing of it is in use.
 void removeLeftovers(const std::filesystem::path& file) {
@@ -37,7 +30,7 @@ void saveNow(const std::filesystem::path& file, const AppSettings& settings) {
         const std::filesystem::path target = std::filesystem::canonical(file, notThere);
         writeFileAtomically(notThere ? file : target, text, fileMode);
     } catch (const std::system_error& error) {
-        throwWithPlace(file, error);
+        throw FileError(file, error);
     }
 }
 
@@ -50,7 +43,7 @@ SettingsLoadResult loadNow(const std::filesystem::path& file, const AppSettings&
         std::error_code unknown;
         const bool isDanglingLink = std::filesystem::is_symlink(file, unknown);
         if (error.code() != std::errc::no_such_file_or_directory || isDanglingLink)
-            throwWithPlace(file, error);
+            throw FileError(file, error);
         saveNow(file, defaults);
         return {defaults, true};
     }
@@ -82,14 +75,19 @@ Task<void> UnavailableSettingsStore::save(AppSettings) {
     co_return;
 }
 
+std::string SettingsStoreUnavailableError::message(GeneralLanguage language) const {
+    return localized("The Application Support settings location is unavailable (%@)."_key, language,
+                     {errorText(reason_, language)});
+}
+
 std::unique_ptr<SettingsStoring> makeSettingsStore(
     const std::function<std::filesystem::path()>& applicationSupport, AppSettings defaults,
     Executor& executor) {
     try {
         return std::make_unique<SettingsStore>(applicationSupport() / "settings.json", std::move(defaults),
                                                executor);
-    } catch (const std::exception& error) {
-        return std::make_unique<UnavailableSettingsStore>(error.what());
+    } catch (const std::exception&) {
+        return std::make_unique<UnavailableSettingsStore>(std::current_exception());
     }
 }
 

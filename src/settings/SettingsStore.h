@@ -1,8 +1,10 @@
 #pragma once
+#include <exception>
 #include <filesystem>
 #include <memory>
 
 #include "async/Executor.h"
+#include "base/Localization.h"
 #include "settings/SettingsStoring.h"
 
 namespace quillmar {
@@ -25,18 +27,23 @@ private:
 /// Stands in where there is no place for a settings file: every operation fails with the reason.
 class UnavailableSettingsStore final : public SettingsStoring {
 public:
-    explicit UnavailableSettingsStore(std::string reason) : reason_(std::move(reason)) {}
+    /// `reason` is why there is no place.
+    explicit UnavailableSettingsStore(std::exception_ptr reason) : reason_(std::move(reason)) {}
     Task<SettingsLoadResult> load() override;
     Task<void> save(AppSettings settings) override;
 
 private:
-    std::string reason_;
+    std::exception_ptr reason_;
 };
 
-class SettingsStoreUnavailableError : public std::runtime_error {
+/// There is no place for a settings file.
+class SettingsStoreUnavailableError final : public AppLocalizableError {
 public:
-    explicit SettingsStoreUnavailableError(const std::string& reason)
-        : std::runtime_error("The Application Support settings location is unavailable (" + reason + ").") {}
+    explicit SettingsStoreUnavailableError(std::exception_ptr reason) : reason_(std::move(reason)) {}
+    std::string message(GeneralLanguage language) const override;
+
+private:
+    std::exception_ptr reason_;
 };
 
 /// The store of "settings.json" in `applicationSupport()`, or the unavailable one with the reason of its

@@ -4,6 +4,7 @@
 
 namespace quillmar {
 
+/// The document of the disk.
 struct SettingsLoadResult {
     AppSettings settings;
     bool createdInitialSettingsFile = false;  ///< there was no file: this is a first run
@@ -14,7 +15,9 @@ struct SettingsLoadResult {
 class SettingsStoring {
 public:
     virtual ~SettingsStoring() = default;
+    /// Reads the document; makes and saves that of a first run where there is none.
     virtual Task<SettingsLoadResult> load() = 0;
+    /// Replaces the document; it survives a power cut once the task has ended.
     virtual Task<void> save(AppSettings settings) = 0;
 };
 

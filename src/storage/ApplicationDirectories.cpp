@@ -6,6 +6,7 @@
 
 #include <system_error>
 
+#include "base/FileError.h"
 #include "base/Files.h"
 
 namespace quillmar {
@@ -28,17 +29,23 @@ bool isOwnPrivateFolder(const std::filesystem::path& folder) {
 
 }  // namespace
 
+std::string ApplicationDirectoryError::message(GeneralLanguage language) const {
+    return case_ == Case::noDataFolder
+               ? localized("neither XDG_DATA_HOME nor HOME names a folder"_key, language)
+               : localized("%@ is not a folder of this user alone"_key, language, {folder_.string()});
+}
+
 std::filesystem::path applicationSupportDirectory(const Environment& environment) {
     if (const auto data = absolutePath(environment, "XDG_DATA_HOME"); !data.empty()) return data / "Quillmar";
     if (const auto home = absolutePath(environment, "HOME"); !home.empty())
         return home / ".local/share/Quillmar";
-    throw std::runtime_error("neither XDG_DATA_HOME nor HOME names a folder");
+    throw ApplicationDirectoryError(ApplicationDirectoryError::Case::noDataFolder);
 }
 
 std::filesystem::path applicationSupportDirectoryOrNowhere(const Environment& environment) {
     try {
         return applicationSupportDirectory(environment);
-    } catch (const std::runtime_error&) {
+    } catch (const ApplicationDirectoryError&) {
         return "/dev/null/Quillmar";
     }
 }
@@ -56,7 +63,7 @@ std::filesystem::path createdApplicationSupportDirectory(const Environment& envi
     try {
         createDirectories(folder, 0700);
     } catch (const std::system_error& error) {
-        throw std::runtime_error(fmt::format("{}: {}", folder.string(), error.code().message()));
+        throw FileError(folder, error);
     }
     return folder;
 }
@@ -66,7 +73,7 @@ std::optional<std::filesystem::path> createdCacheDirectory(const Environment& en
         const std::filesystem::path folder = createdApplicationSupportDirectory(environment) / "Cache";
         createDirectories(folder, 0700);
         return folder;
-    } catch (const std::runtime_error&) {  // whoever needs the cache says what fails
+    } catch (const std::exception&) {  // whoever needs the cache says what fails
         return std::nullopt;
     }
 }
@@ -81,7 +88,7 @@ std::filesystem::path temporaryDirectory(const Environment& environment) {
     ::mkdir(own.c_str(), 0700);
     // In a folder that everybody writes to, somebody else may have made it first.
     if (!isOwnPrivateFolder(own)) {
-        throw std::runtime_error(fmt::format("{} is not a folder of this user alone", own.string()));
+        throw ApplicationDirectoryError(ApplicationDirectoryError::Case::sharedTemporaryFolder, own);
     }
     return own;
 }

@@ -141,14 +141,11 @@ TEST_F(BackupTest, aFileThatIsNoBackupChangesNothingAndIsNamed) {
     };
     const std::vector<std::pair<std::string, std::string>> rows = {
         {"", "the document is not valid JSON"},
-        {"<html>", "the document is not valid JSON"},
         {with("\"formatVersion\": 1", "\"formatVersion\": 2"),
          "This backup uses format 2, but this build of Quillmar requires format 1."},
         {with("\"settingsSchemaVersion\": 1", "\"settingsSchemaVersion\": 3"),
          "This backup uses settings schema 3, but this build of Quillmar requires schema 1."},
         {with("\"createdAt\"", "\"madeAt\""), "createdAt: missing key"},
-        {with("1970-01-01T00:00:00Z", "yesterday"),
-         "createdAt: expected an ISO 8601 date, found \"yesterday\""},
         {with("\"english\"", "\"latin\""), "contents.general.language: expected one of english, portuguese"},
         {with("\"general\"", "\"colonel\""), "This backup does not contain any restorable settings."},
         {std::string(SettingsBackupService::maximumBytes + 1, ' '),

@@ -54,56 +54,6 @@ TEST(RecordsTest, everyKeyIsRequiredUnlessItsRecordAllowsAbsence) {
     EXPECT_GT(removed, 150);
 }
 
-/// The default document with one display of each list, with the text of the failure that a change of it
-/// causes.
-std::string failureWith(const std::string& at, const Json& value) {
-    AppSettings settings = defaultSettings(BundleInfo());
-    settings.wallpaper.displays = {{"a", {ImagePresentationSettings{}}}, {"b", {MuseumsSettings{}}}};
-    settings.screensaver.displays = {{"a", {ShadertoyScreensaverSettings{}}}};
-    Json document = Json::parse(encodeSettings(settings));
-    document[Json::json_pointer(at)] = value;
-    try {
-        decodeSettings(document.dump());
-        return "read";
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-}
-
-TEST(RecordsTest, aBrokenDocumentIsToldWithItsPlace) {
-    const std::string oneKey = "Invalid number of keys found, expected one.";
-    struct Row {
-        std::string at;
-        Json value;
-        std::string text;
-    };
-    const std::vector<Row> rows = {
-        {"/general/language", "german",
-         "general.language: expected one of english, portuguese, found \"german\""},
-        {"/wallpaper/displays/0/mode/image/_0/imageBookmark", "?",
-         "wallpaper.displays[0].mode.image._0.imageBookmark: expected Base64 text, found \"?\""},
-        {"/wallpaper/displays/0/mode",
-         {{"fireworks", Json::object()}},
-         "wallpaper.displays[0].mode: " + oneKey},
-        {"/wallpaper/displays/0/savedModes", Json::object(),
-         "wallpaper.displays[0].savedModes: expected an array, found an object"},
-        {"/wallpaper/displays/1/mode/museums/_0/sources",
-         {"rijksmuseum", "louvre"},
-         "wallpaper.displays[1].mode.museums._0.sources[1]: expected one of artInstituteChicago, "
-         "metropolitanMuseum, "
-         "rijksmuseum, clevelandMuseum, smkDenmark, smithsonian, found \"louvre\""},
-        {"/screensaver/displays/0/options/keyboardShortcut",
-         {{"keyCode", -1}},
-         "screensaver.displays[0].options.keyboardShortcut.keyCode: expected a number in range, found the "
-         "number -1"},
-        {"/customMenu/items/2/children/0/target",
-         {{"folder", {{"_0", "file:///"}}}, {"file", {{"_0", "file:///"}}}},
-         "customMenu.items[2].children[0].target: " + oneKey},
-        {"/customMenu/items/1/id", "x", "customMenu.items[1].id: expected a UUID, found \"x\""},
-    };
-    for (const Row& row : rows) EXPECT_EQ(failureWith(row.at, row.value), row.text);
-}
-
 TEST(RecordsTest, anotherVersionIsRefusedBeforeAnythingElse) {
     for (const char* text : {R"({"schemaVersion":2,"general":[]})", R"({"schemaVersion":0})",
                              R"({"schemaVersion":9000000000})"}) {

@@ -1,4 +1,5 @@
 #include "settings/SettingsStore.h"
+#include "storage/ApplicationDirectories.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -118,9 +119,8 @@ TEST_F(SettingsStoreTest, whatAnInterruptedSaveLeftIsClearedAway) {
 }
 
 TEST_F(SettingsStoreTest, withoutADataFolderEveryOperationSaysWhy) {
-    const auto unavailable = makeSettingsStore(
-        []() -> fs::path { throw std::runtime_error("neither XDG_DATA_HOME nor HOME names a folder"); },
-        defaults, executor);
+    const auto unavailable =
+        makeSettingsStore([] { return applicationSupportDirectory({}); }, defaults, executor);
     SettingsLoadResult result;
     EXPECT_EQ(
         run(unavailable->load(), &result),

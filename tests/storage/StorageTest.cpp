@@ -2,6 +2,7 @@
 
 #include <fstream>
 
+#include "base/FileError.h"
 #include "fakes/TemporaryFolder.h"
 #include "storage/ApplicationDirectories.h"
 #include "storage/LastUsedStamp.h"
@@ -36,7 +37,7 @@ TEST(ApplicationDirectoriesTest, theDataFolderComesFromTheEnvironment) {
               "/data/Quillmar");
     EXPECT_EQ(applicationSupportDirectory({{"XDG_DATA_HOME", "data"}, {"HOME", "/home/ana"}}),
               "/home/ana/.local/share/Quillmar");
-    EXPECT_THROW(applicationSupportDirectory({{"HOME", ""}}), std::runtime_error);
+    EXPECT_THROW(applicationSupportDirectory({{"HOME", ""}}), ApplicationDirectoryError);
 }
 
 TEST(ApplicationDirectoriesTest, aDataFolderThatCannotBeMadeIsNamedWithTheReason) {
@@ -45,7 +46,9 @@ TEST(ApplicationDirectoriesTest, aDataFolderThatCannotBeMadeIsNamedWithTheReason
     try {
         createdApplicationSupportDirectory({{"XDG_DATA_HOME", folder.path() / "data"}});
         FAIL();
-    } catch (const std::runtime_error& error) {
+    } catch (const FileError& error) {
+        EXPECT_EQ(error.message(GeneralLanguage::portuguese),
+                  (folder.path() / "data/Quillmar").string() + ": Não é uma pasta");
         EXPECT_EQ(error.what(), (folder.path() / "data/Quillmar").string() + ": Not a directory");
     }
 }
@@ -63,7 +66,7 @@ TEST(ApplicationDirectoriesTest, theTemporaryFolderIsTheUsersAlone) {
 
     std::filesystem::remove(own);
     std::filesystem::create_directory_symlink(runtime, own);
-    EXPECT_THROW(temporaryDirectory({{"TMPDIR", folder.path()}}), std::runtime_error);
+    EXPECT_THROW(temporaryDirectory({{"TMPDIR", folder.path()}}), ApplicationDirectoryError);
 }
 
 }  // namespace

@@ -57,10 +57,15 @@ public:
     SettingsBackupSections exportSections = allBackupSections();
     SettingsBackupSections importSections;
 
+    /// The backup that was loaded and waits for its restore.
     const std::optional<SettingsBackupDocument>& importedDocument() const { return importedDocument_; }
+    /// Where it was loaded from.
     const std::optional<std::filesystem::path>& importedFile() const { return importedFile_; }
+    /// What was asked for and waits for its confirmation.
     std::optional<BackupDestructiveAction> pendingAction() const { return pendingAction_; }
+    /// What the last operation told the user.
     const std::optional<BackupNotice>& notice() const { return notice_; }
+    /// Whether an operation runs; no restore or reset begins meanwhile.
     bool isWorking() const { return isWorking_; }
 
     /// "Quillmar-Backup-" and the local time, to be offered as the file's name.
@@ -74,6 +79,7 @@ public:
     Task<void> load(std::filesystem::path file);
     /// A restore or reset is asked for first and confirmed or cancelled then.
     void request(BackupDestructiveAction action) { pendingAction_ = action; }
+    /// Nothing is done of what was asked for.
     void cancelPendingAction() { pendingAction_.reset(); }
     /// True when the settings were replaced.
     Task<bool> confirmPendingAction();

@@ -17,6 +17,7 @@ constexpr auto enumNames(SettingsBackupSection) {
 }
 using SettingsBackupSections = std::set<SettingsBackupSection>;
 
+/// Every section, as it is chosen at first.
 SettingsBackupSections allBackupSections();
 /// What the user calls a section: "General settings".
 TextKey backupSectionLabel(SettingsBackupSection section);
@@ -53,6 +54,7 @@ struct SettingsBackupDocument {
     WallTime createdAt{};
     SettingsBackupContents contents;
 
+    /// A backup of those sections of the settings.
     static SettingsBackupDocument make(const AppSettings& settings, const SettingsBackupSections& sections,
                                        std::string appVersion, WallTime createdAt);
     /// The sections that the document holds.

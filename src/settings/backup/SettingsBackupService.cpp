@@ -1,17 +1,10 @@
 #include "settings/backup/SettingsBackupService.h"
 
-#include <fmt/format.h>
-
-#include <system_error>
-
+#include "base/FileError.h"
 #include "base/Files.h"
 
 namespace quillmar {
 namespace {
-
-[[noreturn]] void throwWithPlace(const std::filesystem::path& file, const std::system_error& error) {
-    throw std::runtime_error(fmt::format("{}: {}", file.string(), error.code().message()));
-}
 
 void writeNow(const SettingsBackupDocument& document, const std::filesystem::path& file) {
     const std::string text = encodeBackup(document);
@@ -19,7 +12,7 @@ void writeNow(const SettingsBackupDocument& document, const std::filesystem::pat
         createDirectories(file.parent_path());
         writeFileAtomically(file, text, 0600);
     } catch (const std::system_error& error) {
-        throwWithPlace(file, error);
+        throw FileError(file, error);
     }
 }
 
@@ -32,7 +25,7 @@ SettingsBackupDocument readNow(const std::filesystem::path& file) {
         if (error.code() == std::errc::file_too_large) {
             throw SettingsBackupError(SettingsBackupError::Case::backupTooLarge, megabytes);
         }
-        throwWithPlace(file, error);
+        throw FileError(file, error);
     }
     return decodeBackup(text);
 }

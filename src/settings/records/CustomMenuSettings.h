@@ -14,11 +14,13 @@
 
 namespace quillmar {
 
+/// What a node of the user's menu is.
 enum class MenuItemType { folder, shortcut, separator };
 constexpr auto enumNames(MenuItemType) {
     return std::to_array<std::string_view>({"folder", "shortcut", "separator"});
 }
 
+/// What kind of thing a shortcut opens.
 enum class ShortcutTargetKind { application, file, folder, webURL };
 constexpr auto enumNames(ShortcutTargetKind) {
     return std::to_array<std::string_view>({"application", "file", "folder", "webURL"});
@@ -37,6 +39,7 @@ struct ShortcutTarget {
 
     static constexpr auto caseNames() { return enumNames(Kind{}); }
     Kind kind() const { return static_cast<Kind>(value.index()); }
+    /// Where the thing is; a file URL for all but `webURL`.
     const Url& url() const {
         return std::visit([](const Url& held) -> const Url& { return held; }, value);
     }
@@ -70,6 +73,7 @@ struct CustomMenuItem {
     }
 };
 
+/// The user's own menu, from top to bottom.
 struct CustomMenuSettings {
     std::vector<CustomMenuItem> items;
 

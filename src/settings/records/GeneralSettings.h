@@ -6,15 +6,18 @@
 
 namespace quillmar {
 
+/// Light or dark windows; `automatic` follows the desktop.
 enum class AppTheme { automatic, light, dark };
 constexpr auto enumNames(AppTheme) { return std::to_array<std::string_view>({"automatic", "light", "dark"}); }
 
+/// What a click on the status icon does.
 enum class StatusIconClickAction { disabled, openSettings, openCustomMenu, toggleAllScreensavers };
 constexpr auto enumNames(StatusIconClickAction) {
     return std::to_array<std::string_view>(
         {"disabled", "openSettings", "openCustomMenu", "toggleAllScreensavers"});
 }
 
+/// How wide the part of the mouse is that counts as its centre.
 enum class MagicMouseCenterClickAreaSize { narrow, regular, wide };
 constexpr auto enumNames(MagicMouseCenterClickAreaSize) {
     return std::to_array<std::string_view>({"narrow", "regular", "wide"});
@@ -34,6 +37,7 @@ struct MagicMouseMiddleClickSettings {
     }
 };
 
+/// What each click on the status icon does.
 struct StatusIconClickBehavior {
     StatusIconClickAction leftClick = StatusIconClickAction::openCustomMenu;
     StatusIconClickAction doubleClick = StatusIconClickAction::toggleAllScreensavers;
@@ -49,6 +53,7 @@ struct StatusIconClickBehavior {
     }
 };
 
+/// What concerns the program as a whole.
 struct GeneralSettings {
     GeneralLanguage language = GeneralLanguage::english;
     AppTheme appTheme = AppTheme::automatic;

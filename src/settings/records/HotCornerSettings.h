@@ -10,6 +10,8 @@
 
 namespace quillmar {
 
+/// Which corners are watched: of the main display, of each display with its own actions, or of all displays
+/// as one area.
 enum class HotCornerScope { primaryDisplay, allDisplays, combinedDesktop };
 constexpr auto enumNames(HotCornerScope) {
     return std::to_array<std::string_view>({"primaryDisplay", "allDisplays", "combinedDesktop"});
@@ -21,6 +23,7 @@ constexpr auto enumNames(HotCornerPosition) {
     return std::to_array<std::string_view>({"topLeft", "topRight", "bottomRight", "bottomLeft"});
 }
 
+/// What the pointer in a corner sets off.
 enum class HotCornerAction {
     disabled,
     toggleHitDisplayScreensaver,
@@ -38,6 +41,7 @@ constexpr auto enumNames(HotCornerAction) {
          "missionControl", "lockWorkstation", "showDesktop", "openSettings", "openApplication"});
 }
 
+/// An action with what it needs.
 struct HotCornerActionSettings {
     HotCornerAction action = HotCornerAction::disabled;
     std::optional<Url> applicationURL;         ///< file URL, for `openApplication`
@@ -51,12 +55,14 @@ struct HotCornerActionSettings {
     }
 };
 
+/// The actions of four corners.
 struct HotCornerAssignments {
     HotCornerActionSettings topLeft;
     HotCornerActionSettings topRight;
     HotCornerActionSettings bottomRight;
     HotCornerActionSettings bottomLeft;
 
+    /// The corner's action.
     const HotCornerActionSettings& at(HotCornerPosition position) const;
 
     bool operator==(const HotCornerAssignments&) const = default;
@@ -68,6 +74,7 @@ struct HotCornerAssignments {
     }
 };
 
+/// The corners of one display, for the scope `allDisplays`.
 struct DisplayHotCornerSettings {
     std::string displayID;  ///< persistent
     HotCornerAssignments assignments{};
@@ -78,6 +85,7 @@ struct DisplayHotCornerSettings {
     }
 };
 
+/// Which corners are watched, how the pointer must rest there, and what follows.
 struct HotCornerSettings {
     bool isEnabled = false;
     HotCornerScope scope = HotCornerScope::primaryDisplay;

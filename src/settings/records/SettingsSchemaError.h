@@ -13,7 +13,9 @@ public:
     SettingsSchemaError(std::int64_t stored, int required) : stored_(stored), required_(required) {}
 
     Case errorCase() const { return Case::incompatibleVersion; }
+    /// The version that the document has.
     std::int64_t stored() const { return stored_; }
+    /// The version that this build reads.
     int required() const { return required_; }
     std::string message(GeneralLanguage language) const override;
 
