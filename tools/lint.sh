@@ -44,6 +44,7 @@ check format format
 check scripts shellcheck "${scripts[@]}"
 check floors with_self_test tools/check_floors.py
 check texts with_self_test tools/check_strings.py
+check kinds with_self_test tools/check_kinds.py
 check sizes tools/check_sizes.py "${sources[@]}"
 check headers headers_alone
 
