@@ -52,7 +52,7 @@ def painted_after(command, changes, environment=None, keep=False):
 
 def make_profile(program, data):
     environment = dict(os.environ, XDG_DATA_HOME=str(data))
-    displays = json.loads(subprocess.check_output([program, "displays", "--json"], env=environment))
+    displays = json.loads(subprocess.check_output([program, "displays", "--json"], env=environment))["displays"]
     settings = data / "Quillmar" / "settings.json"
     process = subprocess.Popen([program], env=environment, stderr=subprocess.DEVNULL)
     while not settings.exists():

@@ -52,6 +52,7 @@ check format format
 check scripts shellcheck "${scripts[@]}"
 check floors with_self_test tools/check_floors.py
 check texts with_self_test tools/check_strings.py
+check kinds with_self_test tools/check_kinds.py
 check sizes tools/check_sizes.py "${sources[@]}"
 check functions small_functions
 check tidy tools/check_tidy.sh build

@@ -110,7 +110,7 @@ class Run:
         answer = subprocess.run(
             [self.program, "displays", "--json"], env=self.environment, check=True, capture_output=True, timeout=PATIENCE
         )
-        displays = json.loads(answer.stdout)
+        displays = json.loads(answer.stdout)["displays"]
         return [(display, COLORS[i % len(COLORS)]) for i, display in enumerate(displays)]
 
     def is_painted(self, points):

@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 
+#include "app/ControlServices.h"
 #include "diagnostics/Log.h"
 
 namespace quillmar {
@@ -52,7 +53,7 @@ Task<void> AppDelegate::forwardActivation() {
 void AppDelegate::applicationDidFinishLaunching() {
     if (!isPrimary()) return;
     ports_.screens.setChangeHandler([this] { running_->wallpapers.screenParametersDidChange(); });
-    control_.emplace(ports_, *subsystems_, [this] { quitController_.requestQuit(); });
+    control_.emplace(controlServices(ports_, *subsystems_, [this] { quitController_.requestQuit(); }));
     ports_.control.serve([this](ControlCall call) { return control_->handle(std::move(call)); });
     ports_.runningInstances.publish(
         [] { logInfo("Another start asked this instance to come to the front.", "lifecycle"); });

@@ -2,16 +2,16 @@
 #include <memory>
 #include <optional>
 
-#include "app/ApplicationInstanceLock.h"
 #include "app/ApplicationQuitController.h"
 #include "app/ApplicationStartupTask.h"
 #include "app/CacheUpkeep.h"
 #include "app/ConfiguredWallpapers.h"
-#include "app/ControlService.h"
 #include "app/Lives.h"
 #include "app/Ports.h"
 #include "app/Rotation.h"
 #include "app/Subsystems.h"
+#include "control/ControlService.h"
+#include "storage/ApplicationInstanceLock.h"
 
 namespace quillmar {
 

@@ -10,15 +10,8 @@ using Status = RemoteNotificationAuthorizationStatus;
 
 /// What people call the service of a mode.
 std::string providerName(WallpaperModeKind kind, GeneralLanguage language) {
-    switch (kind) {
-        case WallpaperModeKind::apod: return "NASA APOD";
-        case WallpaperModeKind::nasaEpic: return "NASA EPIC";
-        case WallpaperModeKind::wallhaven: return "Wallhaven";
-        case WallpaperModeKind::unsplash: return "Unsplash";
-        case WallpaperModeKind::bing: return "Bing";
-        case WallpaperModeKind::windowsSpotlight: return "Windows Spotlight";
-        default: return localized("Museums"_key, language);
-    }
+    const auto& service = rowOf(presentationKind(kind)).service;
+    return service ? localized(*service, language) : std::string();
 }
 
 /// The museum that an error comes from, under its own name; nothing of an error that is no museum's.

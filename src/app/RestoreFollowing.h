@@ -24,14 +24,4 @@ private:
     bool wasRotating_ = false;
 };
 
-/// Where no program runs nothing follows: the next start reads the restored file.
-class NothingFollows final : public SettingsRestoreFollowing {
-public:
-    void settingsWillBeReplaced() override {}
-    void settingsReplacementDidEnd() override {}
-    Task<std::optional<std::string>> updateLoginItem(bool) override { co_return std::nullopt; }
-    Task<std::vector<std::string>> applyWallpapers() override { co_return std::vector<std::string>{}; }
-    void lockScreenSettingsDidChange() override {}
-};
-
 }  // namespace quillmar

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/JsonRecord.h"
 #include "base/PixelBuffer.h"
 
 namespace quillmar {
@@ -23,7 +22,5 @@ PixelSize canvasSize(const DisplayInfo& display) {
     const double scale = display.scaleFactor > 1.0 ? display.scaleFactor : 1.0;
     return {pixels(display.frame.width, scale), pixels(display.frame.height, scale)};
 }
-
-std::string displaysAsJson(const std::vector<DisplayInfo>& displays) { return json::encode(displays); }
 
 }  // namespace quillmar

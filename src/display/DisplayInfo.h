@@ -41,7 +41,4 @@ public:
 /// never counts as less than 1.
 PixelSize canvasSize(const DisplayInfo& display);
 
-/// The displays as a JSON document, for people and scripts.
-std::string displaysAsJson(const std::vector<DisplayInfo>& displays);
-
 }  // namespace quillmar

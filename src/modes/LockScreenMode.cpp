@@ -12,14 +12,4 @@ WallpaperMode LockScreenMode::wallpaperMode() const {
     return std::visit([](const auto& settings) { return WallpaperMode{settings}; }, value);
 }
 
-bool LockScreenMode::isRemote() const {
-    switch (kind()) {
-        case LockScreenModeKind::disabled:
-        case LockScreenModeKind::solidColor:
-        case LockScreenModeKind::image:
-        case LockScreenModeKind::slideshow: return false;
-        default: return true;
-    }
-}
-
 }  // namespace quillmar

@@ -3,7 +3,7 @@
 
 namespace quillmar {
 
-/// The wallpaper's kinds that stand still, under their names.
+/// The wallpaper's kinds that stand still, each under its name of `PresentationKind`.
 enum class LockScreenModeKind {
     disabled,
     solidColor,
@@ -17,11 +17,7 @@ enum class LockScreenModeKind {
     bing,
     windowsSpotlight
 };
-constexpr auto enumNames(LockScreenModeKind) {
-    return std::to_array<std::string_view>({"disabled", "solidColor", "image", "slideshow", "apod",
-                                            "nasaEpic", "museums", "unsplash", "wallhaven", "bing",
-                                            "windowsSpotlight"});
-}
+constexpr auto enumNames(LockScreenModeKind) { return caseNames<LockScreenModeKind>; }
 
 /// What a display shows while the session is locked: those of the wallpaper's modes that stand still.
 struct LockScreenMode {
@@ -38,7 +34,7 @@ struct LockScreenMode {
     /// The wallpaper mode of the same name with the same settings.
     WallpaperMode wallpaperMode() const;
     /// Whether its pictures come from a service.
-    bool isRemote() const;
+    bool isRemote() const { return quillmar::isRemote(kind()); }
 
     bool operator==(const LockScreenMode&) const = default;
 };

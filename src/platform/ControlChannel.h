@@ -1,6 +1,5 @@
 #pragma once
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,11 +7,11 @@
 
 namespace quillmar {
 
-/// A command line for the running program: what stands behind the program's name, and the folder that
-/// relative paths start from.
+/// A command line for the running program. Arguments and folder are bytes: file names need not be UTF-8.
 struct ControlCall {
-    std::vector<std::string> arguments;
-    std::string workingDirectory;
+    std::vector<std::string> arguments;  ///< what stands behind the program's name
+    std::string workingDirectory;        ///< where relative paths start
+    std::string version;                 ///< of the caller; empty where it does not say
 };
 
 /// What a command says and how it ended: 0 done, 1 failed, 2 not understood.
@@ -28,15 +27,6 @@ public:
     virtual ~ControlServing() = default;
     /// Answers calls with `handler` from now on. A failure of it is answered as a failed command.
     virtual void serve(std::function<Task<ControlReply>(ControlCall)> handler) = 0;
-};
-
-/// The way to the running program of this session. Main thread.
-class ControlCalling {
-public:
-    virtual ~ControlCalling() = default;
-    /// Sends the call and waits for its answer, however long the command takes. Nothing when no program is
-    /// there to answer.
-    virtual Task<std::optional<ControlReply>> call(ControlCall call) = 0;
 };
 
 }  // namespace quillmar

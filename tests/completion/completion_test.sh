@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
 # What bash offers behind "quillmar".
-# usage: completion_test.sh COMPLETION_SCRIPT
+# usage: completion_test.sh COMPLETION_SCRIPT PROGRAM
 set -euo pipefail
 # shellcheck source=packaging/completions/quillmar.bash
 source "$1"
+real=$2
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 program=$folder/quillmar
-cat >"$program" <<'PROGRAM'
+cat >"$program" <<PROGRAM
 #!/bin/sh
-[ "$*" = "displays --json" ] && cat <<'JSON'
+[ "\$*" = "displays --json" ] || exec "$real" "\$@"
+cat <<'JSON'
 [
   {
     "id": "display:1b4e28ba-2fa1-11d2-883f-0016d3cca427",
@@ -18,7 +20,7 @@ cat >"$program" <<'PROGRAM'
   },
   {
     "id": "display:6fa459ea-ee8a-3ca4-894e-db77e160355e",
-    "localizedName": "The \"small\" one"
+    "localizedName": "The \\"small\\" one"
   },
   {
     "id": "display:886313e1-3b8a-5372-9b90-0c9aee199e5d",
@@ -56,7 +58,7 @@ offers() {
 # As an interactive shell has it.
 COMP_WORDBREAKS=$' \t\n"\'><=;|&(:'
 
-offers '--help --version backup displays general quit status wallpaper' ''
+offers '--help --version backup displays general help quit status wallpaper' ''
 offers 'backup' b
 offers '--help --version' --
 offers '--json' displays ''
@@ -70,6 +72,7 @@ offers '<default>' backup export ''
 offers '<default>' backup restore /tmp/
 offers '' backup reset ''
 offers '--sections' backup restore file ''
+offers 'restore' help backup rest
 offers '' backup inspect file ''
 offers 'customMenu general hotCorners lockScreen screensaver wallpaper' backup export file --sections ''
 offers 'general,hotCorners' backup export file --sections general,h
@@ -77,6 +80,7 @@ offers '' backup export file --sections general,gen
 
 offers '--pauseRotations' general set --language portuguese --pause
 offers 'automatic dark light' general set --appTheme ''
+offers 'center' wallpaper set main image a.png --layout = c
 
 offers '--json next set' wallpaper ''
 offers 'Dell\ U2720Q The\ \"small\"\ one all main' wallpaper set ''
@@ -100,10 +104,12 @@ offers '--background --interval --layout --subfolders' wallpaper set main slides
 offers '' wallpaper set main slideshow dir --interval ''
 offers '' wallpaper set main mode '{}' ''
 
-offers '--background --layout' wallpaper set main bing --market de-DE ''
+offers '--background --layout --showsCopyright' wallpaper set main bing --market de-DE ''
+offers '--market' wallpaper set main bing --m
 offers 'center fill fit stretch tile' wallpaper set main museums --layout ''
 offers 'search' wallpaper set main unsplash --filter s
-offers '' wallpaper set main museums --sources ''
+offers 'smithsonian smkDenmark' wallpaper set main museums --sources sm
+offers '' wallpaper set main spotlight --locale ''
 offers '<default>' wallpaper set main apod --apiKeyFile ''
 
 exit $((failures > 0))

@@ -65,8 +65,9 @@ class LifecycleTest(DesktopTest):
         for arguments, status, words in (
             (["--version"], 0, "Quillmar 0."),
             (["--help"], 0, "Usage: quillmar"),
-            (["dance"], 2, 'quillmar: There is no command "dance".'),
+            (["dance"], 2, 'quillmar: There is no command "dance".\nSee "quillmar help".\n'),
             (["displays", "--loud"], 2, 'quillmar: "displays" does not take "--loud".'),
+            (["status"], 1, "quillmar: Quillmar is not running."),
             (["displays", "--json"], 1, "quillmar: No display server could be reached."),
             ([], 1, "quillmar: No display server could be reached."),
         ):

@@ -181,7 +181,7 @@ class DesktopTest(unittest.TestCase):
     def displays(self):
         """The ID of each connected output, in the program's own words."""
         answer = run(PROGRAM, "displays", "--json", env=self.environment, check=True).stdout
-        return {display["localizedName"]: display["id"] for display in json.loads(answer)}
+        return {display["localizedName"]: display["id"] for display in json.loads(answer)["displays"]}
 
     def make_settings(self, **colors):
         """Lets the program make its settings, then gives each named output a colour."""

@@ -1,7 +1,6 @@
 #include "base/Enum.h"
 #include "modes/LockScreenSettings.h"
 #include "modes/ManagedScreensaverSettings.h"
-#include "modes/ModeOptions.h"
 #include "modes/WallpaperSettings.h"
 
 using namespace testing;

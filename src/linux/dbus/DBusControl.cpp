@@ -1,52 +1,41 @@
 #include "linux/dbus/DBusControl.h"
 
 #include "async/TaskScope.h"
-#include "base/Text.h"
 #include "linux/dbus/SessionBus.h"
 
 namespace quillmar {
 namespace {
 
 constexpr const char* objectPath = "/com/quillmar/Quillmar/Control";
-constexpr const char* interfaceName = "com.quillmar.Quillmar.Control";
 constexpr const char* interfaceXml = R"(<node><interface name="com.quillmar.Quillmar.Control">
 <method name="Run">
-<arg type="as" name="arguments" direction="in"/><arg type="s" name="workingDirectory" direction="in"/>
+<arg type="aay" name="arguments" direction="in"/><arg type="ay" name="workingDirectory" direction="in"/>
+<arg type="a{sv}" name="context" direction="in"/>
 <arg type="i" name="status" direction="out"/><arg type="s" name="output" direction="out"/>
 <arg type="s" name="errors" direction="out"/></method>
 </interface></node>)";
 
-GVariant* packed(const ControlCall& call) {
-    GVariantBuilder arguments;
-    g_variant_builder_init(&arguments, G_VARIANT_TYPE("as"));
-    for (const std::string& argument : call.arguments) {
-        g_variant_builder_add(&arguments, "s", argument.c_str());
-    }
-    return g_variant_new("(ass)", &arguments, call.workingDirectory.c_str());
+/// A byte string with or without the zero that some callers end it with.
+std::string bytesOf(GVariant* value) {
+    gsize length = 0;
+    const auto* bytes = static_cast<const char*>(g_variant_get_fixed_array(value, &length, 1));
+    std::string text = length == 0 ? std::string() : std::string(bytes, length);
+    if (text.ends_with('\0')) text.pop_back();
+    return text;
 }
 
 ControlCall unpacked(GVariant* parameters) {
-    ControlCall call;
-    GVariantIter* arguments = nullptr;
-    const char* text = nullptr;
-    g_variant_get(parameters, "(as&s)", &arguments, &text);
-    call.workingDirectory = text;
-    while (g_variant_iter_next(arguments, "&s", &text)) call.arguments.emplace_back(text);
-    g_variant_iter_free(arguments);
+    const Owned<GVariant> arguments(g_variant_get_child_value(parameters, 0));
+    const Owned<GVariant> folder(g_variant_get_child_value(parameters, 1));
+    const Owned<GVariant> context(g_variant_get_child_value(parameters, 2));
+    ControlCall call{.workingDirectory = bytesOf(folder.get())};
+    for (gsize i = 0; i < g_variant_n_children(arguments.get()); ++i) {
+        call.arguments.push_back(
+            bytesOf(Owned<GVariant>(g_variant_get_child_value(arguments.get(), i)).get()));
+    }
+    const char* version = nullptr;
+    if (g_variant_lookup(context.get(), "version", "&s", &version)) call.version = version;
     return call;
-}
-
-Task<ControlReply> ask(ControlCall call) {
-    const Bus bus = co_await sessionBus();
-    const auto answer =
-        co_await callOnBus(bus, {quillmarBusName, objectPath, interfaceName, "Run", packed(call), G_MAXINT});
-    ControlReply reply;
-    const char* output = nullptr;
-    const char* errors = nullptr;
-    g_variant_get(answer.get(), "(i&s&s)", &reply.status, &output, &errors);
-    reply.output = output;
-    reply.errors = errors;
-    co_return reply;
 }
 
 }  // namespace
@@ -112,23 +101,6 @@ DBusControl::~DBusControl() = default;
 
 void DBusControl::serve(std::function<Task<ControlReply>(ControlCall)> handler) {
     server_ = std::make_unique<Server>(loop_, std::move(handler));
-}
-
-Task<std::optional<ControlReply>> DBusControl::call(ControlCall call) {
-    // The bus carries no other texts.
-    for (const std::string& text : call.arguments) {
-        if (!isValidUtf8(text))
-            co_return ControlReply{.status = 2, .errors = "The command is not UTF-8 text.\n"};
-    }
-    if (!isValidUtf8(call.workingDirectory)) call.workingDirectory = "/";
-    try {
-        co_return co_await ask(std::move(call));
-    } catch (const CancellationError&) {
-        throw;
-    } catch (const std::exception&) {
-        // No bus, or nobody with the name: both mean that no program is there.
-        co_return std::nullopt;
-    }
 }
 
 }  // namespace quillmar

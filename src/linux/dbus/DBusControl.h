@@ -7,8 +7,8 @@ namespace quillmar {
 
 /// Commands for the running program on the session bus: method `Run` of the interface
 /// `com.quillmar.Quillmar.Control` at the object "/com/quillmar/Quillmar/Control" of the name
-/// `com.quillmar.Quillmar`, which the running instance owns. Without a bus nobody calls and nobody answers.
-class DBusControl final : public ControlServing, public ControlCalling {
+/// `com.quillmar.Quillmar`, which the running instance owns. Without a bus nobody calls.
+class DBusControl final : public ControlServing {
 public:
     explicit DBusControl(MainLoop& loop);
     DBusControl(const DBusControl&) = delete;
@@ -16,7 +16,6 @@ public:
     ~DBusControl() override;
 
     void serve(std::function<Task<ControlReply>(ControlCall)> handler) override;
-    Task<std::optional<ControlReply>> call(ControlCall call) override;
 
 private:
     class Server;

@@ -1,0 +1,42 @@
+#include "app/ControlServices.h"
+
+namespace quillmar {
+namespace {
+
+Task<bool> mayNotify(RemoteErrorNotificationService* notifications) {
+    co_await notifications->ensureAuthorization();
+    co_return notifications->isAuthorized();
+}
+
+}  // namespace
+
+ControlService::Services controlServices(const Ports& ports, Subsystems& subsystems,
+                                         std::function<void()> quit) {
+    const std::string version = ports.bundle.semanticVersion("unknown");
+    const auto sendAnalytics = [&usage = ports.usageReporting](const std::string& message) {
+        usage.sendMessage(message);
+    };
+    return {.loop = ports.loop,
+            .backup = {.settingsModel = subsystems.settingsModel,
+                       .backupService = subsystems.backupService,
+                       .following = subsystems.restoreFollowing,
+                       .clock = ports.clock,
+                       .defaults = subsystems.defaults,
+                       .appVersion = version,
+                       .sendAnalytics = sendAnalytics},
+            .wallpaper = {.settingsModel = subsystems.settingsModel,
+                          .coordinator = subsystems.wallpaperCoordinator,
+                          .rotation = subsystems.wallpaperRotation,
+                          .clock = ports.clock,
+                          .version = version,
+                          .displays = subsystems.displays,
+                          .desktop = subsystems.desktopPictures,
+                          .files = ports.backgroundPool},
+            .general = {.settingsModel = subsystems.settingsModel,
+                        .version = version,
+                        .mayNotify =
+                            [service = &subsystems.remoteErrorNotifications] { return mayNotify(service); }},
+            .quit = std::move(quit)};
+}
+
+}  // namespace quillmar

@@ -1,0 +1,106 @@
+#include "commandline/CommandTable.h"
+
+#include <algorithm>
+
+#include "base/Enum.h"
+#include "commandline/WallpaperModeArguments.h"
+#include "settings/backup/SettingsBackupDocument.h"
+#include "settings/records/GeneralSettings.h"
+
+namespace quillmar {
+namespace {
+
+OptionRow json() { return {.name = "json", .text = "as JSON, for scripts"_key}; }
+
+OptionRow sections() {
+    OptionRow row{.name = "sections",
+                  .value = "LIST",
+                  .word = WordKind::sections,
+                  .text = "only these sections of the settings, with commas between"_key};
+    for (const std::string_view name : enumNames(SettingsBackupSection{})) row.choices.push_back(name);
+    return row;
+}
+
+OperandRow backupFile() { return {"FILE", "a file"_key, WordKind::file}; }
+
+std::vector<CommandRow> lookingCommands() {
+    return {
+        {.words = "displays",
+         .options = {json()},
+         .summary = "list the connected displays: ID, name, place, scale"_key,
+         .details =
+             "The main display has a star. Sizes and places are in points; places are counted from the "
+             "bottom left corner of the main display, upwards."_key},
+        {.words = "wallpaper",
+         .options = {json()},
+         .summary = "say what each display is set to and shows"_key,
+         .details = "In JSON the keys of picture services stand as \"[redacted]\"."_key},
+        {.words = "wallpaper set",
+         .operands = {{"DISPLAY|all", "the display"_key, WordKind::display},
+                      {"KIND", "what the display should show"_key, WordKind::kind}},
+         .summary = "give a display, or all of them, another wallpaper"_key,
+         .details =
+             "DISPLAY is an ID, a name or \"main\". The wallpaper is saved and shown before the command "
+             "ends; what fails on a display is taken back there."_key,
+         .takesKinds = true},
+        {.words = "wallpaper next",
+         .operands = {{"DISPLAY|all", "the display"_key, WordKind::display, true}},
+         .summary = "show the next picture, by default on all displays"_key},
+        {.words = "status",
+         .options = {json()},
+         .summary = "say besides when each display changes next and what failed last"_key},
+    };
+}
+
+std::vector<CommandRow> settingsCommands() {
+    return {
+        {.words = "general",
+         .options = {json()},
+         .summary = "list the settings that hold for all displays"_key},
+        {.words = "general set",
+         .options = recordOptions<GeneralSettings>(),
+         .summary = "change some of these settings"_key,
+         .details = "The options are called as \"quillmar general\" lists them."_key},
+        {.words = "backup export",
+         .operands = {backupFile()},
+         .options = {sections()},
+         .summary = "write the settings to a backup file"_key},
+        {.words = "backup inspect",
+         .operands = {backupFile()},
+         .summary = "say what a backup file holds"_key},
+        {.words = "backup restore",
+         .operands = {backupFile()},
+         .options = {sections()},
+         .summary = "replace the settings by those of a backup file"_key,
+         .details = "Reaches the running program, or the settings file where none runs."_key},
+        {.words = "backup reset", .summary = "replace the settings by the defaults"_key},
+        {.words = "quit", .summary = "end the running program, after the last change is saved"_key},
+        {.words = "help",
+         .operands = {{"COMMAND", "a command"_key, WordKind::command, true}},
+         .summary = "say how a command is called"_key},
+    };
+}
+
+}  // namespace
+
+const OptionRow* CommandRow::option(std::string_view name) const {
+    const auto found = std::ranges::find_if(
+        options, [&](const OptionRow& row) { return row.name == name || row.field == name; });
+    return found == options.end() ? nullptr : &*found;
+}
+
+const std::vector<CommandRow>& commands() {
+    static const std::vector<CommandRow> rows = [] {
+        std::vector<CommandRow> all = lookingCommands();
+        std::ranges::move(settingsCommands(), std::back_inserter(all));
+        return all;
+    }();
+    return rows;
+}
+
+const CommandRow* findCommand(const std::vector<CommandRow>& rows, std::string_view words) {
+    const auto found = std::ranges::find(rows, words, &CommandRow::words);
+    return found == rows.end() ? nullptr : &*found;
+}
+
+}  // namespace quillmar

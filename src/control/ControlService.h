@@ -1,0 +1,40 @@
+#pragma once
+#include "async/MainLoop.h"
+#include "control/BackupCommand.h"
+#include "control/GeneralCommand.h"
+#include "control/WallpaperCommand.h"
+
+namespace quillmar {
+
+/// Carries out what the command line asks of the running program. Main thread.
+class ControlService {
+public:
+    struct Services {
+        MainLoop& loop;
+        BackupSettingsModel::Services backup;
+        WallpaperCommand::Services wallpaper;
+        GeneralCommand::Services general;
+        std::function<void()> quit;  ///< the user's explicit wish to end
+    };
+    explicit ControlService(Services services);
+
+    /// Answers every call: one that fails, or is not understood, with the reason in the settings' language.
+    Task<ControlReply> handle(ControlCall call);
+
+private:
+    Task<ControlReply> carryOut(CommandLine line, std::string folder);
+    /// What a caller of another version is told besides.
+    std::string versionNote(const ControlCall& call) const;
+    GeneralLanguage language() const { return backup_.language(); }
+
+    BackupCommand backup_;
+    WallpaperCommand wallpaper_;
+    GeneralCommand general_;
+    const DisplayService& displays_;
+    std::string version_;
+    std::function<void()> quit_;
+    MainLoop& loop_;
+    Scheduled quitting_;
+};
+
+}  // namespace quillmar

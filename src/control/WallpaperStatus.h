@@ -1,0 +1,78 @@
+#pragma once
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Localization.h"
+#include "base/WallTime.h"
+#include "display/DisplayInfo.h"
+#include "modes/WallpaperMode.h"
+
+namespace quillmar {
+
+/// When a display changes by itself.
+struct RotationStatus {
+    double intervalSeconds = 0;
+    WallTime nextAttempt;
+    double waitSeconds = 0;  ///< until then; never negative
+    int consecutiveFailures = 0;
+
+    static void describe(auto& self, auto& io) {
+        io.required("intervalSeconds", self.intervalSeconds)
+            .required("nextAttempt", self.nextAttempt)
+            .required("waitSeconds", self.waitSeconds)
+            .required("consecutiveFailures", self.consecutiveFailures);
+    }
+};
+
+/// Why a display does not show what it is set to.
+struct FailureStatus {
+    std::string message;
+    WallTime date;
+
+    static void describe(auto& self, auto& io) {
+        io.required("message", self.message).required("date", self.date);
+    }
+};
+
+/// What one display is set to and shows.
+struct WallpaperStatus {
+    DisplayInfo display;
+    WallpaperMode mode;
+    std::optional<std::string> shows;  ///< file of the picture behind everything on the display
+    std::optional<RotationStatus> rotation;
+    std::optional<FailureStatus> lastFailure;
+
+    static void describe(auto& self, auto& io) {
+        io.required("display", self.display)
+            .required("mode", self.mode)
+            .optional("shows", self.shows)
+            .optional("rotation", self.rotation)
+            .optional("lastFailure", self.lastFailure);
+    }
+};
+
+/// What the program does just now.
+struct ProgramStatus {
+    std::string version;
+    bool areRotationsPaused = false;
+    std::vector<WallpaperStatus> displays;
+
+    static void describe(auto& self, auto& io) {
+        io.required("version", self.version)
+            .required("areRotationsPaused", self.areRotationsPaused)
+            .required("displays", self.displays);
+    }
+};
+
+/// For scripts. Keys of picture services are left out.
+std::string statusAsJson(ProgramStatus program);
+/// For people: the program, then as `displaysStatusAsText`.
+std::string statusAsText(const ProgramStatus& program, GeneralLanguage language);
+
+/// The displays alone, as "quillmar wallpaper" says them.
+std::string displaysStatusAsJson(ProgramStatus program);
+/// A line or two for each display.
+std::string displaysStatusAsText(const std::vector<WallpaperStatus>& displays, GeneralLanguage language);
+
+}  // namespace quillmar

@@ -1,0 +1,26 @@
+#pragma once
+#include <memory>
+
+#include "app/Ports.h"
+
+namespace quillmar {
+
+/// The adapters of this desktop, all of them, behind the ports that the application is given.
+class LinuxPlatform {
+public:
+    /// `alerts` ask the user; a session with the display server must be there. All three outlive this.
+    LinuxPlatform(const BundleInfo& bundle, const Environment& environment, AlertPresenting& alerts);
+    LinuxPlatform(const LinuxPlatform&) = delete;
+    LinuxPlatform& operator=(const LinuxPlatform&) = delete;
+    ~LinuxPlatform();
+
+    Ports ports();
+    /// Runs the main loop until the application ends it. The exit status.
+    int run();
+
+private:
+    struct Adapters;
+    std::unique_ptr<Adapters> adapters_;
+};
+
+}  // namespace quillmar

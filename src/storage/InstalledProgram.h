@@ -1,0 +1,18 @@
+#pragma once
+#include "base/BundleInfo.h"
+#include "storage/ApplicationDirectories.h"
+
+namespace quillmar {
+
+/// The variables that this process was started with.
+Environment processEnvironment();
+
+/// The bundle keys: of the file that `QUILLMAR_INFO` names, else of the one that lies beside the program
+/// where it was built and in its data folder where it is installed. Throws `std::runtime_error`.
+BundleInfo loadBundleInfo(const Environment& environment);
+
+/// Where another program of this build lies: beside this one, else in the installed folder for programs that
+/// nobody calls by hand. A path that is not there where it is missing.
+std::filesystem::path companionProgram(std::string_view name);
+
+}  // namespace quillmar
