@@ -8,12 +8,14 @@ namespace quillmar {
 /// The start is in the order of the list. At the end the cache is left alone first, and nothing may follow
 /// the displays any more before what changes by itself stops.
 AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems)
-    : lastPictures(subsystems),
+    : lastShown(subsystems.lastShownKeeper),
+      lastPictures(subsystems),
       cache(ports.loop, ports.clock, subsystems),
       rotation(subsystems.wallpaperRotation, subsystems.restoreFollowing),
       wallpapers(ports, subsystems, lastPictures),
       network(ports, subsystems),
       lives({
+          {.life = &lastShown, .stopPlace = 5, .resumePlace = 5},
           // The sweep spares what is shown, so that comes before it.
           {.life = &lastPictures, .stopPlace = 0, .resumePlace = 0},
           {.life = &cache, .stopPlace = 1, .resumePlace = 1},

@@ -20,6 +20,21 @@ private:
     Subsystems& subsystems_;
 };
 
+/// Lets the next start paint what was shown last at once.
+class LastShown final : public Life {
+public:
+    explicit LastShown(LastShownKeeper& keeper) : keeper_(keeper) {}
+    Task<void> start() override {
+        keeper_.start();
+        co_return;
+    }
+    Task<void> stop() override { return keeper_.stop(); }
+    void resume() override { keeper_.start(); }
+
+private:
+    LastShownKeeper& keeper_;
+};
+
 /// Shows what the settings say: at the start, whenever the displays were rearranged, and where the desktop
 /// forgot it.
 class ConfiguredWallpapers final : public Life {

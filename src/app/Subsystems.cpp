@@ -54,6 +54,14 @@ Subsystems::Subsystems(const Ports& platform)
                        .cacheFiles = cacheFiles,
                        .executor = desktopFiles,
                        .folder = applicationSupportDirectoryOrNowhere(platform.environment) / "Desktop"}),
+      lastShownKeeper(
+          {.loop = platform.loop,
+           .pictures = desktopPictures,
+           .displays = displays,
+           .rendering = platform.pictureRendering,
+           .writer = pictureWriter,
+           .executor = desktopFiles,
+           .folder = applicationSupportDirectoryOrNowhere(platform.environment) / "Cache/LastShown"}),
       wallpaperRenderer({.cacheDirectory = applicationSupportDirectoryOrNowhere(platform.environment) /
                                            "Cache/GeneratedWallpapers",
                          .rendering = platform.pictureRendering,

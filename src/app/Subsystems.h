@@ -6,6 +6,7 @@
 #include "app/RestoreFollowing.h"
 #include "async/EventBus.h"
 #include "async/ThreadPool.h"
+#include "desktop/LastShownKeeper.h"
 #include "display/DisplayService.h"
 #include "remote/RemoteImageResolver.h"
 #include "remote/fetching/RemoteImageFetcher.h"
@@ -42,6 +43,7 @@ public:
     PictureWriter pictureWriter;
     SerialExecutor desktopFiles;
     DesktopPictures desktopPictures;
+    LastShownKeeper lastShownKeeper;
     WallpaperRenderer wallpaperRenderer;
     StaticPictures staticPictures;
     WallpaperService wallpaperService;

@@ -128,6 +128,17 @@ void DesktopPictures::remember(const std::string& displayID, const Screen& scree
     leases_.insert_or_assign(displayID, std::move(lease));
     lastKnown_.insert_or_assign(displayID, file);
     mustShow_.insert_or_assign(displayID, std::move(file));
+    if (shownHandler_) shownHandler_(displayID);
+}
+
+std::optional<fs::path> DesktopPictures::mustShow(const std::string& displayID) const {
+    const auto found = mustShow_.find(displayID);
+    return found == mustShow_.end() ? std::nullopt : std::optional(found->second);
+}
+
+Task<bool> DesktopPictures::forgetsWithSession() {
+    co_await desktop();
+    co_return forgetsWithSession_;
 }
 
 Task<DesktopSnapshot> DesktopPictures::capture(std::string displayID) {

@@ -1,5 +1,6 @@
 #pragma once
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -53,6 +54,14 @@ public:
     /// Makes it the picture of the display. `image.pixels` have the size of the display's canvas; where the
     /// desktop wants a file, it is written first.
     Task<void> set(std::string displayID, DesktopImage image);
+    /// The file that the display was given last; absent when it was given none.
+    std::optional<std::filesystem::path> mustShow(const std::string& displayID) const;
+    /// Whether what displays show is lost with the session.
+    Task<bool> forgetsWithSession();
+    /// Calls back each time a display was given a picture. Replaces the former handler.
+    void setShownHandler(std::function<void(const std::string& displayID)> handler) {
+        shownHandler_ = std::move(handler);
+    }
     /// What the display shows now.
     Task<DesktopSnapshot> capture(std::string displayID);
     Task<void> restore(DesktopSnapshot snapshot);
@@ -84,10 +93,11 @@ private:
     std::unique_ptr<DesktopPicturing> spanned_;
     DesktopPicturing* desktop_ = nullptr;  ///< null until the desktop's way is known
     bool forgetsWithSession_ = false;
-    std::map<std::string, TaskLock> order_;                 ///< by display
+    std::map<std::string, TaskLock> order_;                   ///< by display
     std::map<std::string, std::filesystem::path> mustShow_;   ///< by display
     std::map<std::string, CacheFileLease> leases_;            ///< by display: on what it shows
     std::map<std::string, std::filesystem::path> lastKnown_;  ///< by display: what the desktop said
+    std::function<void(const std::string&)> shownHandler_;
     TaskHandle<void> asking_;
     TaskScope tasks_;
 };

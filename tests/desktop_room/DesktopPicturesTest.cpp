@@ -1,8 +1,11 @@
 #include "desktop/DesktopPictures.h"
 
+#include "desktop/LastShownKeeper.h"
+
 #include "fakes/DesktopWorld.h"
 #include "fakes/RecordedLog.h"
 #include "modes/WallpaperApplicationError.h"
+#include "storage/LastShownRows.h"
 
 namespace quillmar {
 namespace {
@@ -171,6 +174,54 @@ TEST_F(DesktopPicturesTest, ofManyPicturesThatWaitToBeWrittenTheOldestIsLetGo) {
     EXPECT_EQ(rendering.written, 3);
     EXPECT_THAT(log.lines, Contains(HasSubstr("A picture that is shown could not be kept in the cache.")));
     EXPECT_TRUE(fs::exists(folder.path() / "6.png"));
+}
+
+TEST_F(DesktopPicturesTest, whatHasStoodForAWhileOrIsShownAtTheEndIsKeptForTheNextStart) {
+    const fs::path rowsFolder = folder.path() / "Cache/LastShown";
+    LastShownKeeper keeper({.loop = loop,
+                            .pictures = *pictures,
+                            .displays = displays,
+                            .rendering = rendering,
+                            .writer = writer,
+                            .executor = executor,
+                            .folder = rowsFolder});
+    const auto kept = [&] {
+        const auto rows = LastShownRows::open(rowsFolder, id(1).substr(8));
+        return rows ? rows->png().filename().string() : "";
+    };
+    keeper.start();
+    set(1, "one.png");
+    loop.advance(59s);
+    EXPECT_EQ(kept(), "");
+    loop.advance(1s);
+    EXPECT_EQ(kept(), "one.png");
+    for (int minute = 0; minute < 29; ++minute) {
+        set(1, minute % 2 == 0 ? "two.png" : "three.png");
+        loop.advance(1min);
+        EXPECT_EQ(kept(), "one.png") << "rows are large";
+    }
+    loop.advance(2min);
+    EXPECT_EQ(kept(), "two.png");
+    set(1, "last.png");
+    EXPECT_EQ(run(keeper.stop()), "done");
+    EXPECT_EQ(kept(), "last.png");
+    const int loaded = rendering.loaded;
+    LastShownKeeper next({.loop = loop,
+                          .pictures = *pictures,
+                          .displays = displays,
+                          .rendering = rendering,
+                          .writer = writer,
+                          .executor = executor,
+                          .folder = rowsFolder});
+    next.start();
+    run(pictures->set(id(1), {folder.path() / "last.png", nullptr}));
+    loop.advance(1min);
+    EXPECT_EQ(rendering.loaded, loaded) << "they are there";
+    set(1, "stuck.png");
+    rendering.hold();
+    const auto stopping = outcomeOf(loop, tasks, next.stop());
+    loop.advance(LastShownKeeper::longestEnd);
+    EXPECT_EQ(stopping->text, "done");
 }
 
 }  // namespace

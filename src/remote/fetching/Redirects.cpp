@@ -1,13 +1,14 @@
 #include "remote/fetching/Redirects.h"
 
-#include <stdexcept>
-
 #include "base/PublicAddress.h"
 #include "base/Text.h"
 #include "base/UrlEditing.h"
+#include "remote/fetching/RemoteImageProviderError.h"
 
 namespace quillmar {
 namespace {
+
+using Error = RemoteImageProviderError;
 
 constexpr int maximumHops = 10;
 
@@ -40,9 +41,9 @@ Task<HTTPResponse> openFollowingRedirects(HTTPSession& session, HTTPRequest requ
         HTTPResponse response = co_await session.open(request);
         const auto location = response.headers.find("location");
         if (!isRedirect(response.status) || location == response.headers.end()) co_return response;
-        if (hop == maximumHops) throw std::runtime_error("The server redirects without an end.");
+        if (hop == maximumHops) throw Error(Error::Case::endlessRedirects, service.name);
         const auto next = resolvedReference(request.url, location->second);
-        if (!next) throw std::runtime_error("The server redirects to what is no address.");
+        if (!next) throw Error(Error::Case::redirectToNowhere, service.name);
         if (!isSameHost(request.url, *next)) {
             std::erase_if(request.headers,
                           [](const auto& header) { return !isForEveryServer(header.first); });
@@ -50,7 +51,7 @@ Task<HTTPResponse> openFollowingRedirects(HTTPSession& session, HTTPRequest requ
         if (!service.isLocal()) request.reach = HTTPReach::publicNetworks;
         request.url = *next;
         request.resourceTimeout = end - loop.now();
-        if (request.resourceTimeout <= Duration::zero()) throw std::runtime_error("The request timed out.");
+        if (request.resourceTimeout <= Duration::zero()) throw Error(Error::Case::timedOut, service.name);
     }
 }
 

@@ -196,8 +196,9 @@ Task<RemoteImageFetcher::Download> RemoteImageFetcher::streamImage(RemoteService
                                                                    std::int64_t limit) {
     try {
         co_return co_await streamImageUnsorted(service, std::move(url), limit);
-    } catch (const Error&) {
-        throw;
+    } catch (const Error& error) {
+        if (error.errorCase() == Error::Case::imageTooLarge) throw;
+        throw Error(Error::Case::imageDownloadFailed, service.name);
     } catch (const CancellationError&) {
         throw;
     } catch (const ForbiddenAddressError& error) {

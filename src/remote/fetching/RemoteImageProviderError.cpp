@@ -26,6 +26,11 @@ std::string RemoteImageProviderError::message(GeneralLanguage language) const {
         case Case::forbiddenAddress:
             return localized("%@ leads to %@, which is no address of the Internet."_key, language,
                              {provider_, detail_});
+        case Case::endlessRedirects:
+            return localized("%@ redirects without an end."_key, language, {provider_});
+        case Case::redirectToNowhere:
+            return localized("%@ redirects to what is no address."_key, language, {provider_});
+        case Case::timedOut: return localized("%@ did not answer in time."_key, language, {provider_});
     }
     return {};
 }

@@ -16,8 +16,11 @@ public:
         metadataTooLarge,
         imageTooLarge,  ///< with the limit in megabytes, and no provider
         imageDownloadFailed,
-        unreachable,      ///< with the network's own words
-        forbiddenAddress  ///< with the address that an answer leads to
+        unreachable,       ///< with the network's own words
+        forbiddenAddress,  ///< with the address that an answer leads to
+        endlessRedirects,
+        redirectToNowhere,
+        timedOut,
     };
 
     RemoteImageProviderError(Case errorCase, std::string provider, std::int64_t number = 0)
