@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <random>
+#include <thread>
 
 #include "async/ThreadPool.h"
 #include "base/PublicAddress.h"
@@ -76,6 +77,8 @@ private:
     GlibMainLoop& loop_;
     int status_ = 0;
 };
+
+constexpr std::chrono::milliseconds longestTeardown{500};
 
 /// To one picture service: it is somebody else's machine.
 constexpr int maximumConnectionsPerHost = 3;
@@ -159,7 +162,14 @@ Ports LinuxPlatform::ports() {
 
 int LinuxPlatform::run() {
     adapters_->loop.run();
-    return adapters_->process.status();
+    const int status = adapters_->process.status();
+    // All is saved and said by now. A thread that waits for a server or a disk that does not answer must not
+    // keep the process.
+    std::thread([status] {
+        std::this_thread::sleep_for(longestTeardown);
+        ::_exit(status);
+    }).detach();
+    return status;
 }
 
 }  // namespace quillmar

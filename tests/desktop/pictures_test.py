@@ -1,6 +1,8 @@
 """Pictures on the displays: where each layout puts their edges, and that each comes back to its own display."""
 
 import struct
+import os
+import signal
 import subprocess
 import unittest
 import zlib
@@ -94,13 +96,15 @@ class PicturesTest(DesktopTest):
 
     def test_another_program_that_paints_all_the_while_is_outlived(self):
         program = self.start_and_wait()
-        painter = subprocess.Popen(["sh", "-c", f"while :; do hsetroot -solid '{BEFORE}'; done"])
+        painter = subprocess.Popen(
+            ["sh", "-c", f"while :; do hsetroot -solid '{BEFORE}'; done"], start_new_session=True
+        )
         try:
             for _ in range(5):
                 self.set_two_pictures()
                 self.set("all", "colour", GROUND)
         finally:
-            painter.kill()
+            os.killpg(painter.pid, signal.SIGKILL)  # with the one that paints just now
             painter.wait()
         self.set_two_pictures()
         self.wait_for_colors(program, LEFT, RIGHT)
@@ -118,7 +122,7 @@ class PicturesTest(DesktopTest):
             self.assertEqual([x11.color(*point) for point in self.POINTS], [LEFT, BEFORE])
         listed = run(PROGRAM, "wallpaper", env=self.environment).stdout
         self.assertIn("DUMMY1", listed)
-        self.assertIn("disabled", listed)
+        self.assertIn("Disabled", listed)
         self.quit(program)
 
     def paint_second_by_hand(self):
