@@ -21,6 +21,7 @@ namespace {
 using Command = std::vector<std::string>;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 constexpr int rounds = 9;
+constexpr std::chrono::seconds limit{20};
 /// What hsetroot paints before each turn.
 constexpr const char* blank = "#010203";
 constexpr std::uint32_t blankPixel = 0x010203;
@@ -60,6 +61,8 @@ public:
         const auto began = std::chrono::steady_clock::now();
         const pid_t process = started(command);
         while (!arePainted()) {
+            if (std::chrono::steady_clock::now() - began > limit)
+                throw std::runtime_error(command[0] + " painted nothing");
         }
         const Milliseconds elapsed = std::chrono::steady_clock::now() - began;
         waitpid(process, nullptr, 0);
