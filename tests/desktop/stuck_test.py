@@ -46,7 +46,7 @@ class StuckTest(DesktopTest):
         self.assertIsNone(stuck.poll())
         self.assertEqual(self.run_command("quit").returncode, 0)
         self.assertEqual(program.status(), 0, program.complaint())
-        self.assertEqual(stuck.communicate(timeout=PATIENCE)[1], "Quillmar ended before the command was done.\n")
+        self.assertEqual(stuck.communicate(timeout=PATIENCE)[1], "quillmar: Quillmar ended before the command was done.\n")
         self.assertEqual(stuck.returncode, 1)
         wait_until("no reader left", lambda: not readers() - before)
         again = self.start_and_wait()
