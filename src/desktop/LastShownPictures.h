@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "async/TaskLock.h"
 #include "async/Executor.h"
+#include "async/TaskLock.h"
 #include "platform/Screens.h"
 
 namespace quillmar {

@@ -2,8 +2,8 @@
 #include <filesystem>
 #include <vector>
 
-#include "async/TaskLock.h"
 #include "async/Executor.h"
+#include "async/TaskLock.h"
 #include "desktop/SpannedComposition.h"
 #include "desktop/SpannedState.h"
 

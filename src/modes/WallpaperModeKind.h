@@ -5,8 +5,8 @@
 
 namespace quillmar {
 
-/// What a display can be given as its wallpaper, each under its name of `PresentationKind`. The order is that of
-/// `WallpaperMode`'s cases.
+/// What a display can be given as its wallpaper, each under its name of `PresentationKind`. The order is that
+/// of `WallpaperMode`'s cases.
 enum class WallpaperModeKind {
     disabled,
     solidColor,

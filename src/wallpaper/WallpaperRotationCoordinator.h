@@ -14,9 +14,8 @@ namespace quillmar {
 /// at a time, and sooner again after a failure. Main thread.
 class WallpaperRotationCoordinator {
 public:
-    WallpaperRotationCoordinator(MainLoop& loop, EventBus& notifications,
-                                 AppSettingsModel& settingsModel, WallpaperCoordinator& wallpaperCoordinator,
-                                 const WallClock& clock);
+    WallpaperRotationCoordinator(MainLoop& loop, EventBus& notifications, AppSettingsModel& settingsModel,
+                                 WallpaperCoordinator& wallpaperCoordinator, const WallClock& clock);
 
     /// Begins to follow the settings; nothing when it does already.
     void start();
