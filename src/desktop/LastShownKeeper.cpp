@@ -28,9 +28,9 @@ Task<void> LastShownKeeper::stop() {
 }
 
 Task<void> LastShownKeeper::keepAll() {
-    std::vector<std::string> ids;
-    for (const auto& [id, display] : shown_) ids.push_back(id);
-    for (const std::string& id : ids) co_await keep(id);
+    std::vector<TaskHandle<void>> all;
+    for (const auto& [id, display] : shown_) all.push_back(tasks_.start(keep(id)));
+    for (const auto& one : all) co_await one.ended();
 }
 
 Task<void> LastShownKeeper::keep(std::string displayID) {

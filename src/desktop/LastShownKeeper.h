@@ -17,7 +17,7 @@ public:
     static constexpr std::chrono::seconds quietTime{60};
     static constexpr std::chrono::minutes shortestInterval{30};
     /// Nobody waits longer for it at the end.
-    static constexpr std::chrono::milliseconds longestEnd{400};
+    static constexpr std::chrono::milliseconds longestEnd{600};
 
     struct Services {
         MainLoop& loop;

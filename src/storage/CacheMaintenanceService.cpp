@@ -43,6 +43,7 @@ Task<CacheSweepResult> CacheMaintenanceService::sweep(std::optional<FilePaths> r
                                            policy.faviconMaximumAge);
         result += sweep.staleFolders(root / "VideoPlayback", policy.stalePlaybackWorkspaceAge);
         result += sweep.staleFiles(root / "MediaImportStaging", policy.staleMediaImportStagingAge);
+        result += sweep.staleFiles(root / "LastShown", policy.staleLastShownAge);
         if (!areSettingsKnown) return result;
         result += sweep.unreferencedFiles(root / "Images", downloadPrefix);
         result += sweep.unreferencedFiles(root / "Videos", {});

@@ -19,6 +19,7 @@ public:
         std::int64_t faviconMaximumBytes = 33554432;
         std::chrono::seconds stalePlaybackWorkspaceAge{86400};
         std::chrono::seconds staleMediaImportStagingAge{86400};
+        std::chrono::seconds staleLastShownAge{7776000};  ///< of displays that nobody plugs in any more
     };
 
     /// `executor` is a serial one of this service alone, so that no two sweeps overlap. Without a `cacheRoot`
