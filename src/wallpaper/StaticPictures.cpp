@@ -39,29 +39,7 @@ private:
 
 }  // namespace
 
-bool StaticPictures::presents(WallpaperModeKind kind) const {
-    switch (kind) {
-        case WallpaperModeKind::solidColor:
-        case WallpaperModeKind::image:
-        case WallpaperModeKind::slideshow:
-        case WallpaperModeKind::apod:
-        case WallpaperModeKind::nasaEpic:
-        case WallpaperModeKind::wallhaven:
-        case WallpaperModeKind::unsplash:
-        case WallpaperModeKind::bing:
-        case WallpaperModeKind::windowsSpotlight:
-        case WallpaperModeKind::museums: return true;
-        case WallpaperModeKind::disabled:
-        case WallpaperModeKind::colorFader:
-        case WallpaperModeKind::webpage:
-        case WallpaperModeKind::video:
-        case WallpaperModeKind::videoPlaylist:
-        case WallpaperModeKind::pdf:
-        case WallpaperModeKind::matrix:
-        case WallpaperModeKind::hexells: return false;
-    }
-    return false;
-}
+bool StaticPictures::presents(WallpaperModeKind kind) const { return isStill(kind); }
 
 Task<std::unique_ptr<WallpaperPresentation>> StaticPictures::prepare(WallpaperApplyRequest request) {
     std::string displayID = request.display.id;
