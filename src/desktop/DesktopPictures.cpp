@@ -13,8 +13,22 @@ using Error = WallpaperApplicationError;
 
 /// A person waits for the answer, and there is an older one.
 constexpr std::chrono::milliseconds longestQuestion{500};
+/// While a picture of ours is set a desktop answers only after that, and what it shows until then is known.
+constexpr std::chrono::milliseconds longestQuestionMeanwhile{20};
 
 }  // namespace
+
+/// Counts while it lives.
+class DesktopPictures::Setting {
+public:
+    explicit Setting(DesktopPictures& owner) : owner_(owner) { ++owner_.beingSet_; }
+    Setting(const Setting&) = delete;
+    Setting& operator=(const Setting&) = delete;
+    ~Setting() { --owner_.beingSet_; }
+
+private:
+    DesktopPictures& owner_;
+};
 
 DesktopPictures::DesktopPictures(Services services)
     : services_(std::move(services)),
@@ -70,6 +84,7 @@ Task<void> DesktopPictures::show(std::string displayID, DesktopImage image, Desk
 
 Task<void> DesktopPictures::showInTurn(std::string displayID, DesktopImage image,
                                        DesktopImageOptions options) {
+    const Setting setting(*this);
     DesktopPicturing* picturing = co_await desktop();
     // Looked up only now: the display may have gone meanwhile.
     const Screen screen = screenOf(displayID);
@@ -209,7 +224,7 @@ Task<void> DesktopPictures::repaintIfForgotten(std::string displayID) {
 Task<std::map<std::string, fs::path>> DesktopPictures::shown() {
     // One question at a time: to a desktop that does not answer they would pile up.
     if (!asking_ || asking_.isFinished()) asking_ = tasks_.start(askForShown());
-    co_await endedWithin(asking_, longestQuestion);
+    co_await endedWithin(asking_, beingSet_ > 0 ? longestQuestionMeanwhile : longestQuestion);
     std::map<std::string, fs::path> files;
     for (const DisplayInfo& display : services_.displays.displays()) {
         if (const auto known = lastKnown_.find(display.id); known != lastKnown_.end()) files.insert(*known);

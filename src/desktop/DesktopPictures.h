@@ -71,10 +71,11 @@ public:
     /// Shows again on every display what it must show and the desktop has forgotten. Failures are logged.
     Task<void> repaintForgotten();
     /// The file of each connected display that one is known for: as the desktop says or, where it does not
-    /// answer within half a second, as it said last.
+    /// answer within half a second, or is being given a picture, as it said last.
     Task<std::map<std::string, std::filesystem::path>> shown();
 
 private:
+    class Setting;
     Task<DesktopPicturing*> desktop();
     Screen screenOf(const std::string& displayID) const;
     Task<void> show(std::string displayID, DesktopImage image, DesktopImageOptions options);
@@ -93,9 +94,10 @@ private:
     std::unique_ptr<DesktopPicturing> spanned_;
     DesktopPicturing* desktop_ = nullptr;  ///< null until the desktop's way is known
     bool forgetsWithSession_ = false;
-    std::map<std::string, TaskLock> order_;                   ///< by display
-    std::map<std::string, std::filesystem::path> mustShow_;   ///< by display
-    std::map<std::string, CacheFileLease> leases_;            ///< by display: on what it shows
+    int beingSet_ = 0;                                       ///< how many pictures the desktop is being given
+    std::map<std::string, TaskLock> order_;                  ///< by display
+    std::map<std::string, std::filesystem::path> mustShow_;  ///< by display
+    std::map<std::string, CacheFileLease> leases_;           ///< by display: on what it shows
     std::map<std::string, std::filesystem::path> lastKnown_;  ///< by display: what the desktop said
     std::function<void(const std::string&)> shownHandler_;
     TaskHandle<void> asking_;

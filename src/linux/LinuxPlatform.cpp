@@ -20,6 +20,7 @@
 #include "linux/glib/ClockJumps.h"
 #include "linux/glib/GlibMainLoop.h"
 #include "linux/glib/JournalSystemLog.h"
+#include "linux/glib/LoopProbe.h"
 #include "linux/glib/NetworkReturn.h"
 #include "linux/glib/PreferredLanguages.h"
 #include "linux/glib/SystemWallClock.h"
@@ -99,6 +100,7 @@ struct LinuxPlatform::Adapters {
     const Environment& environment;
     AlertPresenting& alerts;
     std::filesystem::path supportFolder = applicationSupportDirectoryOrNowhere(environment);
+    std::unique_ptr<LoopProbe> loopProbe = LoopProbe::wanted();
     GlibMainLoop loop;
     SystemWallClock clock;
     Scrubber scrubber{personalDirectories(environ)};
