@@ -5,6 +5,7 @@
 #include "base/Files.h"
 #include "base/HexColor.h"
 #include "desktop/CanvasLayout.h"
+#include "diagnostics/Log.h"
 #include "modes/WallpaperApplicationError.h"
 #include "platform/PictureRenderingError.h"
 #include "storage/LastUsedStamp.h"
@@ -109,7 +110,8 @@ Task<SharedPixels> WallpaperRenderer::render(fs::path source, PictureComposer co
             throw Error(Error::Case::unreadableImage, source.string());
         }
         if (error.errorCase() != PictureRenderingError::Case::failed) throw;
-    } catch (const std::system_error&) {  // the machine could not begin it: as good as not drawn
+    } catch (const std::system_error&) {
+        logWarning("The reading of a picture could not be begun.", "wallpaper", std::current_exception());
     }
     throw Error(Error::Case::imageRenderingFailed);
 }

@@ -1,13 +1,14 @@
 """How the program starts, meets a second start, refuses and ends."""
 
 import os
+import pathlib
 import signal
 import stat
 import unittest
 import unittest.mock
 
-from quillmar_desktop import ACQUIRED, BEFORE, COMPLETED, LIMITED, TERMINATING
-from quillmar_desktop import DesktopTest, another_desktop, run, wait_until
+from quillmar_desktop import ACQUIRED, BEFORE, COMPLETED, LIMITED, PROGRAM, TERMINATING
+from quillmar_desktop import DesktopTest, Program, another_desktop, run, run_checked, wait_until
 
 TWO_COLORS = {"DUMMY0": "#1F6F8B", "DUMMY1": "#D98E04"}
 HAS_NAME = (
@@ -98,6 +99,18 @@ class LifecycleTest(DesktopTest):
             os.kill(server, signal.SIGKILL)
             self.assertEqual(program.status(), 1)
             self.assertIn("quillmar: The connection to the display server was lost.", program.complaint())
+
+    def test_where_it_is_installed_its_programs_find_each_other(self):
+        build = pathlib.Path(PROGRAM).parent
+        run_checked("cmake", "--install", str(build), "--prefix", str(self.home / "usr"))
+        picture = pathlib.Path(__file__).parent.parent / "render" / "samples" / "quadrants.heic"
+        installed = str(self.home / "usr" / "bin" / "quillmar")
+        program = Program([installed], self.environment)
+        self.addCleanup(self.end, program)
+        self.wait_for_log(COMPLETED, program)
+        answer = run(installed, "wallpaper", "set", "DUMMY0", "image", str(picture), env=self.environment)
+        self.assertEqual(answer.stdout, "DUMMY0: applied\n", answer.stderr)
+        self.quit(program)
 
 
 if __name__ == "__main__":

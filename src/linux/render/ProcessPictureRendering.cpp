@@ -87,10 +87,7 @@ ProcessPictureRendering::ProcessPictureRendering(Executor& executor, fs::path pr
 fs::path ProcessPictureRendering::installedProgram() {
     constexpr const char* name = "quillmar-render";
     const fs::path folder = fs::canonical("/proc/self/exe").parent_path();
-    for (const fs::path& place : {folder / name, folder.parent_path() / name}) {
-        if (fs::exists(place)) return place;
-    }
-    return folder.parent_path() / "lib/quillmar" / name;
+    return fs::exists(folder / name) ? folder / name : folder.parent_path() / name;
 }
 
 template <class T>

@@ -25,7 +25,7 @@ public:
     Task<SharedPixels> load(std::filesystem::path png, PixelSize size) override;
     Task<bool> isPicture(std::filesystem::path file) override;
 
-    /// Where `quillmar-render` lies: beside the running program, a folder above it, or where it is installed.
+    /// Where `quillmar-render` lies: beside the running program, or a folder above it, as for tests.
     static std::filesystem::path installedProgram();
 
 private:
