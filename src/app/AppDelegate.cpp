@@ -4,17 +4,26 @@
 #include "diagnostics/Log.h"
 
 namespace quillmar {
+namespace {
+
+Task<void> ask(AlertPresenting* alerts, Alert alert, std::optional<std::size_t>* answer) {
+    *answer = co_await alerts->runModal(std::move(alert));
+}
+
+}  // namespace
 
 /// The start is in the order of the list. At the end the cache is left alone first, and nothing may follow
 /// the displays any more before what changes by itself stops.
 AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems)
-    : lastShown(subsystems.lastShownKeeper),
+    : edits(ports, subsystems),
+      lastShown(subsystems.lastShownKeeper),
       lastPictures(subsystems),
       cache(ports.loop, ports.clock, subsystems),
       rotation(subsystems.wallpaperRotation, subsystems.restoreFollowing),
       wallpapers(ports, subsystems, lastPictures),
       network(ports, subsystems),
       lives({
+          {.life = &edits, .stopPlace = 6, .resumePlace = 6},
           {.life = &lastShown, .stopPlace = 5, .resumePlace = 5},
           // The sweep spares what is shown, so that comes before it.
           {.life = &lastPictures, .stopPlace = 0, .resumePlace = 0},
@@ -55,7 +64,8 @@ Task<void> AppDelegate::forwardActivation() {
 void AppDelegate::applicationDidFinishLaunching() {
     if (!isPrimary()) return;
     ports_.screens.setChangeHandler([this] { running_->wallpapers.screenParametersDidChange(); });
-    control_.emplace(controlServices(ports_, *subsystems_, [this] { quitController_.requestQuit(); }));
+    control_.emplace(controlServices(
+        ports_, *subsystems_, [this] { quitController_.requestQuit(); }, [this] { return isRecovering_; }));
     ports_.control.serve([this](ControlCall call) { return control_->handle(std::move(call)); });
     ports_.runningInstances.publish(
         [] { logInfo("Another start asked this instance to come to the front.", "lifecycle"); });
@@ -68,15 +78,16 @@ Task<void> AppDelegate::startUp() {
     AppSettingsModel& model = subsystems_->settingsModel;
     co_await model.loaded();
     co_await throwIfCancelled();
-    if (!model.canPersist()) co_await showSettingsRecoveryAlert();
+    isRecovering_ = !model.canPersist();
+    co_await running_->edits.start();
+    if (isRecovering_) co_await showSettingsRecoveryAlert();
     co_await throwIfCancelled();
 
     ports_.usageReporting.sendMessage("app_launch");
     ports_.usageReporting.sendMessage("display_count_" +
                                       std::to_string(subsystems_->displays.displays().size()));
-    const bool isLimited = !model.canPersist();
-    co_await running_->lives.start(isLimited);
-    if (isLimited) {
+    co_await running_->lives.start(isRecovering_);
+    if (isRecovering_) {
         logWarning("Application startup is limited until settings are recovered.", "lifecycle");
     } else {
         logInfo("Application startup completed.", "lifecycle");
@@ -99,7 +110,15 @@ Task<void> AppDelegate::showSettingsRecoveryAlert() {
         language, {details});
     alert.buttons = {localized("Open Backup / Restore"_key, language), localized("Not Now"_key, language)};
     constexpr std::size_t openButton = 0;
-    const std::size_t answer = co_await ports_.alerts.runModal(std::move(alert));
+    std::optional<std::size_t> answer;
+    TaskScope asking(ports_.loop);
+    const TaskHandle<void> question = asking.start(ask(&ports_.alerts, std::move(alert), &answer));
+    // Settings that were restored or mended meanwhile leave nothing to be asked.
+    const auto closing =
+        subsystems_->notifications.observe<AppSettings>(appSettingsDidChange, [&](const AppSettings&) {
+            if (subsystems_->settingsModel.canPersist()) question.cancel();
+        });
+    co_await question.ended();
     if (answer == openButton && ports_.settingsWindow) ports_.settingsWindow->open("backup");
 }
 
@@ -159,6 +178,7 @@ Task<bool> AppDelegate::keepsRunningAfterFailedSave() {
         language));
     alert.buttons = {localized("Cancel"_key, language), localized("Quit Without Saving"_key, language)};
     constexpr std::size_t cancelButton = 0;
+    alert.closingButton = cancelButton;
     co_return co_await ports_.alerts.runModal(std::move(alert)) == cancelButton;
 }
 

@@ -9,6 +9,7 @@
 #include "app/Lives.h"
 #include "app/Ports.h"
 #include "app/Rotation.h"
+#include "app/SettingsEdits.h"
 #include "app/Subsystems.h"
 #include "control/ControlService.h"
 #include "storage/ApplicationInstanceLock.h"
@@ -46,6 +47,7 @@ private:
     /// What runs in the primary instance, and the one list of it.
     struct Running {
         Running(const Ports& ports, Subsystems& subsystems);
+        SettingsEdits edits;
         LastShown lastShown;
         LastServicePictures lastPictures;
         CacheUpkeep cache;
@@ -65,6 +67,7 @@ private:
     std::unique_ptr<ApplicationInstanceLock> instanceLock_;
     ApplicationQuitController quitController_;
     bool isPreparingToTerminate_ = false;
+    bool isRecovering_ = false;  ///< the start is limited: the settings could not be read
     std::unique_ptr<Subsystems> subsystems_;
     std::optional<ControlService> control_;
     std::optional<Running> running_;

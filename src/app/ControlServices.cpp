@@ -11,7 +11,7 @@ Task<bool> mayNotify(RemoteErrorNotificationService* notifications) {
 }  // namespace
 
 ControlService::Services controlServices(const Ports& ports, Subsystems& subsystems,
-                                         std::function<void()> quit) {
+                                         std::function<void()> quit, std::function<bool()> isRecovering) {
     const std::string version = ports.bundle.semanticVersion("unknown");
     const auto sendAnalytics = [&usage = ports.usageReporting](const std::string& message) {
         usage.sendMessage(message);
@@ -36,7 +36,8 @@ ControlService::Services controlServices(const Ports& ports, Subsystems& subsyst
                         .version = version,
                         .mayNotify =
                             [service = &subsystems.remoteErrorNotifications] { return mayNotify(service); }},
-            .quit = std::move(quit)};
+            .quit = std::move(quit),
+            .isRecovering = std::move(isRecovering)};
 }
 
 }  // namespace quillmar

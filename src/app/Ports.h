@@ -10,6 +10,7 @@
 #include "platform/ApplicationControl.h"
 #include "platform/ControlChannel.h"
 #include "platform/DesktopPicture.h"
+#include "platform/FileWatching.h"
 #include "platform/HTTPSession.h"
 #include "platform/PictureRendering.h"
 #include "platform/RemoteNotificationCenter.h"
@@ -33,6 +34,7 @@ struct Ports {
     std::vector<std::string> preferredLanguages;          ///< locale names, the most wanted first
     ApplicationControl& process;
     SystemEventsObserving& systemEvents;
+    FileWatching& settingsWatch;  ///< for the settings file
     RunningInstances& runningInstances;
     ControlServing& control;
     UsageReporting& usageReporting;

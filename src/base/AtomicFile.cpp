@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <system_error>
 #include <utility>
@@ -25,13 +27,43 @@ void syncFolder(const std::filesystem::path& folder) {
     if (descriptor) ::fsync(descriptor.get());
 }
 
+bool isSmall(char c) { return c >= 'a' && c <= 'z'; }
+bool isDigitOrCapital(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z'); }
+
+/// Whether the end of a name is one of ours: what `mkostemp` chooses, but nothing that a person would, such
+/// as "backup", "Backup", "BACKUP" or "202611".
+bool isRandomEnd(std::string_view end) {
+    constexpr std::size_t length = 6;
+    return end.size() == length &&
+           std::ranges::all_of(end, [](char c) { return isSmall(c) || isDigitOrCapital(c); }) &&
+           std::ranges::any_of(end, isSmall) && std::ranges::any_of(end.substr(1), isDigitOrCapital);
+}
+
+/// Creates a file with a name of ours, which it puts into the pattern's place.
+int createTemporary(std::string& pattern) {
+    const std::string asked = pattern;
+    for (;;) {
+        pattern = asked;
+        const int descriptor = ::mkostemp(pattern.data(), O_CLOEXEC);
+        if (descriptor < 0 || isRandomEnd(std::string_view(pattern).substr(pattern.rfind('.') + 1)))
+            return descriptor;
+        ::close(descriptor);
+        ::unlink(pattern.c_str());
+    }
+}
+
+bool isOwnRegularFile(const std::filesystem::path& file) {
+    struct stat status{};
+    return ::lstat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid();
+}
+
 }  // namespace
 
 AtomicFile::AtomicFile(std::filesystem::path file, mode_t mode, Durability durability)
     : file_(std::move(file)),
       temporary_((folderOf(file_) / ("." + file_.filename().string() + ".XXXXXX")).string()),
       durability_(durability),
-      descriptor_(::mkostemp(temporary_.data(), O_CLOEXEC)) {
+      descriptor_(createTemporary(temporary_)) {
     if (!descriptor_) throwErrno();
     if (::fchmod(descriptor_.get(), mode) == 0) return;
     const int error = errno;
@@ -57,12 +89,55 @@ void AtomicFile::overwrite(std::size_t offset, std::span<const std::uint8_t> byt
 }
 
 void AtomicFile::commit() {
+    finish();
+    if (::rename(temporary_.c_str(), file_.c_str()) != 0) throwErrno();
+    noteCommitted();
+}
+
+std::optional<FileIdentity> AtomicFile::commitOver(const std::optional<FileIdentity>& expected) {
+    const FileIdentity written = finish();
+    if (identityOf(file_) != expected) return std::nullopt;
+    const auto renames = [this](unsigned int way) {
+        return ::renameat2(AT_FDCWD, temporary_.c_str(), AT_FDCWD, file_.c_str(), way) == 0;
+    };
+    if (renames(expected ? RENAME_EXCHANGE : RENAME_NOREPLACE)) {
+        // The two have changed places, so what was really there can still be looked at and put back.
+        if (expected && identityOf(temporary_) != expected) {
+            renames(RENAME_EXCHANGE);
+            return std::nullopt;
+        }
+        if (expected) ::unlink(temporary_.c_str());
+    } else if (errno == ENOENT || errno == EEXIST) {
+        return std::nullopt;
+    } else if ((errno != EINVAL && errno != ENOSYS) || !renames(0)) {  // not every file system knows them
+        throwErrno();
+    }
+    noteCommitted();
+    return written;
+}
+
+FileIdentity AtomicFile::finish() {
     if (durability_ == Durability::durable && ::fsync(descriptor_.get()) != 0) throwErrno();
+    struct stat status{};
+    if (::fstat(descriptor_.get(), &status) != 0) throwErrno();
     // Network file systems report a failed write only here.
     if (::close(descriptor_.release()) != 0 && errno != EINTR) throwErrno();
-    if (::rename(temporary_.c_str(), file_.c_str()) != 0) throwErrno();
+    return identityOf(status);
+}
+
+void AtomicFile::noteCommitted() {
     temporary_.clear();
     if (durability_ == Durability::durable) syncFolder(folderOf(file_));
+}
+
+void removeUnfinished(const std::filesystem::path& file) {
+    const std::string prefix = "." + file.filename().string() + ".";
+    std::error_code ignored;  // litter does no harm
+    for (const auto& entry : std::filesystem::directory_iterator(folderOf(file), ignored)) {
+        const std::string name = entry.path().filename().string();
+        if (!name.starts_with(prefix) || !isRandomEnd(std::string_view(name).substr(prefix.size()))) continue;
+        if (isOwnRegularFile(entry.path())) ::unlink(entry.path().c_str());
+    }
 }
 
 }  // namespace quillmar

@@ -5,6 +5,7 @@
 
 #include "base/ByteOutput.h"
 #include "base/FileDescriptor.h"
+#include "base/FileIdentity.h"
 #include "base/Files.h"
 
 namespace quillmar {
@@ -22,12 +23,20 @@ public:
     void append(std::span<const std::uint8_t> bytes) override;
     void overwrite(std::size_t offset, std::span<const std::uint8_t> bytes) override;
     void commit();
+    /// As `commit`, but only over the file that is expected there, or over none: what another program wrote
+    /// meanwhile stays. What is there now; empty where it was not as expected.
+    std::optional<FileIdentity> commitOver(const std::optional<FileIdentity>& expected);
 
 private:
+    FileIdentity finish();
+    void noteCommitted();
     std::filesystem::path file_;
     std::string temporary_;  ///< empty once it has its name
     Durability durability_;
     FileDescriptor descriptor_;
 };
+
+/// Removes what such files left beside `file` when their process was killed. Only while nobody writes there.
+void removeUnfinished(const std::filesystem::path& file);
 
 }  // namespace quillmar

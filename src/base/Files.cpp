@@ -61,6 +61,17 @@ void writeFileAtomically(const std::filesystem::path& file, std::string_view byt
     whole.commit();
 }
 
+std::filesystem::path linkTarget(std::filesystem::path file) {
+    constexpr int mostLinks = 40;
+    for (int links = 0; links < mostLinks; ++links) {
+        std::error_code isNoLink;
+        const std::filesystem::path target = std::filesystem::read_symlink(file, isNoLink);
+        if (isNoLink) return file;
+        file = file.parent_path() / target;
+    }
+    throw std::system_error(ELOOP, std::generic_category());
+}
+
 void createDirectories(const std::filesystem::path& folder, mode_t mode) {
     if (::mkdir(folder.c_str(), mode) == 0) return;
     if (errno == ENOENT && folder.has_parent_path() && folder.parent_path() != folder) {

@@ -28,6 +28,9 @@ enum class Durability { durable, reproducible };
 void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes, mode_t mode = 0644,
                          Durability durability = Durability::durable);
 
+/// The file that a link leads to in the end, whether it is there or not; any other path as it is.
+std::filesystem::path linkTarget(std::filesystem::path file);
+
 /// Creates the folder and its parents; folders that it makes get `mode`.
 void createDirectories(const std::filesystem::path& folder, mode_t mode = 0755);
 

@@ -9,6 +9,8 @@
 #define JSON_ASSERT(condition)
 #include <nlohmann/json.hpp>
 
+#include "base/JsonPosition.h"
+
 namespace quillmar::json {
 namespace {
 
@@ -67,18 +69,6 @@ void readParsed(const nlohmann::json& json, T& value, const Place& place, std::s
     value = std::move(*parsed);
 }
 
-/// Where the text that begins at `start` ends, its quotes included.
-std::size_t endOfText(std::string_view document, std::size_t start) {
-    for (std::size_t i = start + 1;;) {
-        const std::size_t quote = document.find('"', i);
-        if (quote == std::string_view::npos) return document.size();
-        const std::size_t last = document.find_last_not_of('\\', quote - 1);
-        // A quote behind an odd number of backslashes is part of the text.
-        if ((quote - 1 - last) % 2 == 0) return quote;
-        i = quote + 1;
-    }
-}
-
 /// Whether brackets that are open at one time are few enough. Told before parsing: a hostile text of nothing
 /// else becomes a document of a hundred times its size.
 bool isNestedTooDeeply(std::string_view text) {
@@ -92,30 +82,23 @@ bool isNestedTooDeeply(std::string_view text) {
                 break;
             case ']':
             case '}': --depth; break;
-            case '"': i = endOfText(text, i); break;
+            case '"': i = endOfJsonText(text, i); break;
             default: break;
         }
     }
     return false;
 }
 
-/// Where the reader stopped, as editors count: lines and bytes within a line, both from 1.
-std::string lineAndColumn(std::string_view text, std::size_t byte) {
-    const std::string_view before = text.substr(0, byte == 0 ? 0 : byte - 1);
-    const std::size_t lineStart = before.rfind('\n') + 1;  // 0 where there is no line feed
-    return fmt::format("line {}, column {}", std::ranges::count(before, '\n') + 1,
-                       before.size() - lineStart + 1);
-}
-
 nlohmann::json parsed(std::string_view text) {
-    constexpr std::size_t maximumBytes = 64u << 20;
+    constexpr std::size_t maximumBytes = 16u << 20;  // becomes a document of a quarter of a gigabyte
     if (text.size() > maximumBytes) throw JsonRecordError("", "the document is too large");
     if (isNestedTooDeeply(text)) throw JsonRecordError("", "the document is nested too deeply");
     try {
         return nlohmann::json::parse(text);
     } catch (const nlohmann::json::parse_error& error) {
+        const auto [line, column] = positionAt(text, error.byte == 0 ? 0 : error.byte - 1);
         throw JsonRecordError(
-            "", fmt::format("the document is not valid JSON ({})", lineAndColumn(text, error.byte)));
+            "", fmt::format("the document is not valid JSON (line {}, column {})", line, column));
     } catch (const nlohmann::json::out_of_range&) {
         throw JsonRecordError(
             "", "the document is not valid JSON: it has a number that no machine number can hold");

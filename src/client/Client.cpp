@@ -1,7 +1,13 @@
 #include "client/Client.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+
+#include "base/FileDescriptor.h"
+#include "base/FileError.h"
 #include "client/AgentBus.h"
 #include "commandline/Completion.h"
 #include "commandline/Help.h"
@@ -19,6 +25,24 @@ std::string workingDirectory() {
     return failure ? "/" : folder.string();
 }
 
+/// Pipes, terminals and devices are written into here: what "/dev/stdout" is depends on who opens it, and a
+/// pipe waits for its reader. The backup comes over the standard output then.
+void sendToStandardOutput(std::string& file) {
+    const auto isBelow = [&](std::string_view folder) { return file.starts_with(folder); };
+    struct stat status{};
+    const bool isThere = ::stat(file.c_str(), &status) == 0;
+    const bool isFile = isThere && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
+    const bool isOurs =
+        file == "/dev/stdout" || file == "/dev/stderr" || isBelow("/dev/fd/") || isBelow("/proc/");
+    if (!isThere || (isFile && !isOurs)) return;
+    if (file != "/dev/stdout") {
+        const FileDescriptor opened(::open(file.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
+        if (!opened || ::dup2(opened.get(), STDOUT_FILENO) < 0)
+            throw FileError(file, std::error_code(errno, std::generic_category()));
+    }
+    file = "-";
+}
+
 }  // namespace
 
 int Client::run(const std::vector<std::string>& words) {
@@ -33,7 +57,10 @@ int Client::run(const std::vector<std::string>& words) {
         case Wish::command: break;
     }
     judge(line);
-    return ask(line, words);
+    std::vector<std::string> asked = words;
+    if (line.is("backup export"))
+        sendToStandardOutput(*std::find(asked.rbegin(), asked.rend(), line.operands.front()));
+    return ask(line, asked);
 }
 
 int Client::ask(const CommandLine& line, const std::vector<std::string>& words) {

@@ -26,8 +26,9 @@ Task<ControlReply> BackupCommand::run(CommandLine line, std::filesystem::path fo
     const Sections sections = namedSections(line);
     co_await services_.settingsModel.loaded();
     if (line.is("backup reset")) co_return co_await reset();
+    if (line.is("backup export"))
+        co_return co_await exportTo(std::move(folder), line.operands.front(), sections);
     const std::filesystem::path file = folder / line.operands.front();
-    if (line.is("backup export")) co_return co_await exportTo(file, sections);
     if (line.is("backup inspect")) co_return co_await inspect(file);
     co_return co_await restore(file, sections);
 }
@@ -36,7 +37,8 @@ ControlReply BackupCommand::failed(TextKey sentence) const {
     return {.status = 1, .errors = localized(sentence, language()) + "\n"};
 }
 
-Task<ControlReply> BackupCommand::exportTo(std::filesystem::path file, Sections sections) {
+Task<ControlReply> BackupCommand::exportTo(std::filesystem::path folder, std::string file,
+                                           Sections sections) {
     // What is in memory then is not what the user has configured.
     if (const auto& error = services_.settingsModel.loadError()) {
         co_return ControlReply{
@@ -47,7 +49,12 @@ Task<ControlReply> BackupCommand::exportTo(std::filesystem::path file, Sections 
     }
     BackupSettingsModel backup(services_);
     if (sections) backup.exportSections = *sections;
-    co_await backup.exportTo(std::move(file));
+    if (file == "-") {
+        auto text = co_await backup.exportText();
+        if (text) co_return ControlReply{.output = *std::move(text)};
+        co_return replyOf(backup.notice());
+    }
+    co_await backup.exportTo(folder / file);
     co_return replyOf(backup.notice());
 }
 

@@ -18,7 +18,7 @@ public:
 private:
     using Sections = std::optional<SettingsBackupSections>;
 
-    Task<ControlReply> exportTo(std::filesystem::path file, Sections sections);
+    Task<ControlReply> exportTo(std::filesystem::path folder, std::string file, Sections sections);
     Task<ControlReply> inspect(std::filesystem::path file);
     Task<ControlReply> restore(std::filesystem::path file, Sections sections);
     Task<ControlReply> reset();

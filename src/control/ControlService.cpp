@@ -6,12 +6,14 @@
 namespace quillmar {
 
 ControlService::ControlService(Services services)
-    : backup_(std::move(services.backup)),
+    : settingsModel_(services.wallpaper.settingsModel),
+      backup_(std::move(services.backup)),
       wallpaper_(services.wallpaper),
       general_(std::move(services.general)),
       displays_(services.wallpaper.displays),
       version_(services.wallpaper.version),
       quit_(std::move(services.quit)),
+      isRecovering_(std::move(services.isRecovering)),
       loop_(services.loop) {}
 
 Task<ControlReply> ControlService::handle(ControlCall call) {
@@ -19,6 +21,7 @@ Task<ControlReply> ControlService::handle(ControlCall call) {
     try {
         CommandLine line = CommandLine::parse(call.arguments);
         judge(line);
+        if (line.wish == CommandLine::Wish::command) co_await followSettingsFile();
         reply = co_await carryOut(std::move(line), call.workingDirectory);
     } catch (const CancellationError&) {
         throw;
@@ -27,7 +30,32 @@ Task<ControlReply> ControlService::handle(ControlCall call) {
     } catch (const std::exception& error) {
         reply = {.status = 1, .errors = errorText(error, language()) + "\n"};
     }
+    reply.errors += recoveryNote();
     co_return reply;
+}
+
+/// An edit is older than the command that comes after it, whoever hears of it first.
+Task<void> ControlService::followSettingsFile() {
+    const auto hold = co_await settingsModel_.transactionGate().acquire();
+    co_await settingsModel_.followFile();
+}
+
+std::string ControlService::recoveryNote() const {
+    if (!settingsModel_.isLoaded() || (settingsModel_.canPersist() && !isRecovering_())) return {};
+    const auto note = [&](TextKey sentence) {
+        const std::string reason = settingsModel_.loadError().value_or("");
+        return localized(sentence, language(), {reason}) + "\n";
+    };
+    if (settingsModel_.canPersist()) {
+        return note(
+            "Quillmar is still in recovery mode, though its settings can be read again: quit it and start it again."_key);
+    }
+    if (isRecovering_()) {
+        return note(
+            "Quillmar is in recovery mode, because it cannot read its settings (%@). Mend the file, or use \"quillmar backup restore FILE\" or \"quillmar backup reset\"; then quit it and start it again."_key);
+    }
+    return note(
+        "The settings file cannot be read, so nothing is saved (%@). Mend it, or use \"quillmar backup restore FILE\" or \"quillmar backup reset\"."_key);
 }
 
 Task<ControlReply> ControlService::carryOut(CommandLine line, std::string folder) {
@@ -43,6 +71,8 @@ Task<ControlReply> ControlService::carryOut(CommandLine line, std::string folder
         co_return ControlReply{.output = line.wantsJson() ? displaysAsJson(displays, version_)
                                                           : displaysAsText(displays, language())};
     }
+    // Without settings there is no next picture; the note says the rest.
+    if (words == "wallpaper next" && isRecovering_()) co_return ControlReply{.status = 1};
     if (words == "quit") {
         // Later, so that the answer is on its way before the program is.
         quitting_ = Scheduled(loop_, quit_);

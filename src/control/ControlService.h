@@ -14,7 +14,8 @@ public:
         BackupSettingsModel::Services backup;
         WallpaperCommand::Services wallpaper;
         GeneralCommand::Services general;
-        std::function<void()> quit;  ///< the user's explicit wish to end
+        std::function<void()> quit;          ///< the user's explicit wish to end
+        std::function<bool()> isRecovering;  ///< the start was limited: the settings could not be read
     };
     explicit ControlService(Services services);
 
@@ -25,7 +26,12 @@ private:
     Task<ControlReply> carryOut(CommandLine line, std::string folder);
     /// What a caller of another version is told besides.
     std::string versionNote(const ControlCall& call) const;
+    /// What is said beside every answer while the settings file cannot be read: where, and the way out.
+    std::string recoveryNote() const;
+    Task<void> followSettingsFile();
     GeneralLanguage language() const { return backup_.language(); }
+
+    AppSettingsModel& settingsModel_;
 
     BackupCommand backup_;
     WallpaperCommand wallpaper_;
@@ -33,6 +39,7 @@ private:
     const DisplayService& displays_;
     std::string version_;
     std::function<void()> quit_;
+    std::function<bool()> isRecovering_;
     MainLoop& loop_;
     Scheduled quitting_;
 };

@@ -9,8 +9,9 @@ OfflineBackup::OfflineBackup(MainLoop& loop, const WallClock& clock, Executor& p
                              const Environment& environment)
     : executor_(pool),
       defaults_(defaultSettings(bundle)),
-      store_(makeSettingsStore([&] { return createdApplicationSupportDirectory(environment); }, defaults_,
-                               executor_)),
+      // What only looks leaves no file: the first run is still to come.
+      store_(makeSettingsStore([&] { return applicationSupportDirectory(environment); }, defaults_, executor_,
+                               FirstRunFile::isLeftOut)),
       model_(loop, notifications_, *store_, defaults_, cacheFiles_),
       command_({.settingsModel = model_,
                 .backupService = service_,

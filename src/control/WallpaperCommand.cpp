@@ -129,7 +129,14 @@ ControlReply WallpaperCommand::replyOf(const WallpaperApplyBatchResult& batch) c
 Task<ProgramStatus> WallpaperCommand::status() const {
     // Each display's line holds together only when nothing is waited for between its parts.
     const auto shown = co_await services_.desktop.shown();
-    ProgramStatus program{services_.version, services_.settingsModel.settings().general.pauseRotations, {}};
+    const AppSettingsModel& model = services_.settingsModel;
+    ProgramStatus program{.version = services_.version,
+                          .areRotationsPaused = model.settings().general.pauseRotations,
+                          .displays = {},
+                          .settingsFault = model.loadError(),
+                          .saveFailure = model.saveError(),
+                          .unsavedSettings = {}};
+    if (const auto& file = model.unsavedFile()) program.unsavedSettings = file->string();
     for (const DisplayInfo& display : services_.displays.displays()) {
         program.displays.push_back(statusOf(display));
         if (const auto file = shown.find(display.id); file != shown.end())

@@ -61,8 +61,17 @@ std::string displaysStatusAsJson(ProgramStatus program) {
 std::string statusAsText(const ProgramStatus& program, GeneralLanguage language) {
     const std::string pause =
         program.areRotationsPaused ? localized(", rotations are paused"_key, language) : std::string();
-    return fmt::format("Quillmar {}{}\n{}", program.version, pause,
-                       displaysStatusAsText(program.displays, language));
+    std::string text = fmt::format("Quillmar {}{}\n", program.version, pause);
+    if (program.saveFailure) {
+        text += localized("The settings could not be saved: %@"_key, language, {*program.saveFailure}) + "\n";
+    }
+    if (program.unsavedSettings) {
+        text += localized(
+                    "The settings file was edited while a change was not saved yet, which is kept in %@."_key,
+                    language, {*program.unsavedSettings}) +
+                "\n";
+    }
+    return text + displaysStatusAsText(program.displays, language);
 }
 
 std::string displaysStatusAsText(const std::vector<WallpaperStatus>& displays, GeneralLanguage language) {

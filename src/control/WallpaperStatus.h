@@ -57,10 +57,16 @@ struct ProgramStatus {
     std::string version;
     bool areRotationsPaused = false;
     std::vector<WallpaperStatus> displays;
+    std::optional<std::string> settingsFault;    ///< why the settings file cannot be read
+    std::optional<std::string> saveFailure;      ///< why the latest change is not on disk
+    std::optional<std::string> unsavedSettings;  ///< file of what an edit of the settings overtook
 
     static void describe(auto& self, auto& io) {
         io.required("version", self.version)
             .required("areRotationsPaused", self.areRotationsPaused)
+            .optional("settingsFault", self.settingsFault)
+            .optional("saveFailure", self.saveFailure)
+            .optional("unsavedSettings", self.unsavedSettings)
             .required("displays", self.displays);
     }
 };

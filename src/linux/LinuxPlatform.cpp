@@ -19,6 +19,7 @@
 #include "linux/desktop/LinuxDesktopPicture.h"
 #include "linux/glib/ClockJumps.h"
 #include "linux/glib/GlibMainLoop.h"
+#include "linux/glib/InotifyFileWatch.h"
 #include "linux/glib/JournalSystemLog.h"
 #include "linux/glib/LoopProbe.h"
 #include "linux/glib/NetworkReturn.h"
@@ -47,6 +48,9 @@ public:
     void setQuitHandler(std::function<void(SystemQuitReason)> handler) override {
         signals_.setQuitHandler(handler);
         sessionEnd_.setQuitHandler(std::move(handler));
+    }
+    void setReloadHandler(std::function<void()> handler) override {
+        signals_.setReloadHandler(std::move(handler));
     }
     void setWakeHandler(std::function<void()> handler) override {
         clockJumps_.reset();
@@ -122,6 +126,7 @@ struct LinuxPlatform::Adapters {
     LoopControl process{loop};
     DBusControl controlChannel{loop};
     AllSystemEvents systemEvents{loop};
+    InotifyFileWatch settingsWatch;
     DBusRunningInstances instances;
     NoUsageReporting usageReporting;
     DBusNotifications notifications;
@@ -148,6 +153,7 @@ Ports LinuxPlatform::ports() {
             .preferredLanguages = preferredLanguages(),
             .process = own.process,
             .systemEvents = own.systemEvents,
+            .settingsWatch = own.settingsWatch,
             .runningInstances = own.instances,
             .control = own.controlChannel,
             .usageReporting = own.usageReporting,

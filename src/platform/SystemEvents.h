@@ -17,6 +17,9 @@ public:
     /// Calls back, from the main loop, each time the system asks the program to end. Replaces the former
     /// handler. Without a handler the program ends as the system would have it.
     virtual void setQuitHandler(std::function<void(SystemQuitReason)> handler) = 0;
+    /// Calls back, from the main loop, each time somebody asks the program to look at its settings again.
+    /// Replaces the former handler.
+    virtual void setReloadHandler(std::function<void()> handler) = 0;
     /// Calls back, from the main loop, each time the machine has woken up or its clock was set. Replaces the
     /// former handler.
     virtual void setWakeHandler(std::function<void()> handler) = 0;

@@ -3,12 +3,15 @@
 #include <algorithm>
 
 #include "async/Sleep.h"
+#include "diagnostics/Log.h"
 #include "settings/ReferencedFiles.h"
 
 namespace quillmar {
 namespace {
 
 constexpr std::chrono::milliseconds saveDelay{250};
+/// Of a transaction that meets one edit of the file after the other.
+constexpr int mostTries = 5;
 
 }  // namespace
 
@@ -64,18 +67,32 @@ Task<bool> AppSettingsModel::commit(SettingsUpdate mutation) {
 }
 
 Task<bool> AppSettingsModel::replaceSettings(AppSettings document) {
-    auto replace = [document = std::move(document)](AppSettings& settings) { settings = document; };
-    return uncancelled(tasks_.start(run({std::move(replace), true})).value());
+    return replaceSettings([document = std::move(document)](AppSettings& settings) { settings = document; });
+}
+
+Task<bool> AppSettingsModel::replaceSettings(SettingsUpdate mutation) {
+    return uncancelled(tasks_.start(run({std::move(mutation), true})).value());
 }
 
 Task<bool> AppSettingsModel::flushPendingSave() { return uncancelled(tasks_.start(flush()).value()); }
 
 Task<bool> AppSettingsModel::run(Transaction transaction) {
     if (!isLoaded_) co_await loadTask_.ended();
-    if (!transaction.replacesDocument && !canPersist_) {
-        saveError_ = refusalText();
-        co_return false;
+    // What is replaced in part keeps the rest as it is on disk.
+    if (transaction.replacesDocument) co_await follow();
+    for (int tries = 1;; ++tries) {
+        if (!transaction.replacesDocument && !canPersist_) {
+            saveError_ = refusalText();
+            co_return false;
+        }
+        const SettingsSaveAttempt attempt = co_await runOnce(transaction);
+        if (!attempt.wasFileChanged || tries == mostTries) co_return !attempt.errorMessage;
+        // Their edit came first: it is taken over, and ours is made again on top of it.
+        co_await follow();
     }
+}
+
+Task<SettingsSaveAttempt> AppSettingsModel::runOnce(Transaction transaction) {
     co_await finishImmediateSave();
     co_await cancelDebouncedSave();
 
@@ -88,7 +105,8 @@ Task<bool> AppSettingsModel::run(Transaction transaction) {
     apply(transaction.mutation);
     ++settingsRevision_;
     saveError_.reset();
-    immediateSaveTask_ = tasks_.start(attemptSave(settings_, settingsRevision_));
+    immediateSaveTask_ = tasks_.start(
+        attemptSave(settings_, settingsRevision_, transaction.replacesDocument ? Way::replaces : Way::saves));
     isSavingSettings_ = true;
     const SettingsSaveAttempt attempt = co_await immediateSaveTask_.value();
     immediateSaveTask_.reset();
@@ -102,19 +120,17 @@ Task<bool> AppSettingsModel::run(Transaction transaction) {
             canPersist_ = true;
             loadError_.reset();
         }
-        if (!deferred.empty()) scheduleSaveIfPossible();
-        post();
-        co_return true;
-    }
-    setSettings(previousSettings);
-    settingsRevision_ = previousRevision;
-    for (const SettingsUpdate& update : deferred) {
-        apply(update);
-        ++settingsRevision_;
+    } else {
+        setSettings(previousSettings);
+        settingsRevision_ = previousRevision;
+        for (const SettingsUpdate& update : deferred) {
+            apply(update);
+            ++settingsRevision_;
+        }
     }
     post();
     if (!deferred.empty()) scheduleSaveIfPossible();
-    co_return false;
+    co_return attempt;
 }
 
 Task<bool> AppSettingsModel::flush() {
@@ -131,6 +147,10 @@ Task<bool> AppSettingsModel::flush() {
         record(attempt);
         co_return true;
     }
+    if (attempt.wasFileChanged) {
+        co_await follow();
+        if (persistedRevision_ >= settingsRevision_) co_return true;
+    }
     if (settingsRevision_ == attempt.revision) saveError_ = attempt.errorMessage;
     co_return false;
 }
@@ -146,11 +166,17 @@ Task<void> AppSettingsModel::finishImmediateSave() {
     }
 }
 
-Task<SettingsSaveAttempt> AppSettingsModel::attemptSave(AppSettings document, std::int64_t revision) {
+Task<SettingsSaveAttempt> AppSettingsModel::attemptSave(AppSettings document, std::int64_t revision,
+                                                        Way way) {
     SettingsSaveAttempt attempt{revision, {}};
     try {
-        co_await store_.save(std::move(document));
+        if (way == Way::replaces) {
+            replacedFile_ = co_await store_.replace(std::move(document));
+        } else {
+            co_await store_.save(std::move(document));
+        }
     } catch (const std::exception& error) {
+        attempt.wasFileChanged = dynamic_cast<const SettingsFileChangedError*>(&error) != nullptr;
         attempt.errorMessage = errorText(error, settings_.general.language);
     }
     co_return attempt;
@@ -166,14 +192,25 @@ void AppSettingsModel::scheduleSave() {
 }
 
 Task<void> AppSettingsModel::saveAfterPause(AppSettings document, std::int64_t revision) {
-    co_await sleepFor(saveDelay);
+    do {
+        co_await sleepFor(saveDelay);
+    } while (isFollowing_);
     if (co_await isCancelled()) co_return;
     const SettingsSaveAttempt attempt = co_await attemptSave(std::move(document), revision);
     if (!attempt.errorMessage) {
         noteSaved(revision);
+    } else if (attempt.wasFileChanged) {
+        tasks_.spawn(followInLine());
     } else if (!co_await isCancelled() && settingsRevision_ == revision) {
-        saveError_ = attempt.errorMessage;
+        noteSaveFailure(*attempt.errorMessage);
     }
+}
+
+/// Nobody waits for a save in the background, so it says itself that it failed: once for each reason.
+void AppSettingsModel::noteSaveFailure(const std::string& message) {
+    saveError_ = message;
+    if (std::exchange(loggedSaveError_, message) != message)
+        logWarning("The settings could not be saved.", "settings", nullptr, {{"reason", message}});
 }
 
 Task<void> AppSettingsModel::cancelDebouncedSave() {
@@ -194,6 +231,7 @@ void AppSettingsModel::record(const SettingsSaveAttempt& attempt) {
 
 void AppSettingsModel::noteSaved(std::int64_t revision) {
     persistedRevision_ = std::max(persistedRevision_, revision);
+    loggedSaveError_.clear();
     if (settingsRevision_ == revision) saveError_.reset();
 }
 

@@ -18,6 +18,16 @@ namespace quillmar {
 /// Posted with the present document after the load, after each `update` and after each transaction.
 inline constexpr NotificationName<AppSettings> appSettingsDidChange{"QuillmarAppSettingsDidChange"};
 
+/// The document of another program took the place of ours.
+struct SettingsTakeover {
+    AppSettings former;                                   ///< our document until then
+    std::optional<std::filesystem::path> unsavedChanges;  ///< where ours is kept, if it was not on disk
+};
+/// Posted after a valid edit of the file was taken over, and after `appSettingsDidChange`.
+inline constexpr NotificationName<SettingsTakeover> settingsWereTakenOver{"QuillmarSettingsWereTakenOver"};
+/// Posted with the reason when the file was found to be unreadable, once for each reason.
+inline constexpr NotificationName<std::string> settingsFileBroke{"QuillmarSettingsFileBroke"};
+
 /// A change of the document, kept as a value so that it can be made again on another document.
 using SettingsUpdate = std::function<void(AppSettings&)>;
 
@@ -25,11 +35,12 @@ using SettingsUpdate = std::function<void(AppSettings&)>;
 struct SettingsSaveAttempt {
     std::int64_t revision = 0;
     std::optional<std::string> errorMessage;
+    bool wasFileChanged = false;  ///< it failed because somebody else wrote the file
 };
 
 /// The one owner of the settings. Changes are visible at once and reach the disk a moment later, or as
-/// transactions that reach it or are taken back; a file that could not be read is never written over. Main
-/// thread only.
+/// transactions that reach it or are taken back. A file that could not be read is never written over, nor is
+/// what another program wrote: a valid edit is taken over as it stands. Main thread only.
 class AppSettingsModel {
 public:
     /// Starts the load. `settings()` is `defaults` until it ends. Every file that the wallpapers, Lock
@@ -41,7 +52,8 @@ public:
     const AppSettings& settings() const { return settings_; }
     /// Whether the load has ended, well or not.
     bool isLoaded() const { return isLoaded_; }
-    /// False from the moment that the existing file could not be read.
+    /// False from the moment that the existing file could not be read until it is mended, removed or
+    /// replaced.
     bool canPersist() const { return canPersist_; }
     /// Why the file could not be read; nothing when it was read.
     const std::optional<std::string>& loadError() const { return loadError_; }
@@ -60,9 +72,17 @@ public:
     /// A transaction. True when the change is on disk; on false the document is as before, and `saveError`
     /// says why. Hold `transactionGate` around it. It runs to its end even when the calling task ends.
     Task<bool> commit(SettingsUpdate mutation);
-    /// A transaction that replaces the whole document, also when the file could not be read. As `commit`
-    /// otherwise.
+    /// A transaction that replaces the whole document, also when the file could not be read: that one is kept
+    /// beside the new one. As `commit` otherwise.
     Task<bool> replaceSettings(AppSettings document);
+    /// The same with a change of what is on disk.
+    Task<bool> replaceSettings(SettingsUpdate mutation);
+    /// Where the last replacement kept the file that could not be read; empty if it could be.
+    const std::optional<std::filesystem::path>& replacedFile() const { return replacedFile_; }
+    /// Where those of our changes are kept that an edit of the file overtook; empty if none.
+    const std::optional<std::filesystem::path>& unsavedFile() const { return unsavedFile_; }
+    /// Looks at the file, and takes over what another program made of it. Hold `transactionGate` around it.
+    Task<void> followFile();
     /// Waits until everything is on disk; false when it cannot be, and `saveError` says why.
     Task<bool> flushPendingSave();
 
@@ -78,8 +98,15 @@ private:
 
     Task<void> load(std::int64_t baseRevision);
     Task<bool> run(Transaction transaction);
+    Task<SettingsSaveAttempt> runOnce(Transaction transaction);
     Task<bool> flush();
-    Task<SettingsSaveAttempt> attemptSave(AppSettings document, std::int64_t revision);
+    enum class Way { saves, replaces };
+    Task<SettingsSaveAttempt> attemptSave(AppSettings document, std::int64_t revision, Way way = Way::saves);
+    Task<void> follow();
+    Task<void> followInLine();
+    Task<std::optional<std::filesystem::path>> keepUnsaved(AppSettings theirs);
+    void takeOver(AppSettings document, std::optional<std::filesystem::path> kept,
+                  const std::vector<SettingsUpdate>& updates);
     Task<void> saveAfterPause(AppSettings document, std::int64_t revision);
     Task<void> finishImmediateSave();
     Task<void> cancelDebouncedSave();
@@ -90,6 +117,9 @@ private:
     void apply(const SettingsUpdate& mutation);
     void setSettings(AppSettings settings);
     void post();
+    void noteReadable();
+    void noteBroken(std::string reason);
+    void noteSaveFailure(const std::string& message);
     std::string refusalText() const;
 
     EventBus& notifications_;
@@ -101,6 +131,10 @@ private:
     bool canPersist_ = true;
     std::optional<std::string> loadError_;
     std::optional<std::string> saveError_;
+    std::string loggedSaveError_;
+    std::optional<std::filesystem::path> replacedFile_;
+    std::optional<std::filesystem::path> unsavedFile_;
+    bool isFollowing_ = false;  ///< the file is looked at, and nothing may be written
     bool isSavingSettings_ = false;
     bool createdInitialSettingsFile_ = false;
     std::int64_t settingsRevision_ = 0;

@@ -5,22 +5,30 @@
 
 #include "async/Executor.h"
 #include "base/Localization.h"
-#include "settings/SettingsStoring.h"
+#include "settings/SettingsFile.h"
 
 namespace quillmar {
 
-/// The settings file, written whole and in one step. A file that cannot be read is left as it is, byte for
-/// byte.
+/// In the program's data folder.
+inline constexpr const char* settingsFileName = "settings.json";
+
+/// Whether a store that finds no file writes that of a first run.
+enum class FirstRunFile { isWritten, isLeftOut };
+
+/// The settings file behind an executor. A file that cannot be read is left as it is, byte for byte.
 class SettingsStore final : public SettingsStoring {
 public:
     /// `defaults` is the document of a first run. The executor must be serial: loads and saves never overlap.
-    SettingsStore(std::filesystem::path settingsFile, AppSettings defaults, Executor& executor);
+    SettingsStore(std::filesystem::path settingsFile, AppSettings defaults, Executor& executor,
+                  FirstRunFile firstRun = FirstRunFile::isWritten);
     Task<SettingsLoadResult> load() override;
     Task<void> save(AppSettings settings) override;
+    Task<SettingsFileChange> reload() override;
+    Task<std::optional<std::filesystem::path>> replace(AppSettings settings) override;
+    Task<std::filesystem::path> keepUnsaved(AppSettings settings) override;
 
 private:
-    std::filesystem::path settingsFile_;
-    AppSettings defaults_;
+    std::shared_ptr<SettingsFile> file_;  ///< of the jobs that are under way, too
     Executor& executor_;
 };
 
@@ -31,6 +39,9 @@ public:
     explicit UnavailableSettingsStore(std::exception_ptr reason) : reason_(std::move(reason)) {}
     Task<SettingsLoadResult> load() override;
     Task<void> save(AppSettings settings) override;
+    Task<SettingsFileChange> reload() override;
+    Task<std::optional<std::filesystem::path>> replace(AppSettings settings) override;
+    Task<std::filesystem::path> keepUnsaved(AppSettings settings) override;
 
 private:
     std::exception_ptr reason_;
@@ -50,6 +61,6 @@ private:
 /// failure.
 std::unique_ptr<SettingsStoring> makeSettingsStore(
     const std::function<std::filesystem::path()>& applicationSupport, AppSettings defaults,
-    Executor& executor);
+    Executor& executor, FirstRunFile firstRun = FirstRunFile::isWritten);
 
 }  // namespace quillmar

@@ -110,13 +110,13 @@ private:
 }  // namespace
 
 Task<std::size_t> GtkAlerts::runModal(Alert alert) {
-    const std::size_t last = alert.buttons.size() - 1;
+    const std::size_t closing = alert.closingButton.value_or(alert.buttons.size() - 1);
     std::optional<std::size_t> answer;
     WaitList answered;
     AlertDialog alertDialog(alert);
     const Signal response =
         Signal::connect<void, int>(alertDialog.dialog(), "response", [&](GtkDialog*, int pressed) {
-            answer = pressed >= 0 ? static_cast<std::size_t>(pressed) : last;
+            answer = pressed >= 0 ? static_cast<std::size_t>(pressed) : closing;
             answered.resumeAll();
         });
     alertDialog.showInFront();

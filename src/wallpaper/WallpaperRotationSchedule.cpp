@@ -10,6 +10,9 @@ namespace {
 constexpr std::array<Seconds, 3> retryWaits{Seconds(30), Seconds(60), Seconds(300)};
 constexpr int maximumFailureCount = 4;
 
+/// Whatever else is wrong with the mode.
+constexpr Seconds shortestInterval{1};
+
 /// No file can ask for more than a clock can count.
 constexpr Seconds longestWait = std::chrono::years(100);
 
@@ -17,9 +20,19 @@ WallTime after(WallTime time, Seconds wait) {
     return time + std::chrono::round<std::chrono::microseconds>(std::min(wait, longestWait));
 }
 
+/// An interval that no display would be set to does not run either: a file may say anything.
+bool isRefused(const WallpaperMode& mode) {
+    using Case = WallpaperApplicationError::Case;
+    const auto error = mode.validationError([](const auto&) { return true; });
+    if (!error) return false;
+    const Case what = error->errorCase();
+    return what == Case::invalidSlideshowInterval || what == Case::invalidRemoteRotationInterval ||
+           what == Case::invalidNasaEpicObservationDuration;
+}
+
 std::optional<WallpaperRotationDescriptor> descriptorOf(const DisplayWallpaperSettings& entry) {
     const auto interval = entry.mode.rotationInterval();
-    if (!interval || !(*interval > Seconds::zero())) return std::nullopt;
+    if (!interval || !(*interval >= shortestInterval) || isRefused(entry.mode)) return std::nullopt;
     return WallpaperRotationDescriptor{entry.displayID, *interval, entry.mode};
 }
 

@@ -36,10 +36,12 @@ Task<bool> WallpaperSettingsChanges::save(std::shared_ptr<WallpaperSettingsChang
         batch.transactionFailureMessage =
             localized("Quillmar could not start the wallpaper transaction."_key, spoken);
     } else {
-        change->previous = settingsModel_.settings().wallpaper;
-        change->wanted = change->previous;
-        change->change(change->wanted);
-        if (!co_await commit([wanted = change->wanted](WallpaperSettings& settings) { settings = wanted; })) {
+        // Made again, on top of it, where an edit of the file came before.
+        if (!co_await commit([change](WallpaperSettings& settings) {
+                change->previous = settings;
+                change->change(settings);
+                change->wanted = settings;
+            })) {
             batch.transactionFailureMessage = localized(
                 "Quillmar could not save the wallpaper settings. Review the settings save error before "
                 "trying again."_key,

@@ -6,6 +6,7 @@
 #include "base/Files.h"
 #include "fakes/FakePlatform.h"
 #include "fakes/RecordedLog.h"
+#include "fakes/TaskOutcome.h"
 #include "settings/records/SettingsCodec.h"
 
 namespace quillmar {
@@ -62,6 +63,11 @@ struct AppDelegateTest : ::testing::Test {
     std::string shown(std::uint32_t screen) const {
         const auto found = machine.desktop.shown.find(screen);
         return found == machine.desktop.shown.end() ? "" : found->second.filename().string();
+    }
+    ControlReply answer(std::vector<std::string> words) {
+        TaskScope tasks(machine.loop);
+        return outcomeOf(machine.loop, tasks, machine.control.handler({std::move(words), "/", ""}))
+            ->value.value();
     }
     void quitBySystem() {
         machine.systemEvents.quit(SystemQuitReason::terminated);
@@ -280,6 +286,7 @@ TEST_F(AppDelegateTest, settingsThatCannotBeSavedAtQuitLetTheUserStay) {
     EXPECT_EQ(machine.alerts.shown[0].title, "Quillmar Couldn’t Save Settings");
     EXPECT_THAT(machine.alerts.shown[0].text, HasSubstr("settings.json: Not a directory"));
     EXPECT_THAT(machine.alerts.shown[0].buttons, ElementsAre("Cancel", "Quit Without Saving"));
+    EXPECT_EQ(machine.alerts.shown[0].closingButton, 0u);
 
     machine.alerts.answerNextWith(0);
     machine.loop.settle();
@@ -333,6 +340,51 @@ TEST_F(AppDelegateTest, wallpapersChangeByThemselvesFromTheStartToTheEndButNotUn
     subsystems.restoreFollowing.settingsWillBeReplaced();
     subsystems.restoreFollowing.settingsReplacementDidEnd();
     EXPECT_THAT(entries, IsEmpty()) << "a restore begins nothing that was not there";
+}
+
+TEST_F(AppDelegateTest, anEditOfTheFileIsShownWhereItIsAnotherWallpaperAndABrokenOneIsSaid) {
+    plugInTwo();
+    AppSettings settings = twoColors();
+    putSettings(settings);
+    launch();
+    machine.desktop.set.clear();
+    settings.wallpaper.displays[1].mode.value = SolidColorPresentationSettings{"#ABCDEF"};
+    putSettings(settings);
+    for (int i = 0; i < 20; ++i) {  // a writer without a pause
+        machine.settingsWatch.onChange();
+        machine.loop.advance(100ms);
+    }
+    EXPECT_THAT(machine.desktop.set, ElementsAre(2u));
+    EXPECT_THAT(shown(2), HasSubstr("ABCDEF"));
+
+    std::ofstream(machine.settingsFile()) << "{";
+    machine.systemEvents.reload();
+    machine.loop.settle();
+    ASSERT_EQ(machine.notificationCenter.shown.size(), 1u);
+    EXPECT_THAT(machine.notificationCenter.shown.begin()->second.body, HasSubstr("line 1, column 2"));
+    EXPECT_THAT(answer({"general"}).errors, HasSubstr("nothing is saved ("));
+    EXPECT_EQ(answer({"general", "set", "--pauseRotations"}).status, 1);
+    EXPECT_EQ(readFile(machine.settingsFile(), 100), "{");
+    putSettings(settings);
+    EXPECT_EQ(answer({"general", "set", "--pauseRotations"}).errors, "") << "a command looks itself";
+    EXPECT_THAT(machine.notificationCenter.shown, IsEmpty());
+    quitBySystem();
+    EXPECT_FALSE(machine.settingsWatch.onChange);
+}
+
+TEST_F(AppDelegateTest, settingsThatAreRestoredAtTheAlertCloseItAndTheStartStaysLimited) {
+    plugInTwo();
+    fs::create_directories(machine.settingsFile().parent_path());
+    std::ofstream(machine.settingsFile()) << "{";
+    launch();
+    EXPECT_THAT(answer({"wallpaper", "next"}).errors, HasSubstr("recovery mode, because"));
+    EXPECT_EQ(answer({"wallpaper", "next"}).status, 1);
+    EXPECT_THAT(log.lines, Not(Contains(HasSubstr("limited")))) << "the alert is open";
+    const ControlReply reset = answer({"backup", "reset"});
+    EXPECT_THAT(reset.output, HasSubstr("kept as " + machine.settingsFile().string() + ".unreadable"));
+    EXPECT_THAT(reset.errors, HasSubstr("still in recovery mode"));
+    EXPECT_THAT(log.lines, Contains(HasSubstr("startup is limited")));
+    EXPECT_FALSE(delegate->subsystems()->wallpaperRotation.isMonitoring());
 }
 
 TEST(ApplicationStartupTaskTest, anOldRunThatEndsLateLeavesTheNewOneAlone) {

@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <fstream>
 
 #include "async/TaskScope.h"
@@ -125,10 +127,32 @@ TEST_F(BackupTest, theFileHoldsWhatWasChosenAndNothingElse) {
     EXPECT_EQ(document.availableSections(), backup->exportSections);
     EXPECT_EQ(document.createdAt, clock.now());
     EXPECT_EQ(backup->suggestedFileName().size(), std::string("Quillmar-Backup-20260504-090000").size());
+    EXPECT_EQ(run(backup->exportText()), readFile(file, 1 << 20));
+    const std::string before = readFile(file, 1 << 20);
     backup->exportSections.clear();
     run(backup->exportTo(file));
-    run(backup->load(file));
-    EXPECT_EQ(notice(), "Couldn’t Read Backup: This backup does not contain any restorable settings.");
+    EXPECT_EQ(notice(), "Couldn’t Export Backup: This backup does not contain any restorable settings.");
+    backup->exportSections = {Section::general, Section::wallpaper};
+    model->update(
+        [](AppSettings& settings) { settings.wallpaper.displays[0].displayID.assign(11u << 20, 'x'); });
+    run(backup->exportTo(file));
+    EXPECT_THAT(notice(), HasSubstr("larger than Quillmar's 10 MB safety limit."));
+    EXPECT_EQ(readFile(file, 1 << 20), before);
+}
+
+TEST_F(BackupTest, anExportFollowsLinksAndLeavesWhatIsNoFile) {
+    const fs::path link = folder.path() / "link.json";
+    fs::create_symlink("kept/backup.json", link);
+    for (int i = 0; i < 2; ++i) {  // to a file that is not there yet, and to one that is
+        run(backup->exportTo(link));
+        EXPECT_TRUE(fs::is_symlink(link));
+        EXPECT_NO_THROW(decodeBackup(readFile(file, 1 << 20)));
+    }
+    const fs::path pipe = folder.path() / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    run(backup->exportTo(pipe));
+    EXPECT_THAT(notice(), HasSubstr("Invalid argument"));
+    EXPECT_TRUE(fs::is_fifo(pipe));
 }
 
 TEST_F(BackupTest, aFileThatIsNoBackupChangesNothingAndIsNamed) {

@@ -195,7 +195,7 @@ TEST(JsonRecordTest, hostileAndBrokenTextsAreRefused) {
     EXPECT_EQ(failure<Picture>("{\"tone\":" + deep + "}"), "the document is nested too deeply");
     EXPECT_EQ(failure<Picture>(R"({"tone":"dark","x":"\"[\\","y":"\\\")" + std::string(300, '[') + "\"}"),
               "read");
-    EXPECT_EQ(failure<Picture>(std::string((64u << 20) + 1, ' ')), "the document is too large");
+    EXPECT_EQ(failure<Picture>(std::string((16u << 20) + 1, ' ')), "the document is too large");
 }
 
 TEST(JsonRecordTest, whatJsonCannotHoldIsRefusedWithItsPlace) {

@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import pty
 import signal
 import stat
 import unittest
@@ -53,7 +54,7 @@ class LifecycleTest(DesktopTest):
                 self.quit(first)
 
     def test_every_request_to_quit_ends_it_in_good_order(self):
-        once = [(number,) for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP)]
+        once = [(number,) for number in (signal.SIGTERM, signal.SIGINT)]
         twice = [(signal.SIGTERM, signal.SIGTERM), (signal.SIGINT, signal.SIGTERM)]
         for moment in (ACQUIRED, COMPLETED):
             for signals in once + twice:
@@ -61,6 +62,26 @@ class LifecycleTest(DesktopTest):
                     count = self.log().count(TERMINATING)
                     self.quit(self.start_and_wait(moment), *signals)
                     self.assertEqual(self.log().count(TERMINATING), count + 1)
+
+    def test_a_terminal_that_goes_ends_it_and_a_hang_up_without_one_does_not(self):
+        for wrapper, ends in (((), True), (("nohup",), False)):
+            with self.subTest(wrapper=wrapper):
+                count = self.log().count(COMPLETED)
+                child, terminal = pty.fork()
+                if child == 0:
+                    os.execvpe([*wrapper, PROGRAM][0], [*wrapper, PROGRAM], self.environment)
+                try:
+                    wait_until("a start", lambda: self.log().count(COMPLETED) > count)
+                    os.kill(child, signal.SIGHUP)
+                    self.assertEqual(run(PROGRAM, "status", env=self.environment).returncode, 0)
+                    os.close(terminal)
+                    if not ends:
+                        self.assertEqual(run(PROGRAM, "status", env=self.environment).returncode, 0)
+                        os.kill(child, signal.SIGTERM)
+                    self.assertEqual(wait_until("its end", lambda: os.waitpid(child, os.WNOHANG)[0]), child)
+                except BaseException:
+                    os.kill(child, signal.SIGKILL)
+                    raise
 
     def test_the_command_line_answers_without_a_display_server(self):
         for arguments, status, words in (

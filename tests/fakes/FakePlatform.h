@@ -30,11 +30,21 @@ public:
 class FakeSystemEvents final : public SystemEventsObserving {
 public:
     std::function<void(SystemQuitReason)> quit;
+    std::function<void()> reload;
     std::function<void()> wake;
     std::function<void()> network;
     void setQuitHandler(std::function<void(SystemQuitReason)> handler) override { quit = std::move(handler); }
+    void setReloadHandler(std::function<void()> handler) override { reload = std::move(handler); }
     void setWakeHandler(std::function<void()> handler) override { wake = std::move(handler); }
     void setNetworkHandler(std::function<void()> handler) override { network = std::move(handler); }
+};
+
+class FakeFileWatch final : public FileWatching {
+public:
+    std::function<void()> onChange;
+    void watch(std::filesystem::path, std::function<void()> handler) override {
+        onChange = std::move(handler);
+    }
 };
 
 class FakeRunningInstances final : public RunningInstances {
@@ -78,6 +88,7 @@ struct FakePlatform {
     FakeProcess process;
     FakeControlChannel control;
     FakeSystemEvents systemEvents;
+    FakeFileWatch settingsWatch;
     FakeRunningInstances runningInstances;
     FakeUsageReporting usage;
     FakeAlerts alerts;
@@ -101,6 +112,7 @@ struct FakePlatform {
                 .preferredLanguages = preferredLanguages,
                 .process = process,
                 .systemEvents = systemEvents,
+                .settingsWatch = settingsWatch,
                 .runningInstances = runningInstances,
                 .control = control,
                 .usageReporting = usage,

@@ -110,12 +110,93 @@ TEST_F(SettingsStoreTest, aSaveThatRunsOutOfSpaceLeavesTheOldFileAndNoLitter) {
     EXPECT_EQ(filesBeside().size(), 1u);
 }
 
-TEST_F(SettingsStoreTest, whatAnInterruptedSaveLeftIsClearedAway) {
+TEST_F(SettingsStoreTest, whatAnInterruptedSaveLeftIsClearedAwayAndNothingElse) {
     EXPECT_EQ(save(defaults), "");
+    const std::vector<std::string> others = {
+        ".settings.json.swp",    ".settings.json.backup",  ".settings.json.BACKUP", ".settings.json.202611",
+        ".settings.json.Backup", ".settings.json.Ab12Cde", ".settings.json.Ab-2Cd", "settings.json.Ab12Cd"};
+    for (const std::string& name : others) std::ofstream(file.parent_path() / name) << "{";
     std::ofstream(file.parent_path() / ".settings.json.Ab12Cd") << "{";
+    fs::create_symlink("nowhere", file.parent_path() / ".settings.json.Ef34Gh");
     SettingsLoadResult result;
     EXPECT_EQ(load(&result), "");
+    EXPECT_EQ(filesBeside().size(), others.size() + 2) << "the file and the link";
+    EXPECT_FALSE(fs::exists(file.parent_path() / ".settings.json.Ab12Cd"));
+}
+
+TEST_F(SettingsStoreTest, whoOnlyLooksMakesNoFileAndAFolderThatIsMadeAgainIsTheUsersAlone) {
+    SettingsStore looking{file, defaults, executor, FirstRunFile::isLeftOut};
+    SettingsLoadResult result;
+    EXPECT_EQ(run(looking.load(), &result), "");
+    EXPECT_EQ(result.settings, defaults);
+    EXPECT_FALSE(fs::exists(file.parent_path()));
+    EXPECT_EQ(run(looking.save(defaults)), "");
+    EXPECT_EQ(fs::status(file.parent_path()).permissions(), fs::perms::owner_all);
+}
+
+TEST_F(SettingsStoreTest, whatOthersWroteIsNeverWrittenOverAndIsReadOnce) {
+    using What = SettingsFileChange::What;
+    AppSettings theirs = defaults;
+    SettingsFileChange change;
+    const auto reload = [&] {
+        change = {};
+        return run(store.reload(), &change);
+    };
+    const auto inPlace = [&](const std::string& text) { put(text); };
+    const auto byRename = [&](const std::string& text) {
+        std::ofstream(file.string() + ".new") << text;
+        fs::rename(file.string() + ".new", file);
+    };
+    EXPECT_EQ(save(defaults), "");
+    for (const auto& write : {std::function<void(std::string)>(inPlace), {byRename}}) {
+        theirs.lastLaunchedAppVersion += "x";
+        write(encodeSettings(theirs));
+        EXPECT_EQ(save(defaults), "The settings file was changed by another program meanwhile.");
+        EXPECT_EQ(reload(), "");
+        EXPECT_EQ(change.settings, theirs);
+        EXPECT_EQ(reload(), "");
+        EXPECT_EQ(change.what, What::nothing);
+    }
+    put("{\n  \"schemaVersion\": 1,\n  \"general\": [],\n  \"lastLaunchedAppVersion\": \"\"}");
+    EXPECT_EQ(reload(), file.string() + ", line 3, column 14: general: expected an object, found an array");
+    put("{\n  \"schemaVersion\": 1,,");
+    EXPECT_EQ(reload(), file.string() + ": the document is not valid JSON (line 2, column 22)");
+    put(std::string((16u << 20) + 1, ' '));
+    EXPECT_EQ(reload(), file.string() + ": Quillmar reads and writes no settings above 16 MB.");
+    EXPECT_THAT(save(defaults), HasSubstr("changed by another program"));
     EXPECT_EQ(filesBeside().size(), 1u);
+    fs::remove(file);
+    EXPECT_EQ(reload(), "");
+    EXPECT_EQ(change.what, What::removed);
+    EXPECT_EQ(save(defaults), "");
+    theirs.lastLaunchedAppVersion.assign(16u << 20, 'x');
+    EXPECT_EQ(save(theirs), "Quillmar reads and writes no settings above 16 MB.");
+}
+
+TEST_F(SettingsStoreTest, aReplacementKeepsWhatCouldNotBeReadAndTheLinkThatLeadsNowhere) {
+    std::optional<fs::path> kept;
+    const auto replace = [&] { return run(store.replace(defaults), &kept); };
+    SettingsLoadResult result;
+    for (const std::string end : {".unreadable", ".unreadable-2"}) {
+        put("broken" + end);
+        EXPECT_NE(load(&result), "");
+        EXPECT_EQ(replace(), "");
+        EXPECT_EQ(kept, file.string() + end);
+        EXPECT_EQ(readFile(*kept, 100), "broken" + end);
+    }
+    EXPECT_EQ(replace(), "");
+    EXPECT_FALSE(kept) << "it was our own";
+    fs::remove(file);
+    fs::create_directory(file);
+    EXPECT_EQ(replace(), "");
+    EXPECT_TRUE(fs::is_directory(file.string() + ".unreadable-3"));
+
+    fs::remove(file);
+    fs::create_symlink("elsewhere/dots.json", file);
+    EXPECT_EQ(replace(), "");
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_EQ(load(&result), "");
+    EXPECT_EQ(result.settings, defaults);
 }
 
 TEST_F(SettingsStoreTest, withoutADataFolderEveryOperationSaysWhy) {

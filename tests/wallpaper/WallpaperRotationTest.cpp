@@ -55,8 +55,16 @@ TEST(WallpaperRotationScheduleTest, failuresAreTriedAgainSoonerAtFirstAndThenOnc
 
 TEST(WallpaperRotationScheduleTest, theSettingsSayWhichDisplaysChangeAndTheLastEntryOfAnIDCounts) {
     WallpaperSettings settings;
-    settings.displays = {entry("C", slideshow(5)), entry("B", slideshow(60)), entry("A", {BingSettings{}}),
-                         entry("C", slideshow(0)), entry("B", slideshow(90)), entry("D", {})};
+    settings.displays = {entry("C", slideshow(5)),
+                         entry("B", slideshow(60)),
+                         entry("A", {BingSettings{}}),
+                         entry("C", slideshow(0)),
+                         entry("B", slideshow(90)),
+                         entry("D", {}),
+                         entry("E", slideshow(0.01)),
+                         entry("F", slideshow(86400)),
+                         entry("G", {NasaEpicSettings{.presentation = NasaEpicPresentation::rotateThroughDays,
+                                                      .secondsPerObservation = 5}})};
     const auto descriptors = rotationDescriptors(settings);
     ASSERT_THAT(descriptors, SizeIs(2));
     EXPECT_EQ(descriptors[0].displayID, "A");

@@ -48,12 +48,29 @@ std::string BackupSettingsModel::importedDescription() const {
         {importedDocument_->appVersion, shortLocalText(importedDocument_->createdAt, language())});
 }
 
+SettingsBackupDocument BackupSettingsModel::exported() const {
+    return SettingsBackupDocument::make(services_.settingsModel.settings(), exportSections,
+                                        services_.appVersion, services_.clock.now());
+}
+
+Task<std::optional<std::string>> BackupSettingsModel::exportText() {
+    const Working working(*this);
+    try {
+        std::string text = co_await services_.backupService.text(exported());
+        services_.sendAnalytics("backup_export");
+        co_return text;
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        notify("Couldn’t Export Backup"_key, errorText(error, language()), true);
+    }
+    co_return std::nullopt;
+}
+
 Task<void> BackupSettingsModel::exportTo(std::filesystem::path file) {
     const Working working(*this);
-    SettingsBackupDocument document = SettingsBackupDocument::make(
-        services_.settingsModel.settings(), exportSections, services_.appVersion, services_.clock.now());
     try {
-        co_await services_.backupService.write(std::move(document), file);
+        co_await services_.backupService.write(exported(), file);
         notify("Backup Exported"_key, localized("Saved %@."_key, language(), {file.filename().string()}),
                false);
         services_.sendAnalytics("backup_export");
@@ -90,10 +107,12 @@ Task<bool> BackupSettingsModel::restore() {
     SettingsBackupSections sections;
     std::ranges::set_intersection(importSections, importedDocument_->availableSections(),
                                   std::inserter(sections, sections.end()));
-    if (!co_await replaceSettings(
-            importedDocument_->appliedTo(services_.settingsModel.settings(), sections))) {
-        co_return false;
-    }
+    // Of the document as it is when its turn has come: somebody may have edited the file by then.
+    const bool isReplaced =
+        co_await replaceSettings([imported = *importedDocument_, sections](AppSettings& settings) {
+            settings = imported.appliedTo(settings, sections);
+        });
+    if (!isReplaced) co_return false;
     const std::vector<std::string> warnings = co_await runAfterSteps(sections);
     forgetImport();
     finish("Settings Restored"_key, "Settings Restored with Warnings"_key,
@@ -103,7 +122,8 @@ Task<bool> BackupSettingsModel::restore() {
 }
 
 Task<bool> BackupSettingsModel::reset() {
-    if (!co_await replaceSettings(services_.defaults)) co_return false;
+    if (!co_await replaceSettings([this](AppSettings& settings) { settings = services_.defaults; }))
+        co_return false;
     const std::vector<std::string> warnings = co_await runAfterSteps(allBackupSections());
     forgetImport();
     finish("Settings Reset"_key, "Settings Reset with Warnings"_key,
@@ -112,10 +132,10 @@ Task<bool> BackupSettingsModel::reset() {
     co_return true;
 }
 
-Task<bool> BackupSettingsModel::replaceSettings(AppSettings settings) {
+Task<bool> BackupSettingsModel::replaceSettings(SettingsUpdate mutation) {
     const auto hold = co_await services_.settingsModel.transactionGate().acquire();
     const Replacing replacing(services_.following);
-    co_return co_await services_.settingsModel.replaceSettings(std::move(settings));
+    co_return co_await services_.settingsModel.replaceSettings(std::move(mutation));
 }
 
 Task<std::vector<std::string>> BackupSettingsModel::runAfterSteps(SettingsBackupSections sections) {
@@ -138,11 +158,13 @@ Task<std::vector<std::string>> BackupSettingsModel::runAfterSteps(SettingsBackup
 
 void BackupSettingsModel::finish(TextKey title, TextKey titleWithWarnings, TextKey message,
                                  const std::vector<std::string>& warnings) {
-    if (warnings.empty()) {
-        notify(title, localized(message, language()), false);
-    } else {
-        notify(titleWithWarnings, fmt::format("{}", fmt::join(warnings, "\n")), false);
+    std::string text =
+        warnings.empty() ? localized(message, language()) : fmt::format("{}", fmt::join(warnings, "\n"));
+    if (const auto& kept = services_.settingsModel.replacedFile()) {
+        text += "\n" +
+                localized("The file that could not be read is kept as %@."_key, language(), {kept->string()});
     }
+    notify(warnings.empty() ? title : titleWithWarnings, std::move(text), false);
 }
 
 void BackupSettingsModel::notify(TextKey title, std::string message, bool isFailure) {

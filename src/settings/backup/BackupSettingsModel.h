@@ -77,6 +77,8 @@ public:
     /// `AppSettingsModel::saveError` says why, and the loaded file stays.
     Task<void> exportTo(std::filesystem::path file);
     Task<void> load(std::filesystem::path file);
+    /// The same backup as text; empty, with a notice, where it cannot be made.
+    Task<std::optional<std::string>> exportText();
     /// A restore or reset is asked for first and confirmed or cancelled then.
     void request(BackupDestructiveAction action) { pendingAction_ = action; }
     /// Nothing is done of what was asked for.
@@ -87,7 +89,8 @@ public:
 private:
     class Working;
     class Replacing;
-    Task<bool> replaceSettings(AppSettings settings);
+    SettingsBackupDocument exported() const;
+    Task<bool> replaceSettings(SettingsUpdate mutation);
     Task<bool> restore();
     Task<bool> reset();
     Task<std::vector<std::string>> runAfterSteps(SettingsBackupSections sections);

@@ -15,8 +15,10 @@ public:
     /// The executor must be serial.
     explicit SettingsBackupService(Executor& executor) : executor_(executor) {}
 
-    /// Writes the file whole or not at all; missing parent folders are made. Throws an error with the place
-    /// and reason.
+    /// The backup as a file holds it. Throws `SettingsBackupError` for one that could not be read again.
+    Task<std::string> text(SettingsBackupDocument document);
+    /// Writes the file whole or not at all; missing parent folders are made, links are followed, and what is
+    /// no file is left alone. Throws as `text`, or an error with place and reason.
     Task<void> write(SettingsBackupDocument document, std::filesystem::path file);
     /// Never holds more of the file than the limit. Throws `SettingsBackupError`, or an error with place and
     /// reason.
