@@ -89,6 +89,8 @@ TEST_F(SettingsStoreTest, aFileThatIsALinkStaysOne) {
     std::ofstream(kept) << encodeSettings(defaults);
     fs::create_directories(file.parent_path());
     fs::create_symlink(kept, file);
+    SettingsLoadResult result;
+    EXPECT_EQ(load(&result), "");
     AppSettings changed = defaults;
     changed.general.pauseRotations = true;
     EXPECT_EQ(save(changed), "");

@@ -55,6 +55,8 @@ TEST(WallpaperRotationScheduleTest, failuresAreTriedAgainSoonerAtFirstAndThenOnc
 
 TEST(WallpaperRotationScheduleTest, theSettingsSayWhichDisplaysChangeAndTheLastEntryOfAnIDCounts) {
     WallpaperSettings settings;
+    WallpaperMode tooLong = slideshow(86400);
+    std::get<SlideshowPresentationSettings>(tooLong.value).folderURL = Url::fromFilePath("/pictures");
     settings.displays = {entry("C", slideshow(5)),
                          entry("B", slideshow(60)),
                          entry("A", {BingSettings{}}),
@@ -62,7 +64,7 @@ TEST(WallpaperRotationScheduleTest, theSettingsSayWhichDisplaysChangeAndTheLastE
                          entry("B", slideshow(90)),
                          entry("D", {}),
                          entry("E", slideshow(0.01)),
-                         entry("F", slideshow(86400)),
+                         entry("F", tooLong),
                          entry("G", {NasaEpicSettings{.presentation = NasaEpicPresentation::rotateThroughDays,
                                                       .secondsPerObservation = 5}})};
     const auto descriptors = rotationDescriptors(settings);
