@@ -73,6 +73,7 @@ AppSettings SettingsFile::read() {
     known_.reset();
     // Looked at first: what is written while it is read counts as a later change.
     const auto seen = identityOf(path_);
+    if (seen) wasThere_ = true;
     std::string text;
     try {
         text = readFile(path_, maximumBytes);
@@ -89,7 +90,10 @@ SettingsFileChange SettingsFile::reload() {
     using What = SettingsFileChange::What;
     const auto present = identityOf(path_);
     std::error_code unknown;
-    if (!present && !fs::is_symlink(path_, unknown)) return {What::removed, {}};
+    if (!present && !fs::is_symlink(path_, unknown)) {
+        // One that could not even be made is no better for not being there.
+        return wasThere_ ? SettingsFileChange{What::removed, {}} : SettingsFileChange{};
+    }
     if (present && present == known_) return {};
     try {
         return {What::edited, read()};
@@ -112,6 +116,7 @@ void SettingsFile::save(const AppSettings& settings) {
         const auto written = file.commitOver(present);
         if (!written) throw SettingsFileChangedError();
         known_ = written;
+        wasThere_ = true;
     } catch (const std::system_error& error) {
         throw FileError(path_, error);
     }
