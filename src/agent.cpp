@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "app/AppDelegate.h"
+#include "base/StandardStreams.h"
 #include "commandline/CommandLine.h"
 #include "commandline/Output.h"
 #include "control/DisplayList.h"
@@ -96,6 +97,7 @@ int carryOut(CommandLine line, GeneralLanguage language) {
 
 int main(int argc, char** argv) {
     using namespace quillmar;
+    occupyStandardStreams();
     const auto language = preferredLanguage(preferredLanguages());
     const auto complain = [&](int status, const std::string& text) {
         return printReply({.status = status, .errors = "quillmar: " + text}, language);

@@ -1,3 +1,4 @@
+#include "base/StandardStreams.h"
 #include "client/Client.h"
 #include "commandline/LocaleLanguages.h"
 #include "commandline/Output.h"
@@ -5,6 +6,7 @@
 
 int main(int argc, char** argv) {
     using namespace quillmar;
+    occupyStandardStreams();
     const Environment environment = processEnvironment();
     const GeneralLanguage language = preferredLanguage(localeLanguages(environment));
     const auto paint = [&] {

@@ -14,6 +14,8 @@ std::string PictureRenderingError::message(GeneralLanguage language) const {
                              {path_, seconds_});
         case Case::decoderFailed:
             return localized("The reader of the image at %@ ended unexpectedly."_key, language, {path_});
+        case Case::noDecoder:
+            return localized("The program %@ cannot be started: %@."_key, language, {path_, reason_});
         case Case::failed: break;
     }
     return localized("Quillmar could not render the selected image for this display."_key, language);

@@ -14,10 +14,12 @@ public:
         tooLarge,       ///< more pixels than are decoded, or more memory than that may take
         tookTooLong,    ///< `seconds` were not enough
         decoderFailed,  ///< the process that reads it ended or answered nonsense
+        noDecoder,      ///< the program at `path` that reads pictures cannot be started, for `reason`
         failed,         ///< the canvas could not be drawn
     };
-    explicit PictureRenderingError(Case errorCase, std::string path = {}, std::int64_t seconds = 0)
-        : case_(errorCase), path_(std::move(path)), seconds_(seconds) {}
+    explicit PictureRenderingError(Case errorCase, std::string path = {}, std::int64_t seconds = 0,
+                                   std::string reason = {})
+        : case_(errorCase), path_(std::move(path)), seconds_(seconds), reason_(std::move(reason)) {}
 
     Case errorCase() const { return case_; }
     std::string message(GeneralLanguage language) const override;
@@ -26,6 +28,7 @@ private:
     Case case_;
     std::string path_;
     std::int64_t seconds_;
+    std::string reason_;
 };
 
 }  // namespace quillmar

@@ -38,6 +38,14 @@ bool isCredible(PixelSize size) {
            std::int64_t{size.width} * size.height <= render::maximumPixels;
 }
 
+RenderProcess started(const fs::path& program) {
+    try {
+        return RenderProcess(program);
+    } catch (const std::system_error& error) {
+        throw PictureRenderingError(Case::noDecoder, program.string(), 0, error.code().message());
+    }
+}
+
 /// Waits for an answer of a certain kind. Throws what any other means, for the file at `path`.
 Task<PixelSize> expected(RenderProcess& process, AnswerKind kind, std::string path) {
     const std::optional<render::Answer> answer = co_await process.answer();
@@ -113,7 +121,7 @@ Task<bool> ProcessPictureRendering::isPicture(fs::path file) { return inTurn(fil
 
 Task<SharedPixels> ProcessPictureRendering::renderNow(fs::path source, PictureComposer composer) {
     const FileDescriptor file = co_await executor_.run([source] { return opened(source); });
-    RenderProcess process(program_);
+    RenderProcess process = started(program_);
     const int picture = file.get();
     process.send(render::Order{.verb = render::Verb::render}, {&picture, 1});
     const PixelSize size = co_await expected(process, AnswerKind::size, source.string());
@@ -136,7 +144,7 @@ Task<SharedPixels> ProcessPictureRendering::loadNow(fs::path png, PixelSize size
     try {
         const FileDescriptor file = co_await executor_.run([png] { return opened(png); });
         const auto pixels = std::make_shared<PixelBuffer>(size);
-        RenderProcess process(program_);
+        RenderProcess process = started(program_);
         const std::array descriptors{file.get(), pixels->descriptor()};
         process.send(render::Order{.verb = render::Verb::load, .size = size}, descriptors);
         co_await expected(process, AnswerKind::done, png.string());
@@ -150,7 +158,7 @@ Task<SharedPixels> ProcessPictureRendering::loadNow(fs::path png, PixelSize size
 Task<bool> ProcessPictureRendering::checkNow(fs::path path) {
     try {
         const FileDescriptor file = co_await executor_.run([path] { return opened(path); });
-        RenderProcess process(program_);
+        RenderProcess process = started(program_);
         const int picture = file.get();
         process.send(render::Order{.verb = render::Verb::check}, {&picture, 1});
         co_await expected(process, AnswerKind::done, path.string());
