@@ -9,6 +9,7 @@
 
 #include "async/EventBus.h"
 #include "async/TaskScope.h"
+#include "settings/SettingsFileNotices.h"
 #include "settings/SettingsStoring.h"
 #include "settings/SettingsTransactionGate.h"
 #include "storage/CacheFileLease.h"
@@ -17,16 +18,6 @@ namespace quillmar {
 
 /// Posted with the present document after the load, after each `update` and after each transaction.
 inline constexpr NotificationName<AppSettings> appSettingsDidChange{"QuillmarAppSettingsDidChange"};
-
-/// The document of another program took the place of ours.
-struct SettingsTakeover {
-    AppSettings former;                                   ///< our document until then
-    std::optional<std::filesystem::path> unsavedChanges;  ///< where ours is kept, if it was not on disk
-};
-/// Posted after a valid edit of the file was taken over, and after `appSettingsDidChange`.
-inline constexpr NotificationName<SettingsTakeover> settingsWereTakenOver{"QuillmarSettingsWereTakenOver"};
-/// Posted with the reason when the file was found to be unreadable, once for each reason.
-inline constexpr NotificationName<std::string> settingsFileBroke{"QuillmarSettingsFileBroke"};
 
 /// A change of the document, kept as a value so that it can be made again on another document.
 using SettingsUpdate = std::function<void(AppSettings&)>;

@@ -35,7 +35,7 @@ private:
     AppSettings defaults_;
     bool writesFirstRun_;
     std::optional<FileIdentity> known_;  ///< of the file as it was read or written here; empty: not readable
-    bool wasThere_ = false;  ///< at some time
+    bool wasThere_ = false;              ///< at some time
 };
 
 /// A settings file that cannot be read, with the place of the fault where it has one.
