@@ -8,13 +8,16 @@ namespace quillmar {
 /// The start is in the order of the list. At the end the cache is left alone first, and nothing may follow
 /// the displays any more before what changes by itself stops.
 AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems)
-    : lastShown(subsystems.lastShownKeeper),
+    : remembered(subsystems.pictureMemory),
+      lastShown(subsystems.lastShownKeeper),
       lastPictures(subsystems),
       cache(ports.loop, ports.clock, subsystems),
       rotation(subsystems.wallpaperRotation, subsystems.restoreFollowing),
       wallpapers(ports, subsystems, lastPictures),
       network(ports, subsystems),
       lives({
+          // What must not come again is known before anything is shown.
+          {.life = &remembered, .stopPlace = 6, .resumePlace = 6},
           {.life = &lastShown, .stopPlace = 5, .resumePlace = 5},
           // The sweep spares what is shown, so that comes before it.
           {.life = &lastPictures, .stopPlace = 0, .resumePlace = 0},
@@ -54,7 +57,10 @@ Task<void> AppDelegate::forwardActivation() {
 
 void AppDelegate::applicationDidFinishLaunching() {
     if (!isPrimary()) return;
-    ports_.screens.setChangeHandler([this] { running_->wallpapers.screenParametersDidChange(); });
+    ports_.screens.setChangeHandler([this] {
+        running_->wallpapers.screenParametersDidChange();
+        control_->displaysDidChange();
+    });
     control_.emplace(controlServices(ports_, *subsystems_, [this] { quitController_.requestQuit(); }));
     ports_.control.serve([this](ControlCall call) { return control_->handle(std::move(call)); });
     ports_.runningInstances.publish(

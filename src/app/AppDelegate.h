@@ -46,6 +46,7 @@ private:
     /// What runs in the primary instance, and the one list of it.
     struct Running {
         Running(const Ports& ports, Subsystems& subsystems);
+        RememberedPictures remembered;
         LastShown lastShown;
         LastServicePictures lastPictures;
         CacheUpkeep cache;

@@ -46,9 +46,39 @@ std::vector<CommandRow> lookingCommands() {
         {.words = "wallpaper next",
          .operands = {{"DISPLAY|all", "the display"_key, WordKind::display, true}},
          .summary = "show the next picture, by default on all displays"_key},
+        {.words = "wallpaper previous",
+         .operands = {{"DISPLAY|all", "the display"_key, WordKind::display, true}},
+         .summary = "show the picture before, by default on all displays"_key,
+         .details =
+             "The settings stay as they are. \"next\" goes back to the later pictures, and from the last one "
+             "to a new one. 200 pictures of each display are remembered."_key},
+        {.words = "wallpaper info",
+         .operands = {{"DISPLAY|all", "the display"_key, WordKind::display, true}},
+         .options = {json()},
+         .summary = "say what a picture is, by whom, and where it comes from"_key},
+        {.words = "wallpaper open",
+         .operands = {{"DISPLAY|all", "the display"_key, WordKind::display, true}},
+         .summary = "open the web page of the main display's picture, or of another one's"_key,
+         .details = "Of a picture without a page the file is opened."_key},
+        {.words = "wallpaper favourite",
+         .operands = {{"DISPLAY|all", "the display"_key, WordKind::display, true}},
+         .summary = "copy the main display's picture, or another one's, to your own pictures"_key,
+         .details =
+             "It comes into the folder \"Quillmar\" among your pictures, with its title, author, source and "
+             "licence where these are known."_key},
+        {.words = "wallpaper trash",
+         .operands = {{"DISPLAY|all", "the display"_key, WordKind::display, true}},
+         .summary = "keep the main display's picture, or another one's, from coming again"_key,
+         .details = "The display goes on to the next picture. The file stays where it is, and can still be "
+                    "set by its "
+                    "name; a line less in the file \"trash\" lets it come again after the next start."_key},
         {.words = "status",
          .options = {json()},
          .summary = "say besides when each display changes next and what failed last"_key},
+        {.words = "watch",
+         .options = {json()},
+         .summary = "say the same now, and then each change as it happens"_key,
+         .details = "It ends with the program. In JSON each change is an object on one line."_key},
     };
 }
 

@@ -8,11 +8,21 @@ namespace quillmar {
 ControlService::ControlService(Services services)
     : backup_(std::move(services.backup)),
       wallpaper_(services.wallpaper),
+      picture_(std::move(services.picture)),
       general_(std::move(services.general)),
       displays_(services.wallpaper.displays),
       version_(services.wallpaper.version),
+      coordinator_(services.wallpaper.coordinator),
+      changes_({.loop = services.loop,
+                .notifications = services.notifications,
+                .settingsModel = services.wallpaper.settingsModel,
+                .wallpapers = wallpaper_,
+                .channel = services.channel,
+                .version = version_}),
       quit_(std::move(services.quit)),
-      loop_(services.loop) {}
+      loop_(services.loop) {
+    coordinator_.setChangeHandler([this](const std::string& id) { changes_.displayDidChange(id); });
+}
 
 Task<ControlReply> ControlService::handle(ControlCall call) {
     ControlReply reply;
@@ -38,10 +48,15 @@ Task<ControlReply> ControlService::carryOut(CommandLine line, std::string folder
     const std::string& words = line.command->words;
     if (words.starts_with("backup")) co_return co_await backup_.run(std::move(line), std::move(folder));
     if (words.starts_with("general")) co_return co_await general_.run(std::move(line));
+    if (PictureCommand::carriesOut(line)) co_return co_await picture_.run(std::move(line));
     if (words == "displays") {
         const auto displays = displays_.displays();
         co_return ControlReply{.output = line.wantsJson() ? displaysAsJson(displays, version_)
                                                           : displaysAsText(displays, language())};
+    }
+    if (words == "watch") {
+        const ControlEvent now = changes_.present();
+        co_return ControlReply{.output = line.wantsJson() ? now.json + "\n" : now.text};
     }
     if (words == "quit") {
         // Later, so that the answer is on its way before the program is.
