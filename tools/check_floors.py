@@ -21,7 +21,7 @@ FLOORS = [
     ["display", "storage"],
     ["desktop", "settings", "remote/fetching"],
     ["commandline", "remote/services"],
-    ["remote"],
+    ["remote", "history"],
     ["wallpaper"],
     ["control"],
     ["app"],

@@ -16,6 +16,7 @@ Task<void> ask(AlertPresenting* alerts, Alert alert, std::optional<std::size_t>*
 /// the displays any more before what changes by itself stops.
 AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems)
     : edits(ports, subsystems),
+      remembered(subsystems.pictureMemory),
       lastShown(subsystems.lastShownKeeper),
       lastPictures(subsystems),
       cache(ports.loop, ports.clock, subsystems),
@@ -24,6 +25,8 @@ AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems)
       network(ports, subsystems),
       lives({
           {.life = &edits, .stopPlace = 6, .resumePlace = 6},
+          // What must not come again is known before anything is shown.
+          {.life = &remembered, .stopPlace = 6, .resumePlace = 6},
           {.life = &lastShown, .stopPlace = 5, .resumePlace = 5},
           // The sweep spares what is shown, so that comes before it.
           {.life = &lastPictures, .stopPlace = 0, .resumePlace = 0},
@@ -63,7 +66,10 @@ Task<void> AppDelegate::forwardActivation() {
 
 void AppDelegate::applicationDidFinishLaunching() {
     if (!isPrimary()) return;
-    ports_.screens.setChangeHandler([this] { running_->wallpapers.screenParametersDidChange(); });
+    ports_.screens.setChangeHandler([this] {
+        running_->wallpapers.screenParametersDidChange();
+        control_->displaysDidChange();
+    });
     control_.emplace(controlServices(
         ports_, *subsystems_, [this] { quitController_.requestQuit(); }, [this] { return isRecovering_; }));
     ports_.control.serve([this](ControlCall call) { return control_->handle(std::move(call)); });

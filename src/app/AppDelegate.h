@@ -48,6 +48,7 @@ private:
     struct Running {
         Running(const Ports& ports, Subsystems& subsystems);
         SettingsEdits edits;
+        RememberedPictures remembered;
         LastShown lastShown;
         LastServicePictures lastPictures;
         CacheUpkeep cache;

@@ -20,6 +20,19 @@ private:
     Subsystems& subsystems_;
 };
 
+/// What was shown before, remembered for the commands that go back to it and for what must not come again.
+class RememberedPictures final : public Life {
+public:
+    explicit RememberedPictures(PictureMemory& memory) : memory_(memory) {}
+    bool runsInRecovery() const override { return true; }
+    Task<void> start() override { return memory_.load(); }
+    Task<void> stop() override { co_return; }
+    void resume() override {}
+
+private:
+    PictureMemory& memory_;
+};
+
 /// Lets the next start paint what was shown last at once.
 class LastShown final : public Life {
 public:

@@ -17,6 +17,8 @@ ControlService::Services controlServices(const Ports& ports, Subsystems& subsyst
         usage.sendMessage(message);
     };
     return {.loop = ports.loop,
+            .notifications = subsystems.notifications,
+            .channel = ports.control,
             .backup = {.settingsModel = subsystems.settingsModel,
                        .backupService = subsystems.backupService,
                        .following = subsystems.restoreFollowing,
@@ -31,7 +33,15 @@ ControlService::Services controlServices(const Ports& ports, Subsystems& subsyst
                           .version = version,
                           .displays = subsystems.displays,
                           .desktop = subsystems.desktopPictures,
+                          .pictures = subsystems.pictureMemory,
                           .files = ports.backgroundPool},
+            .picture = {.settingsModel = subsystems.settingsModel,
+                        .coordinator = subsystems.wallpaperCoordinator,
+                        .displays = subsystems.displays,
+                        .pictures = subsystems.pictureMemory,
+                        .addresses = ports.addresses,
+                        .files = ports.backgroundPool,
+                        .environment = ports.environment},
             .general = {.settingsModel = subsystems.settingsModel,
                         .version = version,
                         .mayNotify =

@@ -6,6 +6,7 @@
 #include "async/Executor.h"
 #include "async/WallClock.h"
 #include "base/BundleInfo.h"
+#include "platform/AddressOpening.h"
 #include "platform/AlertPresenting.h"
 #include "platform/ApplicationControl.h"
 #include "platform/ControlChannel.h"
@@ -44,7 +45,8 @@ struct Ports {
     PictureRendering& pictureRendering;
     const PictureEncoding& pictureEncoding;
     RemoteNotificationCenter& notificationCenter;
-    HTTPSession& webSession;                      ///< for picture services
+    HTTPSession& webSession;  ///< for picture services
+    AddressOpening& addresses;
     SettingsWindowing* settingsWindow = nullptr;  ///< absent where the program has none to show
     std::function<Task<void>()> flushLog;         ///< waits until every log line is in its file
 };

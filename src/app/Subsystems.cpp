@@ -27,6 +27,8 @@ Subsystems::Subsystems(const Ports& platform)
                             defaults, settingsExecutor)),
       settingsModel(platform.loop, notifications, *settingsStore, defaults, cacheFiles),
       displays(platform.screens),
+      historyFiles(platform.backgroundPool),
+      pictureMemory(historyFiles, applicationStateDirectory(platform.environment), platform.clock),
       remoteServices(RemoteServices::of(platform.bundle)),
       remoteImageFetcher(
           platform.webSession, platform.backgroundPool, platform.pictureRendering, platform.clock,
@@ -76,11 +78,12 @@ Subsystems::Subsystems(const Ports& platform)
                       .executor = platform.backgroundPool,
                       .cacheFiles = cacheFiles,
                       .remoteImages = remoteImages,
+                      .memory = pictureMemory,
                       .randomIndex = platform.randomIndex}),
       wallpaperService(displays, desktopPictures, wallpaperGate, {&staticPictures}),
       wallpaperTransactions(wallpaperService),
       wallpaperCoordinator(platform.loop, displays, wallpaperService, &wallpaperTransactions, settingsModel,
-                           wallpaperGate, platform.clock, &remoteErrorNotifications),
+                           pictureMemory, wallpaperGate, platform.clock, &remoteErrorNotifications),
       wallpaperRotation(platform.loop, notifications, settingsModel, wallpaperCoordinator, platform.clock),
       backupExecutor(platform.backgroundPool) {}
 

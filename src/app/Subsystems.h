@@ -8,6 +8,7 @@
 #include "async/ThreadPool.h"
 #include "desktop/LastShownKeeper.h"
 #include "display/DisplayService.h"
+#include "history/PictureMemory.h"
 #include "remote/RemoteImageResolver.h"
 #include "remote/fetching/RemoteImageFetcher.h"
 #include "settings/AppSettingsModel.h"
@@ -34,6 +35,8 @@ public:
     std::unique_ptr<SettingsStoring> settingsStore;
     AppSettingsModel settingsModel;
     DisplayService displays;
+    SerialExecutor historyFiles;
+    PictureMemory pictureMemory;
     RemoteServices remoteServices;
     RemoteImageFetcher remoteImageFetcher;
     RemoteImageResolver remoteImages;

@@ -42,7 +42,7 @@ public:
     Scheduled(MainLoop& loop, MainLoop::Callback callback)
         : Scheduled(loop, loop.now(), std::move(callback)) {}
     Scheduled(Scheduled&& other) noexcept
-        : loop_(std::exchange(other.loop_, nullptr)), ticket_(other.ticket_) {}
+        : loop_(std::exchange(other.loop_, nullptr)), ticket_(std::move(other.ticket_)) {}
     Scheduled& operator=(Scheduled&& other) noexcept {
         std::swap(loop_, other.loop_);
         std::swap(ticket_, other.ticket_);

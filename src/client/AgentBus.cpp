@@ -1,9 +1,16 @@
 #include "client/AgentBus.h"
 
+#include <poll.h>
 #include <systemd/sd-bus.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <climits>
 #include <limits>
 #include <memory>
+#include <system_error>
+#include <utility>
 
 namespace quillmar {
 namespace {
@@ -57,18 +64,19 @@ NoAnswer reasonOf(const CallError& error) {
     return NoAnswer::endedMeanwhile;
 }
 
-}  // namespace
-
-std::variant<ControlReply, NoAnswer> askAgent(const ControlCall& call) {
+Held<sd_bus> openedBus() {
     sd_bus* opened = nullptr;
-    if (sd_bus_open_user(&opened) < 0) return NoAnswer::nobody;
-    const Held<sd_bus> bus(opened);
-    const Held<sd_bus_message> message = packed(bus.get(), call);
+    sd_bus_open_user(&opened);
+    return Held<sd_bus>(opened);
+}
+
+std::variant<ControlReply, NoAnswer> asked(sd_bus* bus, const ControlCall& call) {
+    const Held<sd_bus_message> message = packed(bus, call);
     if (!message) return NoAnswer::unreachable;
     CallError error;
     sd_bus_message* answered = nullptr;
-    const int result = sd_bus_call(bus.get(), message.get(), std::numeric_limits<std::uint64_t>::max(),
-                                   &error.error, &answered);
+    const int result =
+        sd_bus_call(bus, message.get(), std::numeric_limits<std::uint64_t>::max(), &error.error, &answered);
     const Held<sd_bus_message> answer(answered);
     if (result < 0) return reasonOf(error);
     ControlReply reply;
@@ -79,6 +87,113 @@ std::variant<ControlReply, NoAnswer> askAgent(const ControlCall& call) {
     reply.output = output;
     reply.errors = errors;
     return reply;
+}
+
+/// What waits for the reader of the standard output.
+class FollowedOutput {
+public:
+    explicit FollowedOutput(const Following& following) : following_(following) {}
+
+    bool isEmpty() const { return text_.empty(); }
+    bool hasEnded() const { return hasEnded_; }
+    void end() { hasEnded_ = true; }
+    void add(std::string_view text) {
+        if (text_.size() < maximumBytes)
+            text_ += text;
+        else
+            hasMissed_ = true;
+    }
+    /// As much as certainly does not have to be waited for, once the reader has room.
+    void writeSome() {
+        const ssize_t written = ::write(STDOUT_FILENO, text_.data(), std::min(text_.size(), atOnce));
+        if (written < 0 && errno != EINTR && errno != EAGAIN) {
+            failure_ = {errno, std::generic_category()};
+            return end();
+        }
+        text_.erase(0, static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+        if (!text_.empty() || !std::exchange(hasMissed_, false)) return;
+        add(following_.wantsJson
+                ? R"({"event":"missed","format":1})"
+                : localized("The reader was too slow: some changes are missing."_key, following_.language));
+        add("\n");
+    }
+    /// Writes what the reader takes at once, and says how it went.
+    ControlReply finish() {
+        pollfd reader{STDOUT_FILENO, POLLOUT, 0};
+        while (!failure_ && !isEmpty() && ::poll(&reader, 1, 0) == 1 && reader.revents == POLLOUT)
+            writeSome();
+        if (!failure_) return {};
+        return {.status = 1,
+                .errors = "quillmar: " +
+                          localized("The output could not be written: %@."_key, following_.language,
+                                    {failure_.message()}) +
+                          "\n"};
+    }
+    static int changed(sd_bus_message* message, void* output, sd_bus_error*) {
+        auto* self = static_cast<FollowedOutput*>(output);
+        const char *event = nullptr, *json = nullptr, *text = nullptr;
+        if (sd_bus_message_read(message, "sss", &event, &json, &text) < 0) return 0;
+        self->add(self->following_.wantsJson ? std::string(json) + "\n" : std::string(text));
+        return 0;
+    }
+    static int ownerChanged(sd_bus_message* message, void* output, sd_bus_error*) {
+        const char *name = nullptr, *before = nullptr, *now = nullptr;
+        if (sd_bus_message_read(message, "sss", &name, &before, &now) >= 0 && *before != 0)
+            static_cast<FollowedOutput*>(output)->end();
+        return 0;
+    }
+
+private:
+    static constexpr std::size_t maximumBytes = 1 << 20;
+    static constexpr std::size_t atOnce = PIPE_BUF;
+    const Following& following_;
+    std::string text_;
+    std::error_code failure_;
+    bool hasMissed_ = false;
+    bool hasEnded_ = false;
+};
+
+/// Sleeps until the bus has something, or the reader has room for what waits.
+void waitForEither(sd_bus* bus, FollowedOutput& output) {
+    pollfd descriptors[] = {{sd_bus_get_fd(bus), static_cast<short>(sd_bus_get_events(bus)), 0},
+                            {STDOUT_FILENO, static_cast<short>(output.isEmpty() ? 0 : POLLOUT), 0}};
+    if (::poll(descriptors, 2, -1) < 0) return;
+    if ((descriptors[1].revents & (POLLERR | POLLNVAL)) != 0) return output.end();
+    if ((descriptors[1].revents & POLLOUT) != 0) output.writeSome();
+}
+
+}  // namespace
+
+std::variant<ControlReply, NoAnswer> askAgent(const ControlCall& call) {
+    const Held<sd_bus> bus = openedBus();
+    if (!bus) return NoAnswer::nobody;
+    return asked(bus.get(), call);
+}
+
+std::variant<ControlReply, NoAnswer> followAgent(const ControlCall& call, const Following& following) {
+    const Held<sd_bus> bus = openedBus();
+    if (!bus) return NoAnswer::nobody;
+    FollowedOutput output(following);
+    // Before the question, so that no change falls between the answer and the first signal.
+    const std::string owner = std::string(
+                                  "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',"
+                                  "arg0='") +
+                              busName + "'";
+    if (sd_bus_match_signal(bus.get(), nullptr, busName, objectPath, interfaceName, "Changed",
+                            &FollowedOutput::changed, &output) < 0 ||
+        sd_bus_add_match(bus.get(), nullptr, owner.c_str(), &FollowedOutput::ownerChanged, &output) < 0) {
+        return NoAnswer::unreachable;
+    }
+    auto answer = asked(bus.get(), call);
+    const auto* reply = std::get_if<ControlReply>(&answer);
+    if (!reply || reply->status != 0) return answer;
+    output.add(reply->output);
+    while (!output.hasEnded()) {
+        const int progress = sd_bus_process(bus.get(), nullptr);
+        if (progress < 0) output.end();
+        if (progress == 0) waitForEither(bus.get(), output);
+    }
+    return output.finish();
 }
 
 }  // namespace quillmar

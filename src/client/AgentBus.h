@@ -1,6 +1,7 @@
 #pragma once
 #include <variant>
 
+#include "base/Localization.h"
 #include "platform/ControlChannel.h"
 
 namespace quillmar {
@@ -15,5 +16,14 @@ enum class NoAnswer {
 
 /// Sends the call to the running program and waits for its answer, however long the command takes.
 std::variant<ControlReply, NoAnswer> askAgent(const ControlCall& call);
+
+/// How a person follows what changes.
+struct Following {
+    bool wantsJson = false;
+    GeneralLanguage language = GeneralLanguage::english;
+};
+/// As `askAgent`; then writes its output, and after it each change, to the standard output until the program
+/// ends or nobody reads any more. A reader that is slow costs a bounded memory, and misses changes.
+std::variant<ControlReply, NoAnswer> followAgent(const ControlCall& call, const Following& following);
 
 }  // namespace quillmar

@@ -64,7 +64,8 @@ int Client::run(const std::vector<std::string>& words) {
 }
 
 int Client::ask(const CommandLine& line, const std::vector<std::string>& words) {
-    const auto answer = askAgent({words, workingDirectory(), version()});
+    const ControlCall call{words, workingDirectory(), version()};
+    const auto answer = line.is("watch") ? followAgent(call, {line.wantsJson(), language_}) : askAgent(call);
     if (const auto* reply = std::get_if<ControlReply>(&answer)) return printReply(*reply, language_);
     const NoAnswer reason = std::get<NoAnswer>(answer);
     if (reason == NoAnswer::endedMeanwhile)

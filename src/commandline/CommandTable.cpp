@@ -21,6 +21,8 @@ OptionRow sections() {
     return row;
 }
 
+OperandRow someDisplay() { return {"DISPLAY|all", "the display"_key, WordKind::display, true}; }
+
 OperandRow backupFile() { return {"FILE", "a file"_key, WordKind::file}; }
 
 std::vector<CommandRow> lookingCommands() {
@@ -31,6 +33,13 @@ std::vector<CommandRow> lookingCommands() {
          .details =
              "The main display has a star. Sizes and places are in points; places are counted from the "
              "bottom left corner of the main display, upwards."_key},
+        {.words = "status",
+         .options = {json()},
+         .summary = "say besides when each display changes next and what failed last"_key},
+        {.words = "watch",
+         .options = {json()},
+         .summary = "say the same now, and then each change as it happens"_key,
+         .details = "It ends with the program. In JSON each change is an object on one line."_key},
         {.words = "wallpaper",
          .options = {json()},
          .summary = "say what each display is set to and shows"_key,
@@ -43,12 +52,40 @@ std::vector<CommandRow> lookingCommands() {
              "DISPLAY is an ID, a name or \"main\". The wallpaper is saved and shown before the command "
              "ends; what fails on a display is taken back there."_key,
          .takesKinds = true},
+    };
+}
+
+std::vector<CommandRow> pictureCommands() {
+    return {
         {.words = "wallpaper next",
-         .operands = {{"DISPLAY|all", "the display"_key, WordKind::display, true}},
+         .operands = {someDisplay()},
          .summary = "show the next picture, by default on all displays"_key},
-        {.words = "status",
+        {.words = "wallpaper previous",
+         .operands = {someDisplay()},
+         .summary = "show the picture before, by default on all displays"_key,
+         .details =
+             "The settings stay as they are. \"next\" goes back to the later pictures, and from the last one "
+             "to a new one. 200 pictures of each display are remembered."_key},
+        {.words = "wallpaper info",
+         .operands = {someDisplay()},
          .options = {json()},
-         .summary = "say besides when each display changes next and what failed last"_key},
+         .summary = "say what a picture is, by whom, and where it comes from"_key},
+        {.words = "wallpaper open",
+         .operands = {someDisplay()},
+         .summary = "open the web page of the main display's picture, or of another one's"_key,
+         .details = "Of a picture without a page the file is opened."_key},
+        {.words = "wallpaper favourite",
+         .operands = {someDisplay()},
+         .summary = "copy the main display's picture, or another one's, to your own pictures"_key,
+         .details =
+             "It comes into the folder \"Quillmar\" among your pictures, with its title, author, source and "
+             "licence where these are known."_key},
+        {.words = "wallpaper trash",
+         .operands = {someDisplay()},
+         .summary = "keep the main display's picture, or another one's, from coming again"_key,
+         .details =
+             "The display goes on to the next picture. The file stays where it is, and can still be "
+             "set by its name; a line less in the file \"trash\" lets it come again after the next start."_key},
     };
 }
 
@@ -93,6 +130,7 @@ const OptionRow* CommandRow::option(std::string_view name) const {
 const std::vector<CommandRow>& commands() {
     static const std::vector<CommandRow> rows = [] {
         std::vector<CommandRow> all = lookingCommands();
+        std::ranges::move(pictureCommands(), std::back_inserter(all));
         std::ranges::move(settingsCommands(), std::back_inserter(all));
         return all;
     }();

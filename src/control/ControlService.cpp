@@ -9,12 +9,22 @@ ControlService::ControlService(Services services)
     : settingsModel_(services.wallpaper.settingsModel),
       backup_(std::move(services.backup)),
       wallpaper_(services.wallpaper),
+      picture_(std::move(services.picture)),
       general_(std::move(services.general)),
       displays_(services.wallpaper.displays),
       version_(services.wallpaper.version),
+      coordinator_(services.wallpaper.coordinator),
+      changes_({.loop = services.loop,
+                .notifications = services.notifications,
+                .settingsModel = services.wallpaper.settingsModel,
+                .wallpapers = wallpaper_,
+                .channel = services.channel,
+                .version = version_}),
       quit_(std::move(services.quit)),
       isRecovering_(std::move(services.isRecovering)),
-      loop_(services.loop) {}
+      loop_(services.loop) {
+    coordinator_.setChangeHandler([this](const std::string& id) { changes_.displayDidChange(id); });
+}
 
 Task<ControlReply> ControlService::handle(ControlCall call) {
     ControlReply reply;
@@ -66,6 +76,7 @@ Task<ControlReply> ControlService::carryOut(CommandLine line, std::string folder
     const std::string& words = line.command->words;
     if (words.starts_with("backup")) co_return co_await backup_.run(std::move(line), std::move(folder));
     if (words.starts_with("general")) co_return co_await general_.run(std::move(line));
+    if (PictureCommand::carriesOut(line)) co_return co_await picture_.run(std::move(line));
     if (words == "displays") {
         const auto displays = displays_.displays();
         co_return ControlReply{.output = line.wantsJson() ? displaysAsJson(displays, version_)
@@ -73,6 +84,10 @@ Task<ControlReply> ControlService::carryOut(CommandLine line, std::string folder
     }
     // Without settings there is no next picture; the note says the rest.
     if (words == "wallpaper next" && isRecovering_()) co_return ControlReply{.status = 1};
+    if (words == "watch") {
+        const ControlEvent now = changes_.present();
+        co_return ControlReply{.output = line.wantsJson() ? now.json + "\n" : now.text};
+    }
     if (words == "quit") {
         // Later, so that the answer is on its way before the program is.
         quitting_ = Scheduled(loop_, quit_);

@@ -1,7 +1,9 @@
 #pragma once
 #include "async/MainLoop.h"
 #include "control/BackupCommand.h"
+#include "control/ChangeStream.h"
 #include "control/GeneralCommand.h"
+#include "control/PictureCommand.h"
 #include "control/WallpaperCommand.h"
 
 namespace quillmar {
@@ -11,16 +13,24 @@ class ControlService {
 public:
     struct Services {
         MainLoop& loop;
+        EventBus& notifications;
+        ControlServing& channel;
         BackupSettingsModel::Services backup;
         WallpaperCommand::Services wallpaper;
+        PictureCommand::Services picture;
         GeneralCommand::Services general;
         std::function<void()> quit;          ///< the user's explicit wish to end
         std::function<bool()> isRecovering;  ///< the start was limited: the settings could not be read
     };
     explicit ControlService(Services services);
+    ControlService(const ControlService&) = delete;
+    ControlService& operator=(const ControlService&) = delete;
+    ~ControlService() { coordinator_.setChangeHandler({}); }
 
     /// Answers every call: one that fails, or is not understood, with the reason in the settings' language.
     Task<ControlReply> handle(ControlCall call);
+    /// To be told when monitors came, went or were moved.
+    void displaysDidChange() { changes_.displaysDidChange(); }
 
 private:
     Task<ControlReply> carryOut(CommandLine line, std::string folder);
@@ -35,9 +45,12 @@ private:
 
     BackupCommand backup_;
     WallpaperCommand wallpaper_;
+    PictureCommand picture_;
     GeneralCommand general_;
     const DisplayService& displays_;
     std::string version_;
+    WallpaperCoordinator& coordinator_;
+    ChangeStream changes_;
     std::function<void()> quit_;
     std::function<bool()> isRecovering_;
     MainLoop& loop_;

@@ -5,6 +5,8 @@
 #include <algorithm>
 
 #include "base/JsonRecord.h"
+#include "base/Text.h"
+#include "control/CommandError.h"
 
 namespace quillmar {
 namespace {
@@ -18,7 +20,24 @@ struct DisplayList {
     }
 };
 
+DisplayIDs idsOf(const std::vector<DisplayInfo>& displays) {
+    DisplayIDs ids;
+    for (const DisplayInfo& display : displays) ids.insert(display.id);
+    return ids;
+}
+
 }  // namespace
+
+DisplayIDs displaysCalled(const std::string& name, std::vector<DisplayInfo> displays) {
+    if (name == "all") return idsOf(displays);
+    std::erase_if(displays, [&](const DisplayInfo& display) {
+        return display.id != name && lowercased(display.localizedName) != lowercased(name) &&
+               !(name == "main" && display.isMain);
+    });
+    if (displays.empty()) throw CommandError("No display \"%@\" is connected."_key, {name});
+    if (displays.size() > 1) throw CommandError("Several displays are called \"%@\"; use an ID."_key, {name});
+    return idsOf(displays);
+}
 
 std::string displaysAsText(const std::vector<DisplayInfo>& displays, GeneralLanguage language) {
     if (displays.empty()) return localized("No display is connected."_key, language) + "\n";

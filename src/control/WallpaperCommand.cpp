@@ -8,6 +8,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "control/CommandError.h"
+#include "control/DisplayList.h"
 #include "storage/StoredFileGrant.h"
 
 namespace quillmar {
@@ -28,20 +29,16 @@ void choose(const WallpaperMode& mode, bool keepsKey, const DisplayIDs& ids, Wal
     }
 }
 
-DisplayIDs idsOf(const std::vector<DisplayInfo>& displays) {
-    DisplayIDs ids;
-    for (const DisplayInfo& display : displays) ids.insert(display.id);
-    return ids;
-}
-
 }  // namespace
 
 Task<ControlReply> WallpaperCommand::run(CommandLine line, std::filesystem::path folder) {
     co_await services_.settingsModel.loaded();
     if (line.is("wallpaper set"))
         co_return co_await set(parseWallpaperMode(line, folder), line.operands.front());
-    if (line.is("wallpaper next"))
-        co_return co_await showNext(line.operands.empty() ? "all" : line.operands.front());
+    const std::string display = line.operands.empty() ? "all" : line.operands.front();
+    if (line.is("wallpaper next")) co_return co_await show(HistoryStep::forward, matching(display));
+    if (line.is("wallpaper previous")) co_return co_await show(HistoryStep::back, matching(display));
+    if (line.is("wallpaper info")) co_return co_await info(matching(display), line.wantsJson());
     const ProgramStatus found = co_await status();
     const bool isWhole = line.is("status");
     if (line.wantsJson())
@@ -51,15 +48,7 @@ Task<ControlReply> WallpaperCommand::run(CommandLine line, std::filesystem::path
 }
 
 DisplayIDs WallpaperCommand::matching(const std::string& name) const {
-    std::vector<DisplayInfo> displays = services_.displays.displays();
-    if (name == "all") return idsOf(displays);
-    std::erase_if(displays, [&](const DisplayInfo& display) {
-        return display.id != name && lowercased(display.localizedName) != lowercased(name) &&
-               !(name == "main" && display.isMain);
-    });
-    if (displays.empty()) throw CommandError("No display \"%@\" is connected."_key, {name});
-    if (displays.size() > 1) throw CommandError("Several displays are called \"%@\"; use an ID."_key, {name});
-    return idsOf(displays);
+    return displaysCalled(name, services_.displays.displays());
 }
 
 Task<std::optional<Bytes>> WallpaperCommand::grantFor(std::optional<Url> url) {
@@ -102,9 +91,18 @@ Task<ControlReply> WallpaperCommand::set(WallpaperModeArguments arguments, std::
     co_return replyOf(co_await services_.coordinator.apply(change, ids));
 }
 
-Task<ControlReply> WallpaperCommand::showNext(std::string display) {
-    const DisplayIDs ids = matching(display);
-    co_return replyOf(co_await services_.coordinator.enqueue(ids, WallpaperApplyReason::rotation));
+Task<ControlReply> WallpaperCommand::show(HistoryStep step, DisplayIDs displays) {
+    WallpaperCoordinator& coordinator = services_.coordinator;
+    co_return replyOf(step == HistoryStep::back ? co_await coordinator.showPrevious(std::move(displays))
+                                                : co_await coordinator.showNext(std::move(displays)));
+}
+
+Task<ControlReply> WallpaperCommand::info(DisplayIDs displays, bool wantsJson) const {
+    ProgramStatus found = co_await status();
+    std::erase_if(found.displays,
+                  [&](const WallpaperStatus& status) { return !displays.contains(status.display.id); });
+    if (wantsJson) co_return ControlReply{.output = displaysStatusAsJson(std::move(found))};
+    co_return ControlReply{.output = infoAsText(found.displays, language())};
 }
 
 ControlReply WallpaperCommand::replyOf(const WallpaperApplyBatchResult& batch) const {
@@ -129,6 +127,15 @@ ControlReply WallpaperCommand::replyOf(const WallpaperApplyBatchResult& batch) c
 Task<ProgramStatus> WallpaperCommand::status() const {
     // Each display's line holds together only when nothing is waited for between its parts.
     const auto shown = co_await services_.desktop.shown();
+    ProgramStatus program = statusWithoutDesktop();
+    for (WallpaperStatus& status : program.displays) {
+        if (const auto file = shown.find(status.display.id); file != shown.end())
+            status.shows = file->second.string();
+    }
+    co_return program;
+}
+
+ProgramStatus WallpaperCommand::statusWithoutDesktop() const {
     const AppSettingsModel& model = services_.settingsModel;
     ProgramStatus program{.version = services_.version,
                           .areRotationsPaused = model.settings().general.pauseRotations,
@@ -139,10 +146,8 @@ Task<ProgramStatus> WallpaperCommand::status() const {
     if (const auto& file = model.unsavedFile()) program.unsavedSettings = file->string();
     for (const DisplayInfo& display : services_.displays.displays()) {
         program.displays.push_back(statusOf(display));
-        if (const auto file = shown.find(display.id); file != shown.end())
-            program.displays.back().shows = file->second.string();
     }
-    co_return program;
+    return program;
 }
 
 WallpaperStatus WallpaperCommand::statusOf(const DisplayInfo& display) const {
@@ -154,6 +159,12 @@ WallpaperStatus WallpaperCommand::statusOf(const DisplayInfo& display) const {
         const auto& [descriptor, next, failureCount] = found->second;
         const Seconds wait = next - services_.clock.now();
         status.rotation = {descriptor.interval.count(), next, std::max(wait.count(), 0.0), failureCount};
+    }
+    if (const auto* picture = services_.pictures.history().current(display.id)) status.picture = *picture;
+    const auto& leftOut = services_.coordinator.leftOut();
+    if (const auto found = leftOut.find(display.id); found != leftOut.end()) {
+        status.leftOut.emplace();
+        for (const auto& [message, date] : found->second) status.leftOut->push_back({message, date});
     }
     if (const auto found = failures.find(display.id); found != failures.end()) {
         status.lastFailure = {found->second.message, found->second.date};

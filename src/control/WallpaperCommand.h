@@ -26,16 +26,20 @@ public:
         std::string version;
         const DisplayService& displays;
         DesktopPictures& desktop;
+        PictureMemory& pictures;
         Executor& files;  ///< where the user's files are looked at
     };
     explicit WallpaperCommand(Services services) : services_(std::move(services)) {}
 
     /// Carries out a line that begins with "wallpaper" or "status". Relative paths start from `folder`.
     Task<ControlReply> run(CommandLine line, std::filesystem::path folder);
+    /// As it is known here, without a word from the desktop.
+    ProgramStatus statusWithoutDesktop() const;
 
 private:
     Task<ControlReply> set(WallpaperModeArguments arguments, std::string display);
-    Task<ControlReply> showNext(std::string display);
+    Task<ControlReply> show(HistoryStep step, DisplayIDs displays);
+    Task<ControlReply> info(DisplayIDs displays, bool wantsJson) const;
     Task<ProgramStatus> status() const;
     WallpaperStatus statusOf(const DisplayInfo& display) const;
     DisplayIDs matching(const std::string& name) const;

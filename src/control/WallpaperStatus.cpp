@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "base/JsonRecord.h"
+#include "base/LocalDateTime.h"
 #include "commandline/WallpaperModeArguments.h"
 
 namespace quillmar {
@@ -20,8 +21,8 @@ struct DisplaysDocument {
     }
 };
 
-void redactKeys(ProgramStatus& program) {
-    for (WallpaperStatus& status : program.displays) {
+void redactKeys(std::vector<WallpaperStatus>& displays) {
+    for (WallpaperStatus& status : displays) {
         if (std::string* key = keyOf(status.mode).text; key && !key->empty()) *key = redactedKey;
     }
 }
@@ -39,6 +40,20 @@ std::string detail(const WallpaperMode& mode) {
     return {};
 }
 
+std::string headingOf(const DisplayInfo& display, const WallpaperMode& mode, GeneralLanguage language) {
+    return fmt::format("{} {} ({}): {}{}\n", display.isMain ? '*' : ' ', display.localizedName, display.id,
+                       localized(title(mode.kind()), language), detail(mode));
+}
+
+/// In one line; empty when nothing is known.
+std::string creditLine(const PictureCredit& credit) {
+    std::string line;
+    for (const auto& part : {credit.title, credit.author, credit.licence, credit.sourceURL}) {
+        if (part) line += (line.empty() ? "" : ", ") + *part;
+    }
+    return line;
+}
+
 std::string lengthOf(double seconds) {
     const auto whole = static_cast<std::int64_t>(std::llround(seconds));
     if (whole < 60) return fmt::format("{} s", whole);
@@ -49,13 +64,18 @@ std::string lengthOf(double seconds) {
 }  // namespace
 
 std::string statusAsJson(ProgramStatus program) {
-    redactKeys(program);
+    redactKeys(program.displays);
     return json::encode(program);
 }
 
 std::string displaysStatusAsJson(ProgramStatus program) {
-    redactKeys(program);
+    redactKeys(program.displays);
     return json::encode(DisplaysDocument{std::move(program.version), std::move(program.displays)});
+}
+
+std::string changeAsJson(ChangeDocument change) {
+    redactKeys(change.displays);
+    return json::encodeCompact(change);
 }
 
 std::string statusAsText(const ProgramStatus& program, GeneralLanguage language) {
@@ -78,10 +98,11 @@ std::string displaysStatusAsText(const std::vector<WallpaperStatus>& displays, G
     if (displays.empty()) return localized("No display is connected."_key, language) + "\n";
     std::string text;
     const auto line = [&](const std::string& words) { text += "    " + words + "\n"; };
-    for (const auto& [display, mode, shows, rotation, lastFailure] : displays) {
-        text += fmt::format("{} {} ({}): {}{}\n", display.isMain ? '*' : ' ', display.localizedName,
-                            display.id, localized(title(mode.kind()), language), detail(mode));
+    for (const auto& [display, mode, shows, picture, rotation, lastFailure, leftOut] : displays) {
+        text += headingOf(display, mode, language);
         if (shows) line(localized("shows %@"_key, language, {*shows}));
+        if (const std::string credit = picture ? creditLine(picture->credit) : ""; !credit.empty())
+            line(localized("that is: %@"_key, language, {credit}));
         if (rotation) {
             std::string change = localized("changes in %@"_key, language, {lengthOf(rotation->waitSeconds)});
             if (rotation->consecutiveFailures > 0) {
@@ -90,6 +111,31 @@ std::string displaysStatusAsText(const std::vector<WallpaperStatus>& displays, G
             line(change);
         }
         if (lastFailure) line(localized("failed: %@"_key, language, {lastFailure->message}));
+        for (const FailureStatus& one : leftOut.value_or(std::vector<FailureStatus>{}))
+            line(localized("left out: %@"_key, language, {one.message}));
+    }
+    return text;
+}
+
+std::string infoAsText(const std::vector<WallpaperStatus>& displays, GeneralLanguage language) {
+    std::string text;
+    for (const WallpaperStatus& status : displays) {
+        text += headingOf(status.display, status.mode, language);
+        const auto line = [&](TextKey words, const std::optional<std::string>& value) {
+            if (value) text += "    " + localized(words, language, {*value}) + "\n";
+        };
+        if (!status.picture) {
+            text += "    " + localized("Quillmar shows no picture here."_key, language) + "\n";
+            continue;
+        }
+        const auto& [kind, date, fileURL, color, layout, background, caption, credit] = *status.picture;
+        line("title: %@"_key, credit.title);
+        line("author: %@"_key, credit.author);
+        line("licence: %@"_key, credit.licence);
+        line("source: %@"_key, credit.sourceURL);
+        line("file: %@"_key, fileURL ? std::optional(fileURL->displayPath()) : std::nullopt);
+        line("colour: %@"_key, color);
+        line("since: %@"_key, shortLocalText(date, language));
     }
     return text;
 }

@@ -6,6 +6,7 @@
 #include "base/Localization.h"
 #include "base/WallTime.h"
 #include "display/DisplayInfo.h"
+#include "history/ShownPicture.h"
 #include "modes/WallpaperMode.h"
 
 namespace quillmar {
@@ -39,16 +40,20 @@ struct FailureStatus {
 struct WallpaperStatus {
     DisplayInfo display;
     WallpaperMode mode;
-    std::optional<std::string> shows;  ///< file of the picture behind everything on the display
+    std::optional<std::string> shows;     ///< file of the picture behind everything on the display
+    std::optional<ShownPicture> picture;  ///< that it was given last, and what is known of it
     std::optional<RotationStatus> rotation;
     std::optional<FailureStatus> lastFailure;
+    std::optional<std::vector<FailureStatus>> leftOut;  ///< files of the slideshow that cannot be shown
 
     static void describe(auto& self, auto& io) {
         io.required("display", self.display)
             .required("mode", self.mode)
             .optional("shows", self.shows)
+            .optional("picture", self.picture)
             .optional("rotation", self.rotation)
-            .optional("lastFailure", self.lastFailure);
+            .optional("lastFailure", self.lastFailure)
+            .optional("leftOut", self.leftOut);
     }
 };
 
@@ -71,6 +76,26 @@ struct ProgramStatus {
     }
 };
 
+/// A change, as "quillmar watch" says it: on one line, with the number of this format.
+struct ChangeDocument {
+    static constexpr int currentFormat = 1;
+    std::string event;  ///< "display" or "status"
+    int format = currentFormat;
+    std::string version;
+    std::optional<bool> areRotationsPaused;  ///< of "status"
+    std::vector<WallpaperStatus> displays;   ///< of "display", the one that has changed
+
+    static void describe(auto& self, auto& io) {
+        io.required("event", self.event)
+            .required("format", self.format)
+            .required("version", self.version)
+            .optional("areRotationsPaused", self.areRotationsPaused)
+            .required("displays", self.displays);
+    }
+};
+/// Keys of picture services are left out.
+std::string changeAsJson(ChangeDocument change);
+
 /// For scripts. Keys of picture services are left out.
 std::string statusAsJson(ProgramStatus program);
 /// For people: the program, then as `displaysStatusAsText`.
@@ -78,6 +103,8 @@ std::string statusAsText(const ProgramStatus& program, GeneralLanguage language)
 
 /// The displays alone, as "quillmar wallpaper" says them.
 std::string displaysStatusAsJson(ProgramStatus program);
+/// What is known of the picture of each display; texts a line each, JSON as `displaysStatusAsJson`.
+std::string infoAsText(const std::vector<WallpaperStatus>& displays, GeneralLanguage language);
 /// A line or two for each display.
 std::string displaysStatusAsText(const std::vector<WallpaperStatus>& displays, GeneralLanguage language);
 

@@ -33,6 +33,7 @@ private:
 DesktopPictures::DesktopPictures(Services services)
     : services_(std::move(services)),
       lastShown_(services_.folder / "last-shown.json", services_.executor),
+      former_(services_.folder, services_.executor),
       tasks_(services_.loop) {}
 
 DesktopPictures::~DesktopPictures() = default;
@@ -172,6 +173,29 @@ Task<DesktopSnapshot> DesktopPictures::capture(std::string displayID) {
 
 Task<void> DesktopPictures::restore(DesktopSnapshot snapshot) {
     co_await uncancelled(show(snapshot.displayID, {snapshot.image, nullptr}, snapshot.options));
+}
+
+Task<void> DesktopPictures::keepFormer(std::string displayID, fs::path image, DesktopImageOptions options) {
+    return former_.keep(std::move(displayID), std::move(image), std::move(options));
+}
+
+Task<void> DesktopPictures::giveBack(std::string displayID) {
+    try {
+        co_await uncancelled(giveBackInTurn(displayID));
+    } catch (const std::exception&) {
+        logWarning("A display could not be given back its former picture.", "wallpaper",
+                   std::current_exception(), {{"display_id", displayID}});
+    }
+}
+
+Task<void> DesktopPictures::giveBackInTurn(std::string displayID) {
+    const auto hold = co_await order_[displayID].acquire();
+    const auto given = mustShow(displayID);
+    // What the user has set by other means meanwhile stays.
+    if (!given || !co_await isShown(displayID, *given)) co_return;
+    const auto former = co_await former_.take(displayID);
+    const auto file = former ? former->fileURL.filePath() : std::nullopt;
+    if (file) co_await showInTurn(displayID, {*file, nullptr}, former->options);
 }
 
 Task<void> DesktopPictures::recall(std::string displayID) {

@@ -8,6 +8,7 @@
 
 #include "async/TaskLock.h"
 #include "async/TaskScope.h"
+#include "desktop/FormerPictures.h"
 #include "desktop/LastShownPictures.h"
 #include "desktop/PictureWriter.h"
 #include "display/DisplayService.h"
@@ -65,6 +66,11 @@ public:
     /// What the display shows now.
     Task<DesktopSnapshot> capture(std::string displayID);
     Task<void> restore(DesktopSnapshot snapshot);
+    /// Remembers across starts what the display showed before it was given its first picture.
+    Task<void> keepFormer(std::string displayID, std::filesystem::path image, DesktopImageOptions options);
+    /// Gives it back, where it is known and the display still shows a picture that it was given. Failures
+    /// are logged.
+    Task<void> giveBack(std::string displayID);
     /// Shows again what the display was given last, where the desktop has forgotten it with the session or
     /// the plug: until its picture is there. Nothing for a display that is gone. Failures are logged.
     Task<void> recall(std::string displayID);
@@ -81,6 +87,7 @@ private:
     Task<void> show(std::string displayID, DesktopImage image, DesktopImageOptions options);
     Task<void> showInTurn(std::string displayID, DesktopImage image, DesktopImageOptions options);
     Task<void> recallInTurn(std::string displayID);
+    Task<void> giveBackInTurn(std::string displayID);
     Task<void> showOrPutBack(DesktopPicturing* desktop, DesktopImage image, Screen screen,
                              DesktopImageOptions options);
     Task<SharedPixels> pixelsOf(std::filesystem::path file, Screen screen);
@@ -91,6 +98,7 @@ private:
 
     Services services_;
     LastShownPictures lastShown_;
+    FormerPictures former_;
     std::unique_ptr<DesktopPicturing> spanned_;
     DesktopPicturing* desktop_ = nullptr;  ///< null until the desktop's way is known
     bool forgetsWithSession_ = false;

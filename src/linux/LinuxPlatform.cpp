@@ -18,6 +18,7 @@
 #include "linux/dbus/DBusSessionEnd.h"
 #include "linux/desktop/LinuxDesktopPicture.h"
 #include "linux/glib/ClockJumps.h"
+#include "linux/glib/GioAddresses.h"
 #include "linux/glib/GlibMainLoop.h"
 #include "linux/glib/InotifyFileWatch.h"
 #include "linux/glib/JournalSystemLog.h"
@@ -130,6 +131,7 @@ struct LinuxPlatform::Adapters {
     DBusRunningInstances instances;
     NoUsageReporting usageReporting;
     DBusNotifications notifications;
+    GioAddresses addresses;
     LinuxPictureEncoding encoding;
     ProcessPictureRendering rendering{pool, ProcessPictureRendering::installedProgram()};
     GtkScreens screens{outputIdentitiesFile(environment), stateFiles};
@@ -164,6 +166,7 @@ Ports LinuxPlatform::ports() {
             .pictureEncoding = own.encoding,
             .notificationCenter = own.notifications,
             .webSession = own.webSession,
+            .addresses = own.addresses,
             .settingsWindow = nullptr,
             .flushLog = [&own] { return own.pipeline.flush(); }};
 }

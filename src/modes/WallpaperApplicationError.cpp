@@ -57,9 +57,11 @@ constexpr auto messages = std::to_array<TextKey>({
     "Quillmar could not render the solid color image."_key,
     "Quillmar could not render the selected image for this display."_key,
     "The wallpaper request was skipped while the Lock Screen override was active."_key,
+    "There is no earlier picture."_key,
+    "The service has only pictures that are in the trash."_key,
 });
 static_assert(messages.size() ==
-              static_cast<std::size_t>(WallpaperApplicationError::Case::suppressedWhileLocked) + 1);
+              static_cast<std::size_t>(WallpaperApplicationError::Case::remoteImagesInTrash) + 1);
 
 }  // namespace
 

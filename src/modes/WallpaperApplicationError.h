@@ -62,6 +62,8 @@ public:
         solidColorRenderingFailed,
         imageRenderingFailed,
         suppressedWhileLocked,
+        noEarlierPicture,
+        remoteImagesInTrash,
     };
 
     explicit WallpaperApplicationError(Case errorCase, std::string value = {}, std::string reason = {})

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <optional>
 
+#include "base/Crc32.h"
 #include "base/Enum.h"
 #include "base/FileDescriptor.h"
 #include "base/Hash.h"
@@ -28,15 +29,6 @@ constexpr std::uint32_t headerSize = 13;
 std::uint32_t bigEndian(ByteView bytes) {
     return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 |
            bytes[3];
-}
-
-std::uint32_t crc32(ByteView bytes) {
-    std::uint32_t crc = ~0u;
-    for (const std::uint8_t byte : bytes) {
-        crc ^= byte;
-        for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1) ^ (0xedb88320u & (0u - (crc & 1u)));
-    }
-    return ~crc;
 }
 
 class PngFile {

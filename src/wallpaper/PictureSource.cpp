@@ -2,6 +2,7 @@
 
 #include "modes/FileReadable.h"
 #include "modes/WallpaperApplicationError.h"
+#include "platform/PictureRenderingError.h"
 #include "storage/SecurityScopedFileLease.h"
 #include "wallpaper/SlideshowImageLibrary.h"
 
@@ -27,15 +28,30 @@ PictureSource pictureSource(const ImagePresentationSettings& settings) {
     return {.file = std::move(file), .access = std::move(access)};
 }
 
-PictureSource pictureSource(const SlideshowPresentationSettings& settings, const RandomIndex& randomIndex) {
+PictureSource pictureSource(const SlideshowPresentationSettings& settings, const RandomIndex& randomIndex,
+                            std::function<bool(const Url&)> isLeftOut) {
     if (!settings.folderURL) throw Error(Error::Case::missingSlideshowFolder);
     auto access =
         std::make_shared<const SecurityScopedFileLease>(*settings.folderURL, settings.folderBookmark);
     Url image = nextSlideshowImage(
-        access->url(), {settings.includeSubfolders, settings.shuffle, settings.lastImageURL}, randomIndex);
-    std::filesystem::path file = readableFile(image);
+        access->url(),
+        {settings.includeSubfolders, settings.shuffle, settings.lastImageURL, std::move(isLeftOut)},
+        randomIndex);
+    std::filesystem::path file = *image.filePath();
     return {
         .file = std::move(file), .access = std::move(access), .selectedSlideshowImageURL = std::move(image)};
+}
+
+bool isFaultOfFile(const std::exception_ptr& failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const Error& error) {
+        return error.errorCase() == Error::Case::unreadableImage;
+    } catch (const PictureRenderingError&) {
+        return true;
+    } catch (...) {
+        return false;
+    }
 }
 
 }  // namespace quillmar

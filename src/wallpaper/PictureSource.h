@@ -1,5 +1,7 @@
 #pragma once
+#include <exception>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -20,7 +22,11 @@ struct PictureSource {
 // Both ask the file system, so they belong on a background thread. They throw `WallpaperApplicationError` and
 // `SecurityScopedFileAccessError`, a slideshow also `SlideshowImageLibraryError`.
 PictureSource pictureSource(const ImagePresentationSettings& settings);
-/// The next picture of the folder.
-PictureSource pictureSource(const SlideshowPresentationSettings& settings, const RandomIndex& randomIndex);
+/// The next picture of the folder that is not left out; whether it can be read is found out by reading it.
+PictureSource pictureSource(const SlideshowPresentationSettings& settings, const RandomIndex& randomIndex,
+                            std::function<bool(const Url&)> isLeftOut);
+
+/// Whether a picture was not made because of its file, so that another one may do.
+bool isFaultOfFile(const std::exception_ptr& failure);
 
 }  // namespace quillmar

@@ -56,18 +56,32 @@ bool comesBefore(const Url& left, const Url& right) {
 }
 
 /// The next in order and, behind the last one, the first: found without sorting, which a folder of a hundred
-/// thousand pictures would feel.
-Url nextInOrder(const std::vector<Url>& images, const std::optional<Url>& last) {
+/// thousand pictures would feel. Null when all are left out.
+const Url* nextInOrder(const std::vector<Url>& images, const SlideshowSelection& selection) {
+    const auto& last = selection.lastImageURL;
+    // One that is left out is still a place to go on from.
     const auto current =
         last ? std::ranges::find(images, last->standardized(), &Url::standardized) : images.end();
-    if (current == images.end()) return *std::ranges::min_element(images, comesBefore);
     const Url* next = nullptr;
-    const Url* first = &*current;
+    const Url* first = nullptr;
     for (const Url& image : images) {
-        if (comesBefore(image, *first)) first = &image;
-        if (comesBefore(*current, image) && (!next || comesBefore(image, *next))) next = &image;
+        if (selection.leavesOut(image)) continue;
+        if (!first || comesBefore(image, *first)) first = &image;
+        if (current != images.end() && comesBefore(*current, image) && (!next || comesBefore(image, *next)))
+            next = &image;
     }
-    return next ? *next : *first;
+    return next ? next : first;
+}
+
+/// Any but the last one, where there is a choice. Null when all are left out.
+const Url* nextAtRandom(std::vector<Url>& images, const SlideshowSelection& selection,
+                        const RandomIndex& randomIndex) {
+    std::erase_if(images, [&](const Url& image) { return selection.leavesOut(image); });
+    if (images.size() > 1 && selection.lastImageURL) {
+        const Url last = selection.lastImageURL->standardized();
+        std::erase_if(images, [&](const Url& image) { return image.standardized() == last; });
+    }
+    return images.empty() ? nullptr : &images[randomIndex(images.size())];
 }
 
 }  // namespace
@@ -76,6 +90,10 @@ std::string SlideshowImageLibraryError::message(GeneralLanguage language) const 
     if (case_ == Case::unreadableFolder) {
         return localized("Quillmar cannot read the slideshow folder at %@. Choose the folder again."_key,
                          language, {folder_.displayPath()});
+    }
+    if (case_ == Case::allLeftOut) {
+        return localized("Every image in %@ is in the trash or cannot be read."_key, language,
+                         {folder_.displayPath()});
     }
     return localized("No supported images were found in %@."_key, language, {folder_.displayPath()});
 }
@@ -94,12 +112,10 @@ Url nextSlideshowImage(const Url& folder, const SlideshowSelection& selection,
                        const RandomIndex& randomIndex) {
     std::vector<Url> images = slideshowImages(folder, selection.includeSubfolders);
     if (images.empty()) throw Error(Error::Case::noImages, folder);
-    if (!selection.shuffle) return nextInOrder(images, selection.lastImageURL);
-    if (images.size() > 1 && selection.lastImageURL) {
-        const Url last = selection.lastImageURL->standardized();
-        std::erase_if(images, [&](const Url& image) { return image.standardized() == last; });
-    }
-    return images[randomIndex(images.size())];
+    const Url* next =
+        selection.shuffle ? nextAtRandom(images, selection, randomIndex) : nextInOrder(images, selection);
+    if (!next) throw Error(Error::Case::allLeftOut, folder);
+    return *next;
 }
 
 }  // namespace quillmar

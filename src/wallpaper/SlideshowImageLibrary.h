@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -11,7 +12,7 @@ namespace quillmar {
 /// Why a folder has no next picture.
 class SlideshowImageLibraryError final : public AppLocalizableError {
 public:
-    enum class Case { unreadableFolder, noImages };
+    enum class Case { unreadableFolder, noImages, allLeftOut };
 
     SlideshowImageLibraryError(Case errorCase, Url folder) : case_(errorCase), folder_(std::move(folder)) {}
     Case errorCase() const { return case_; }
@@ -27,6 +28,9 @@ struct SlideshowSelection {
     bool includeSubfolders = false;
     bool shuffle = false;
     std::optional<Url> lastImageURL;  ///< what was shown last
+    std::function<bool(const Url&)> isLeftOut = {};
+
+    bool leavesOut(const Url& image) const { return isLeftOut && isLeftOut(image); }
 };
 
 /// The pictures of a folder that can be shown, in no order: regular files that are not hidden, with the name

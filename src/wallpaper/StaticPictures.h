@@ -1,8 +1,10 @@
 #pragma once
 #include <optional>
 
+#include "history/PictureMemory.h"
 #include "remote/RemoteImageProvider.h"
 #include "wallpaper/PictureSource.h"
+#include "wallpaper/UnreadablePictures.h"
 #include "wallpaper/WallpaperApplicationGate.h"
 #include "wallpaper/WallpaperRenderer.h"
 #include "wallpaper/WallpaperRequests.h"
@@ -26,6 +28,7 @@ public:
         Executor& executor;
         const CacheFileProtection& cacheFiles;
         RemoteImageProvider& remoteImages;
+        const PictureMemory& memory;
         RandomIndex randomIndex;
     };
     explicit StaticPictures(Services services) : services_(std::move(services)) {}
@@ -37,10 +40,15 @@ public:
 
 private:
     Task<Prepared> fromFile(WallpaperApplyRequest request);
+    Task<Prepared> fromSlideshow(WallpaperApplyRequest request);
+    Task<PictureSource> nextOf(SlideshowPresentationSettings slideshow);
+    Task<Prepared> again(ShownPicture picture, DisplayInfo display);
     Task<Prepared> fromService(WallpaperApplyRequest request);
+    bool isBanned(const std::filesystem::path& file) const;
     std::optional<CacheFileLease> leaseOf(const std::optional<WindowsSpotlightSelection>& selection) const;
 
     Services services_;
+    UnreadablePictures unreadable_;
 };
 
 }  // namespace quillmar

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "modes/WallpaperApplicationError.h"
+#include "wallpaper/PictureSource.h"
 
 namespace quillmar {
 namespace {
@@ -14,15 +15,16 @@ using Error = WallpaperApplicationError;
 WallpaperCoordinator::WallpaperCoordinator(MainLoop& loop, const DisplayProviding& displayProvider,
                                            WallpaperApplying& applier,
                                            WallpaperSettingsTransactionApplying* settingsTransactionApplier,
-                                           AppSettingsModel& settingsModel,
+                                           AppSettingsModel& settingsModel, PictureMemory& pictures,
                                            const WallpaperApplicationGate& gate, const WallClock& clock,
                                            RemoteWallpaperErrorNotifying* remoteErrorNotifier)
     : displayProvider_(displayProvider),
       applier_(applier),
       settingsModel_(settingsModel),
+      pictures_(pictures),
       gate_(gate),
       notices_(settingsModel, clock, remoteErrorNotifier),
-      memory_(settingsModel, clock),
+      memory_(settingsModel, pictures, clock),
       changes_(settingsModel, settingsTransactionApplier, notices_, memory_),
       queue_(loop, [this](std::string displayID, WallpaperWork next) {
           return work(std::move(displayID), std::move(next));
@@ -34,6 +36,24 @@ Task<WallpaperApplyBatchResult> WallpaperCoordinator::enqueue(std::optional<Disp
     const auto ticket = ticketFor(displayIDs);
     for (const std::string& id : ticket->displayIDs) queue_.add(id, WallpaperPass{reason, {ticket}});
     if (ticket->displayIDs.empty()) ticket->answer();
+    co_return co_await WallpaperTicket::wait(ticket);
+}
+
+Task<WallpaperApplyBatchResult> WallpaperCoordinator::showPrevious(DisplayIDs displayIDs) {
+    const auto ticket = ticketFor(displayIDs);
+    for (const std::string& id : ticket->displayIDs)
+        queue_.add(id, WallpaperReturn{HistoryStep::back, ticket});
+    co_return co_await WallpaperTicket::wait(ticket);
+}
+
+Task<WallpaperApplyBatchResult> WallpaperCoordinator::showNext(DisplayIDs displayIDs) {
+    const auto ticket = ticketFor(displayIDs);
+    for (const std::string& id : ticket->displayIDs) {
+        // New pictures that are asked for at the same time are one picture; steps are counted.
+        const bool isStep = neighbour(id, HistoryStep::forward) != nullptr;
+        queue_.add(id, isStep ? WallpaperWork(WallpaperReturn{HistoryStep::forward, ticket})
+                              : WallpaperWork(WallpaperPass{WallpaperApplyReason::rotation, {ticket}}));
+    }
     co_return co_await WallpaperTicket::wait(ticket);
 }
 
@@ -69,10 +89,13 @@ Task<void> WallpaperCoordinator::work(std::string displayID, WallpaperWork work)
     if (auto* pass = std::get_if<WallpaperPass>(&work)) {
         const WallpaperDisplayApplyResult result = co_await applyCurrent(displayID, pass->reason);
         for (const auto& ticket : pass->tickets) ticket->deliver(result);
+    } else if (const auto* back = std::get_if<WallpaperReturn>(&work)) {
+        back->ticket->deliver(co_await applyAgain(displayID, back->step));
     } else {
-        co_await applyChange(std::move(displayID),
+        co_await applyChange(displayID,
                              std::get<std::shared_ptr<WallpaperSettingsChangeInProgress>>(std::move(work)));
     }
+    if (changeHandler_) changeHandler_(displayID);
 }
 
 Task<WallpaperDisplayApplyResult> WallpaperCoordinator::applyCurrent(std::string displayID,
@@ -84,21 +107,66 @@ Task<WallpaperDisplayApplyResult> WallpaperCoordinator::applyCurrent(std::string
     // As it is now: a change of the settings meanwhile is another request's.
     const auto* entry = findEntry(settingsModel_.settings().wallpaper.displays, displayID);
     const WallpaperApplyRequest request{*connected, entry ? entry->mode : WallpaperMode{}, reason};
-    std::exception_ptr failure;
+    if (const auto failure = co_await tryApplying(request)) co_await fail(&result, request, failure);
+    co_return result;
+}
+
+/// Why it failed; null where it did not.
+Task<std::exception_ptr> WallpaperCoordinator::tryApplying(WallpaperApplyRequest request) {
     try {
-        memory_.remember(displayID, co_await applier_.apply(request));
-        notices_.succeeded(displayID);
+        const WallpaperApplyOutcome outcome = co_await applier_.apply(request);
+        if (request.again) {
+            pictures_.returned(request.display.id, *request.again);
+        } else {
+            memory_.remember(request.display.id, outcome);
+        }
+        notices_.succeeded(request.display.id);
+        notices_.leftOut(request.display.id, outcome.leftOut);
     } catch (const CancellationError&) {
         throw;
-    } catch (const std::exception& error) {
-        result.failureMessage = errorText(error, language());
-        failure = std::current_exception();
+    } catch (const std::exception&) {
+        co_return std::current_exception();
     }
-    if (failure) {
-        notices_.failed(displayID, *result.failureMessage);
-        co_await notices_.report(request, failure, "A wallpaper apply operation failed.", true);
+    co_return nullptr;
+}
+
+Task<void> WallpaperCoordinator::fail(WallpaperDisplayApplyResult* result, WallpaperApplyRequest request,
+                                      std::exception_ptr failure) {
+    result->failureMessage = errorText(failure, language());
+    notices_.failed(result->displayID, *result->failureMessage);
+    co_await notices_.report(std::move(request), failure, "A wallpaper apply operation failed.", true);
+}
+
+/// A display that shows nothing of ours at present has no pictures to go to.
+const ShownPicture* WallpaperCoordinator::neighbour(const std::string& displayID, HistoryStep step) const {
+    const auto* entry = findEntry(settingsModel_.settings().wallpaper.displays, displayID);
+    if (!entry || entry->mode.kind() == WallpaperModeKind::disabled) return nullptr;
+    return pictures_.history().neighbour(displayID, step);
+}
+
+Task<WallpaperDisplayApplyResult> WallpaperCoordinator::applyAgain(std::string displayID, HistoryStep step) {
+    constexpr auto reason = WallpaperApplyReason::userInitiated;
+    const auto connected = display(displayID);
+    while (const ShownPicture* found = neighbour(displayID, step)) {
+        if (gate_.isLockScreenOverrideActive) co_return suppressed(displayID, reason);
+        if (!connected) co_return unavailable(displayID, reason);
+        const ShownPicture picture = *found;
+        WallpaperDisplayApplyResult result{displayID, connected->localizedName, reason, {}};
+        WallpaperApplyRequest request{*connected, picture.mode(), reason};
+        request.again = picture;
+        const auto failure = co_await tryApplying(request);
+        if (failure && isFaultOfFile(failure)) {
+            pictures_.forget(displayID, picture);
+            continue;
+        }
+        if (failure) co_await fail(&result, request, failure);
+        co_return result;
     }
-    co_return result;
+    if (step == HistoryStep::forward)
+        co_return co_await applyCurrent(displayID, WallpaperApplyReason::rotation);
+    if (!connected) co_return unavailable(displayID, reason);
+    co_return WallpaperDisplayApplyResult{displayID, connected->localizedName, reason,
+                                          Error(Error::Case::noEarlierPicture).message(language())};
 }
 
 Task<void> WallpaperCoordinator::applyChange(std::string displayID,

@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,8 +16,8 @@ class WallpaperCoordinator {
 public:
     WallpaperCoordinator(MainLoop& loop, const DisplayProviding& displayProvider, WallpaperApplying& applier,
                          WallpaperSettingsTransactionApplying* settingsTransactionApplier,
-                         AppSettingsModel& settingsModel, const WallpaperApplicationGate& gate,
-                         const WallClock& clock,
+                         AppSettingsModel& settingsModel, PictureMemory& pictures,
+                         const WallpaperApplicationGate& gate, const WallClock& clock,
                          RemoteWallpaperErrorNotifying* remoteErrorNotifier = nullptr);
 
     /// Applies what the settings say to the given displays, or to all of them.
@@ -28,14 +29,31 @@ public:
     /// As above, with a change of what the settings say when its turn has come, applied to the given displays
     /// alone. One of them that is gone by then fails.
     Task<WallpaperApplyBatchResult> apply(WallpaperSettingsChange change, DisplayIDs displayIDs);
+    /// Shows on each of the displays the picture that it showed before, without changing what the settings
+    /// say. Those that are gone are passed over.
+    Task<WallpaperApplyBatchResult> showPrevious(DisplayIDs displayIDs);
+    /// Shows the next one: of those that were gone back from, or else a new one.
+    Task<WallpaperApplyBatchResult> showNext(DisplayIDs displayIDs);
+    /// Calls back when a display shows another picture or mode, or has failed to. Replaces the former
+    /// handler.
+    void setChangeHandler(std::function<void(const std::string& displayID)> handler) {
+        changeHandler_ = std::move(handler);
+    }
     /// True from the start of work until nothing is left to do.
     bool isApplying() const { return queue_.isWorking(); }
     /// What each display fails of at present, by display ID.
     const std::map<std::string, WallpaperFailure>& lastFailures() const { return notices_.lastFailures(); }
+    /// The files that each display's slideshow left out lately, by display ID.
+    const std::map<std::string, std::vector<WallpaperFailure>>& leftOut() const { return notices_.leftOut(); }
 
 private:
     Task<void> work(std::string displayID, WallpaperWork work);
     Task<WallpaperDisplayApplyResult> applyCurrent(std::string displayID, WallpaperApplyReason reason);
+    Task<WallpaperDisplayApplyResult> applyAgain(std::string displayID, HistoryStep step);
+    Task<std::exception_ptr> tryApplying(WallpaperApplyRequest request);
+    Task<void> fail(WallpaperDisplayApplyResult* result, WallpaperApplyRequest request,
+                    std::exception_ptr failure);
+    const ShownPicture* neighbour(const std::string& displayID, HistoryStep step) const;
     Task<void> applyChange(std::string displayID, std::shared_ptr<WallpaperSettingsChangeInProgress> change);
     Task<WallpaperApplyBatchResult> addChange(WallpaperSettingsChange change,
                                               std::optional<DisplayIDs> displayIDs);
@@ -50,7 +68,9 @@ private:
     const DisplayProviding& displayProvider_;
     WallpaperApplying& applier_;
     AppSettingsModel& settingsModel_;
+    PictureMemory& pictures_;
     const WallpaperApplicationGate& gate_;
+    std::function<void(const std::string&)> changeHandler_;
     WallpaperNotices notices_;
     WallpaperSelectionMemory memory_;
     WallpaperSettingsChanges changes_;

@@ -3,6 +3,21 @@
 #include "diagnostics/Log.h"
 
 namespace quillmar {
+namespace {
+
+/// What a person reads; the log has all.
+constexpr std::size_t maximumLeftOut = 10;
+
+}  // namespace
+
+void WallpaperNotices::leftOut(const std::string& displayID, const std::vector<std::exception_ptr>& reasons) {
+    for (const std::exception_ptr& reason : reasons) {
+        logWarning("A slideshow left out a file.", "wallpaper", reason, {{"display_id", displayID}});
+        std::vector<WallpaperFailure>& known = leftOut_[displayID];
+        if (known.size() == maximumLeftOut) known.erase(known.begin());
+        known.push_back({errorText(reason, settingsModel_.settings().general.language), clock_.now()});
+    }
+}
 
 void WallpaperNotices::failed(const std::string& displayID, std::string message) {
     lastFailures_.insert_or_assign(displayID, WallpaperFailure{std::move(message), clock_.now()});

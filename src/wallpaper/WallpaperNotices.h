@@ -2,6 +2,7 @@
 #include <exception>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "async/WallClock.h"
 #include "remote/RemoteWallpaperErrorNotifying.h"
@@ -26,6 +27,11 @@ public:
     /// What each display fails of at present, by display ID.
     const std::map<std::string, WallpaperFailure>& lastFailures() const { return lastFailures_; }
     void succeeded(const std::string& displayID) { lastFailures_.erase(displayID); }
+    /// The files that each display's slideshow left out lately, by display ID.
+    const std::map<std::string, std::vector<WallpaperFailure>>& leftOut() const { return leftOut_; }
+    void leftOut(const std::string& displayID, const std::vector<std::exception_ptr>& reasons);
+    /// The display was given other settings.
+    void forgetLeftOut(const std::string& displayID) { leftOut_.erase(displayID); }
     void failed(const std::string& displayID, std::string message);
     /// `logMessage` says what was tried.
     Task<void> report(WallpaperApplyRequest request, std::exception_ptr error, std::string logMessage,
@@ -37,6 +43,7 @@ private:
     const WallClock& clock_;
     RemoteWallpaperErrorNotifying* remoteErrorNotifier_;  ///< null: nobody to tell
     std::map<std::string, WallpaperFailure> lastFailures_;
+    std::map<std::string, std::vector<WallpaperFailure>> leftOut_;
 };
 
 }  // namespace quillmar

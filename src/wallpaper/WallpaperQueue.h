@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "async/TaskScope.h"
+#include "history/PictureHistory.h"
 #include "wallpaper/WallpaperBatch.h"
 
 namespace quillmar {
@@ -36,7 +37,14 @@ struct WallpaperPass {
     std::vector<std::shared_ptr<WallpaperTicket>> tickets;
 };
 
-using WallpaperWork = std::variant<WallpaperPass, std::shared_ptr<WallpaperSettingsChangeInProgress>>;
+/// To show again what comes before or after what the display shows by then.
+struct WallpaperReturn {
+    HistoryStep step;
+    std::shared_ptr<WallpaperTicket> ticket;
+};
+
+using WallpaperWork =
+    std::variant<WallpaperPass, WallpaperReturn, std::shared_ptr<WallpaperSettingsChangeInProgress>>;
 
 /// A line of work for each display: what is asked of one display happens in the order in which it was asked,
 /// and no display waits for another's. Passes of one reason that meet at the end of a line are one pass. Main

@@ -1,13 +1,16 @@
 #pragma once
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "async/Task.h"
 #include "base/Enum.h"
 #include "desktop/DesktopPictures.h"
 #include "display/DisplayInfo.h"
+#include "history/ShownPicture.h"
 #include "modes/RemoteImagePresentation.h"
 #include "modes/WallpaperMode.h"
 #include "storage/CacheFileLease.h"
@@ -25,11 +28,14 @@ struct WallpaperApplyRequest {
     WallpaperMode mode;
     WallpaperApplyReason reason = WallpaperApplyReason::userInitiated;
     RemoteImagePresentation presentation = RemoteImagePresentation::wallpaper;
+    std::optional<ShownPicture> again = {};  ///< a former picture, which `mode` is made from
 };
 
-/// What an application chose by itself and the settings should remember. Empty for a mode that chooses
-/// nothing.
+/// What an application has come to: what is shown, where that can be shown again, and what it chose by
+/// itself, which the settings should remember.
 struct WallpaperApplyOutcome {
+    std::optional<ShownPicture> shown;
+    std::vector<std::exception_ptr> leftOut;  ///< files that a slideshow passed over, each with the reason
     std::optional<CacheFileLease> selectionLease;  ///< on the picture of `windowsSpotlightSelection`
     std::optional<Url> selectedSlideshowImageURL;
     std::optional<WindowsSpotlightSelection> windowsSpotlightSelection;

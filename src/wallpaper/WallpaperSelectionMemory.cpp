@@ -3,6 +3,7 @@
 namespace quillmar {
 
 void WallpaperSelectionMemory::remember(const std::string& displayID, const WallpaperApplyOutcome& outcome) {
+    pictures_.shows(displayID, outcome.shown);
     if (const auto& image = outcome.selectedSlideshowImageURL) {
         settingsModel_.update([displayID, image](AppSettings& settings) {
             auto* entry = findEntry(settings.wallpaper.displays, displayID);

@@ -41,6 +41,7 @@ Task<WallpaperApplyOutcome> WallpaperService::applyPrepared(PreparedWallpaperApp
     const std::string displayID = application.request.display.id;
     if (!application.presentation) {
         presentations_.erase(displayID);
+        if (!gate_.isLockScreenOverrideActive) co_await desktop_.giveBack(displayID);
         co_return WallpaperApplyOutcome{};
     }
     WallpaperApplyOutcome outcome = co_await application.presentation->present();
@@ -50,7 +51,9 @@ Task<WallpaperApplyOutcome> WallpaperService::applyPrepared(PreparedWallpaperApp
 }
 
 Task<WallpaperDesktopSnapshot> WallpaperService::captureDesktop(std::string displayID) {
-    co_return co_await desktop_.capture(std::move(displayID));
+    WallpaperDesktopSnapshot snapshot = co_await desktop_.capture(std::move(displayID));
+    co_await desktop_.keepFormer(snapshot.displayID, snapshot.image, snapshot.options);
+    co_return snapshot;
 }
 
 Task<void> WallpaperService::restoreDesktop(WallpaperDesktopSnapshot snapshot) {

@@ -64,6 +64,8 @@ Task<void> WallpaperSettingsChanges::applyTo(DisplayInfo display,
         {std::move(request)}, {{display.id, modeIn(change->previous, display.id)}});
     for (const auto& applied : outcome.applied) {
         notices_.succeeded(display.id);
+        notices_.forgetLeftOut(display.id);
+        notices_.leftOut(display.id, applied.outcome.leftOut);
         memory_.remember(display.id, applied.outcome);
     }
     for (const auto& [failed, error] : outcome.failures) {

@@ -58,7 +58,7 @@ offers() {
 # As an interactive shell has it.
 COMP_WORDBREAKS=$' \t\n"\'><=;|&(:'
 
-offers '--help --version backup displays general help quit status wallpaper' ''
+offers '--help --version backup displays general help quit status wallpaper watch' ''
 offers 'backup' b
 offers '--help --version' --
 offers '--json' displays ''
@@ -82,7 +82,7 @@ offers '--pauseRotations' general set --language portuguese --pause
 offers 'automatic dark light' general set --appTheme ''
 offers 'center' wallpaper set main image a.png --layout = c
 
-offers '--json next set' wallpaper ''
+offers '--json favourite info next open previous set trash' wallpaper ''
 offers 'Dell\ U2720Q The\ \"small\"\ one all main' wallpaper set ''
 offers 'Dell\ U2720Q' wallpaper next D
 offers 'Dell\ U2720Q' wallpaper set 'Dell\ U'

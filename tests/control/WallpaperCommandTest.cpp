@@ -21,7 +21,8 @@ struct WallpaperCommandTest : ::testing::Test, DesktopWorld {
     FakeWallpaperApplier applier;
     WallpaperSettingsTransactionService transactions{applier};
     WallpaperApplicationGate gate;
-    WallpaperCoordinator coordinator{loop, displays, applier, &transactions, model, gate, clock};
+    PictureMemory memory{executor, folder.path() / "state", clock};
+    WallpaperCoordinator coordinator{loop, displays, applier, &transactions, model, memory, gate, clock};
     WallpaperRotationCoordinator rotation{loop, notifications, model, coordinator, clock};
     WallpaperCommand command{{.settingsModel = model,
                               .coordinator = coordinator,
@@ -30,6 +31,7 @@ struct WallpaperCommandTest : ::testing::Test, DesktopWorld {
                               .version = "1.2.3",
                               .displays = displays,
                               .desktop = *pictures,
+                              .pictures = memory,
                               .files = executor}};
 
     void SetUp() override {

@@ -24,6 +24,7 @@ public:
     std::optional<PictureRenderingError::Case> failure;  ///< of the next pictures
     std::optional<std::errc> writeError;                 ///< of the next pictures' files
     std::set<std::filesystem::path> damaged;             ///< files whose pixels do not decode
+    std::set<std::filesystem::path> noPictures;          ///< sources that are none
     PixelSize sourceSize{400, 300};                      ///< of every picture that exists
     PictureComposition lastComposition;                  ///< of the last picture that was drawn
     std::filesystem::path lastSource;                    ///< of the last picture that was drawn
@@ -38,7 +39,7 @@ public:
     Task<SharedPixels> render(std::filesystem::path source, PictureComposer composer) override {
         while (isHeld_ || source.filename() == stuckOn) co_await held_.wait();
         if (failure) throw PictureRenderingError(*failure, source.string());
-        if (!std::filesystem::exists(source)) {
+        if (noPictures.contains(source) || !std::filesystem::exists(source)) {
             throw PictureRenderingError(PictureRenderingError::Case::unreadable, source.string());
         }
         ++rendered;

@@ -2,7 +2,9 @@
 #include <vector>
 
 #include "app/Ports.h"
+#include "fakes/FakeAddresses.h"
 #include "fakes/FakeAlerts.h"
+#include "fakes/FakeControlChannel.h"
 #include "fakes/FakeDesktopPicture.h"
 #include "fakes/FakeExecutors.h"
 #include "fakes/FakeHTTPSession.h"
@@ -19,12 +21,6 @@ class FakeProcess final : public ApplicationControl {
 public:
     std::vector<int> exits;
     void exit(int status) override { exits.push_back(status); }
-};
-
-class FakeControlChannel final : public ControlServing {
-public:
-    std::function<Task<ControlReply>(ControlCall)> handler;
-    void serve(std::function<Task<ControlReply>(ControlCall)> h) override { handler = std::move(h); }
 };
 
 class FakeSystemEvents final : public SystemEventsObserving {
@@ -97,6 +93,7 @@ struct FakePlatform {
     FakePictureRendering rendering;
     FakeHTTPSession web{loop};
     FakeNotificationCenter notificationCenter;
+    FakeAddresses addresses;
     FakeSettingsWindow settingsWindow;
     std::vector<std::string> preferredLanguages{"en_GB"};
     int flushes = 0;
@@ -123,6 +120,7 @@ struct FakePlatform {
                 .pictureEncoding = rendering,
                 .notificationCenter = notificationCenter,
                 .webSession = web,
+                .addresses = addresses,
                 .settingsWindow = &settingsWindow,
                 .flushLog = [this] { return flush(); }};
     }

@@ -1,4 +1,5 @@
 #pragma once
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,9 @@ public:
     explicit FakeRemoteImageProvider(const CacheFileProtection& cacheFiles) : cacheFiles_(cacheFiles) {}
 
     std::filesystem::path image;
+    std::deque<std::filesystem::path> further;  ///< what comes after it, one for each that is asked for
     std::optional<std::string> caption;
+    PictureCredit credit;
     std::optional<WindowsSpotlightSelection> selection;
     std::exception_ptr failure;
     std::vector<std::string> calls;  ///< "apod display:a advances wallpaper"
@@ -31,8 +34,12 @@ public:
                         (advancesSelection ? " advances " : " stays ") + std::string(enumName(presentation)));
         while (isHeld_) co_await held_.wait();
         if (failure) std::rethrow_exception(failure);
-        co_return ResolvedRemoteImage{CacheFileLease(cacheFiles_, image), image, "a credit", caption,
-                                      selection};
+        if (advancesSelection && !further.empty()) {
+            image = further.front();
+            further.pop_front();
+        }
+        co_return ResolvedRemoteImage{
+            CacheFileLease(cacheFiles_, image), image, "a credit", caption, selection, credit};
     }
     Task<ResolvedRemoteImage> resolveScreensaverImage(ManagedScreensaverMode mode, DisplayInfo display,
                                                       bool advancesSelection) override {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "fakes/FakeDisplays.h"
+#include "fakes/FakeExecutors.h"
 #include "fakes/FakeSettingsStore.h"
 #include "fakes/VirtualLoop.h"
 #include "wallpaper/WallpaperRotationCoordinator.h"
@@ -20,6 +21,8 @@ struct RotatingDisplays {
     FakeDisplays displays;
     Applier applier;
     WallpaperApplicationGate gate;
+    HeldExecutor history;  ///< that never gets to the disk
+    PictureMemory memory{history, "/dev/null", clock};
     std::optional<AppSettingsModel> model;
     std::optional<WallpaperCoordinator> wallpapers;
     std::optional<WallpaperRotationCoordinator> rotation;
@@ -27,7 +30,7 @@ struct RotatingDisplays {
     void starts(std::vector<DisplayWallpaperSettings> entries) {
         store.onDisk.wallpaper.displays = std::move(entries);
         model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
-        wallpapers.emplace(loop, displays, applier, nullptr, *model, gate, clock);
+        wallpapers.emplace(loop, displays, applier, nullptr, *model, memory, gate, clock);
         rotation.emplace(loop, notifications, *model, *wallpapers, clock);
         loop.settle();
         rotation->start();

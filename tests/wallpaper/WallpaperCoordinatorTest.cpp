@@ -1,9 +1,11 @@
 #include "wallpaper/WallpaperCoordinator.h"
 
 #include "fakes/FakeDisplays.h"
+#include "fakes/FakeExecutors.h"
 #include "fakes/FakeSettingsStore.h"
 #include "fakes/FakeWallpaperApplier.h"
 #include "fakes/TaskOutcome.h"
+#include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 
 namespace quillmar {
@@ -50,6 +52,9 @@ struct WallpaperCoordinatorTest : ::testing::Test {
     WallpaperSettingsTransactionService transactions{applier};
     WallpaperApplicationGate gate;
     CacheFileProtection cacheFiles;
+    TemporaryFolder folder;
+    InlineExecutor files;
+    PictureMemory memory{files, folder.path(), clock};
     std::optional<AppSettingsModel> model;
     std::optional<WallpaperCoordinator> coordinator;
     TaskScope tasks{loop};
@@ -59,7 +64,7 @@ struct WallpaperCoordinatorTest : ::testing::Test {
         store.onDisk.wallpaper = colors({{"A", "#aaaaaa"}, {"B", "#bbbbbb"}});
         applier.shown = {{"A", "before A"}, {"B", "before B"}};
         model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
-        coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
+        coordinator.emplace(loop, displays, applier, &transactions, *model, memory, gate, clock);
         loop.settle();
     }
     TaskHandle<WallpaperApplyBatchResult> enqueue(std::optional<DisplayIDs> ids,
@@ -234,7 +239,7 @@ TEST_F(WallpaperCoordinatorTest, ofTwoDisplaysTheOneThatFailsIsTakenBackOnScreen
 TEST_F(WallpaperCoordinatorTest, aDisplayThatWasNotManagedGetsBackWhatItShowed) {
     store.onDisk.wallpaper = colors({{"B", "disabled"}});
     model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
-    coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
+    coordinator.emplace(loop, displays, applier, &transactions, *model, memory, gate, clock);
     applier.settingFails("A", "#cccccc");
     applier.settingFails("B", "#dddddd");
     apply(colors({{"A", "#cccccc"}, {"B", "#dddddd"}}));
@@ -254,7 +259,7 @@ TEST_F(WallpaperCoordinatorTest, whatFailsBeforeTheDesktopIsTouchedIsNotRolledBa
 TEST_F(WallpaperCoordinatorTest, failuresOfTheWayBackAreReported) {
     store.onDisk.wallpaper = {};
     model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
-    coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
+    coordinator.emplace(loop, displays, applier, &transactions, *model, memory, gate, clock);
     loop.settle();
     applier.capturingFails("A");
     applier.settingFails("B", "#dddddd");
@@ -282,7 +287,7 @@ TEST_F(WallpaperCoordinatorTest, theImageOfASlideshowIsRememberedUnlessTheModeCh
     const Url image = Url::fromFilePath("/pictures/2.jpg");
     store.onDisk.wallpaper.displays[0].mode.value = SlideshowPresentationSettings{};
     model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
-    coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock);
+    coordinator.emplace(loop, displays, applier, &transactions, *model, memory, gate, clock);
     loop.settle();
     applier.outcome.selectedSlideshowImageURL = image;
     const auto remembered = [&] {
@@ -327,7 +332,7 @@ struct Notifier final : RemoteWallpaperErrorNotifying {
 
 TEST_F(WallpaperCoordinatorTest, failuresOfServicesAreToldToTheUserWhoWantsToKnow) {
     Notifier notifier;
-    coordinator.emplace(loop, displays, applier, &transactions, *model, gate, clock, &notifier);
+    coordinator.emplace(loop, displays, applier, &transactions, *model, memory, gate, clock, &notifier);
     WallpaperSettings settings = colors({{"A", "#aaaaaa"}, {"B", "#bbbbbb"}});
     settings.displays[0].mode.value = BingSettings{};
     model->update([&](AppSettings& document) { document.wallpaper = settings; });

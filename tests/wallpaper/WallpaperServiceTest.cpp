@@ -24,6 +24,7 @@ struct WallpaperServiceTest : ::testing::Test, DesktopWorld {
                                 .executor = executor,
                                 .cacheFiles = cacheFiles,
                                 .clock = clock}};
+    PictureMemory memory{executor, folder.path() / "state", clock};
     StaticPictures staticPictures{{.desktop = *pictures,
                                    .writer = writer,
                                    .gate = gate,
@@ -31,6 +32,7 @@ struct WallpaperServiceTest : ::testing::Test, DesktopWorld {
                                    .executor = executor,
                                    .cacheFiles = cacheFiles,
                                    .remoteImages = remoteImages,
+                                   .memory = memory,
                                    .randomIndex = [](std::size_t) { return std::size_t{0}; }}};
     WallpaperService service{displays, *pictures, gate, {&staticPictures}};
 

@@ -2,17 +2,21 @@
 
 #include "async/TaskScope.h"
 #include "linux/dbus/SessionBus.h"
+#include "linux/glib/Gio.h"
 
 namespace quillmar {
 namespace {
 
 constexpr const char* objectPath = "/com/quillmar/Quillmar/Control";
+constexpr const char* interfaceName = "com.quillmar.Quillmar.Control";
 constexpr const char* interfaceXml = R"(<node><interface name="com.quillmar.Quillmar.Control">
 <method name="Run">
 <arg type="aay" name="arguments" direction="in"/><arg type="ay" name="workingDirectory" direction="in"/>
 <arg type="a{sv}" name="context" direction="in"/>
 <arg type="i" name="status" direction="out"/><arg type="s" name="output" direction="out"/>
 <arg type="s" name="errors" direction="out"/></method>
+<signal name="Changed">
+<arg type="s" name="event"/><arg type="s" name="json"/><arg type="s" name="text"/></signal>
 </interface></node>)";
 
 /// A byte string with or without the zero that some callers end it with.
@@ -38,6 +42,21 @@ ControlCall unpacked(GVariant* parameters) {
     return call;
 }
 
+Owned<char> validText(const std::string& bytes) {
+    return Owned<char>(g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size())));
+}
+
+Task<void> emitChanged(Bus bus, ControlEvent event) {
+    GVariant* parameters = g_variant_new("(sss)", validText(event.name).get(), validText(event.json).get(),
+                                         validText(event.text).get());
+    g_dbus_connection_emit_signal(bus.get(), nullptr, objectPath, interfaceName, "Changed", parameters,
+                                  nullptr);
+    // A bus that is gone takes nothing, and whoever followed it hears of that from the bus.
+    co_await gio([bus](GCancellable* cancellable, GAsyncReadyCallback done, gpointer data) {
+        g_dbus_connection_flush(bus.get(), cancellable, done, data);
+    });
+}
+
 }  // namespace
 
 class DBusControl::Server {
@@ -52,6 +71,8 @@ public:
     ~Server() {
         if (object_ != 0) g_dbus_connection_unregister_object(bus_.get(), object_);
     }
+
+    const Bus& bus() const { return bus_; }
 
 private:
     Task<void> appear() {
@@ -80,14 +101,11 @@ private:
         } catch (const std::exception& error) {
             reply = {.status = 1, .errors = std::string(error.what()) + "\n"};
         }
-        const auto text = [](const std::string& bytes) {
-            return Owned<char>(g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size())));
-        };
         // Returning the value takes a reference of its own to the invocation.
         g_object_ref(invocation.get());
         g_dbus_method_invocation_return_value(
-            invocation.get(),
-            g_variant_new("(iss)", reply.status, text(reply.output).get(), text(reply.errors).get()));
+            invocation.get(), g_variant_new("(iss)", reply.status, validText(reply.output).get(),
+                                            validText(reply.errors).get()));
     }
 
     Handler handler_;
@@ -101,6 +119,10 @@ DBusControl::~DBusControl() = default;
 
 void DBusControl::serve(std::function<Task<ControlReply>(ControlCall)> handler) {
     server_ = std::make_unique<Server>(loop_, std::move(handler));
+}
+
+Task<void> DBusControl::tell(ControlEvent event) {
+    if (server_ && server_->bus()) co_await emitChanged(server_->bus(), std::move(event));
 }
 
 }  // namespace quillmar

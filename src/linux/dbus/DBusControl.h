@@ -6,8 +6,8 @@
 namespace quillmar {
 
 /// Commands for the running program on the session bus: method `Run` of the interface
-/// `com.quillmar.Quillmar.Control` at the object "/com/quillmar/Quillmar/Control" of the name
-/// `com.quillmar.Quillmar`, which the running instance owns. Without a bus nobody calls.
+/// `com.quillmar.Quillmar.Control`, and its signal `Changed`, at the object "/com/quillmar/Quillmar/Control"
+/// of the name `com.quillmar.Quillmar`, which the running instance owns. Without a bus nobody calls.
 class DBusControl final : public ControlServing {
 public:
     explicit DBusControl(MainLoop& loop);
@@ -16,6 +16,7 @@ public:
     ~DBusControl() override;
 
     void serve(std::function<Task<ControlReply>(ControlCall)> handler) override;
+    Task<void> tell(ControlEvent event) override;
 
 private:
     class Server;

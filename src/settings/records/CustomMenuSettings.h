@@ -41,7 +41,7 @@ struct ShortcutTarget {
     Kind kind() const { return static_cast<Kind>(value.index()); }
     /// Where the thing is; a file URL for all but `webURL`.
     const Url& url() const {
-        return std::visit([](const Url& held) -> const Url& { return held; }, value);
+        return *std::visit([](const auto& held) { return &held; }, value);
     }
 
     bool operator==(const ShortcutTarget&) const = default;
