@@ -30,8 +30,8 @@ from running import Agent, family, wait_until
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 MODES = ["640x480", "800x600", "640x360"]
 OUTPUTS = [f"DUMMY{i}" for i in range(4)]
-PATIENCE = 45  # seconds from the last gust until everything has to be in its place
-LULL = 50  # changes from one lull to the next; the last one comes thirty changes before the end
+PATIENCE = 30  # seconds from the last gust until everything has to be in its place
+LULL = 50  # changes from one lull to the next
 NAMES = {"root": "", "xfce": "XFCE", "gnome": "GNOME"}
 
 
@@ -292,7 +292,9 @@ class Storm:
         corner = min(a[2] for a in areas), min(a[3] for a in areas)
         picture = self.file(name)
         size = max(a[2] + a[0] for a in areas) - corner[0], max(a[3] + a[1] for a in areas) - corner[1]
-        if picture and picture.size != size:
+        if not picture:
+            raise LookupError(f"{name} is no picture")
+        if picture.size != size:
             raise LookupError(f"the composed picture has {picture.size}, the monitors {size}")
         return picture, corner
 
@@ -364,6 +366,7 @@ class Storm:
         for thread in threads:
             thread.start()
         crashes = 0
+        lulls = {*range(LULL, self.options.changes, LULL), self.options.changes - self.chance.randrange(2, 30)}
         began = time.monotonic()
         for i in range(self.options.changes):
             if i == self.options.changes // 2:
@@ -371,11 +374,11 @@ class Storm:
             if desktop and desktop.poll() is not None:
                 desktop, crashes = start_desktop(), crashes + 1
             # A lull now and then: the same arrangement again after a storm is what is easily taken for no change.
-            is_lull = i % LULL == LULL - 30
-            Screens.call(*(Screens.FIRST if is_lull else self.screens.gust()))
-            time.sleep(1 if is_lull else self.chance.random() * 0.03)
+            Screens.call(*(Screens.FIRST if i in lulls else self.screens.gust()))
+            time.sleep(1 if i in lulls else self.chance.random() * 0.03)
         # Here the slideshows end too, so that nothing paints over what went wrong.
         self.over.set()
+        threads[-1].join()  # a decoder that is killed now is a failure that status tells of
         self.call("general", "set", "--pauseRotations")
         Screens.call(*self.screens.last())
         took = time.monotonic() - began
@@ -383,7 +386,14 @@ class Storm:
             thread.join()
         if desktop and desktop.poll() is not None:
             desktop, crashes = start_desktop(), crashes + 1
-        faults = self.rest()
+        faults = self.rest(PATIENCE)
+        if faults and desktop:
+            # It shows what its settings say, or has lost its way between the monitors: a new one tells which.
+            crashes += 1
+            desktop.kill()
+            desktop.wait()
+            desktop = start_desktop()
+            faults = self.rest(20)
         if self.agent.process.poll() is not None:
             self.troubles.append(f"the agent ended with {self.agent.process.returncode}")
         else:
@@ -399,8 +409,8 @@ class Storm:
               f"{f', {crashes} starts of the desktop' if crashes else ''}: {faults + self.troubles or 'well'}", flush=True)
         return not faults and not self.troubles
 
-    def rest(self):
-        end, good = time.monotonic() + PATIENCE, 0
+    def rest(self, patience):
+        end, good = time.monotonic() + patience, 0
         time.sleep(0.7)
         while True:
             faults = self.faults()
