@@ -386,10 +386,10 @@ class Storm:
             thread.join()
         if desktop and desktop.poll() is not None:
             desktop, crashes = start_desktop(), crashes + 1
-        faults = self.rest(PATIENCE)
+        faults, lost = self.rest(PATIENCE), ""
         if faults and desktop:
             # It shows what its settings say, or has lost its way between the monitors: a new one tells which.
-            crashes += 1
+            lost = "; right only with a new xfdesktop"
             desktop.kill()
             desktop.wait()
             desktop = start_desktop()
@@ -406,7 +406,7 @@ class Storm:
             desktop.kill()
             desktop.wait()
         print(f"{self.options.desktop} {self.options.seed}: {took:.0f} s, {self.commands} commands, {self.kills} renders hit"
-              f"{f', {crashes} starts of the desktop' if crashes else ''}: {faults + self.troubles or 'well'}", flush=True)
+              f"{f', {crashes} crashes of the desktop' if crashes else ''}{lost}: {faults + self.troubles or 'well'}", flush=True)
         return not faults and not self.troubles
 
     def rest(self, patience):
