@@ -241,7 +241,11 @@ Task<void> DesktopPictures::repaintIfForgotten(std::string displayID) {
     const auto wanted = mustShow_.find(displayID);
     if (!screen || wanted == mustShow_.end()) co_return;
     DesktopPicturing* picturing = co_await desktop();
-    if (!(co_await picturing->desktopImage(*screen)).isForgotten) co_return;
+    const PresentDesktopImage present = co_await picturing->desktopImage(*screen);
+    // Where others take the whole desktop a file is ours: that of a display which was at this place
+    // meanwhile.
+    const bool isAnothers = forgetsWithSession_ && present.file && present.file != wanted->second;
+    if (!present.isForgotten && !isAnothers) co_return;
     co_await showInTurn(displayID, {wanted->second, nullptr}, {});
 }
 

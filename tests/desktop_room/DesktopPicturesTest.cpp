@@ -35,7 +35,7 @@ TEST_F(DesktopPicturesTest, whatTheDesktopForgotWithAPlugIsShownAgainAndWhatOthe
     screens.unplug(2);
     screens.plugIn(2, {1920, 0, 1280, 1024});
     desktop.forgets(2);
-    desktop.shown[1] = "/of/another/program.png";
+    desktop.shown.erase(1);  // of another program: no file is known
     desktop.set.clear();
     EXPECT_EQ(run(pictures->repaintForgotten()), "done");
     EXPECT_THAT(desktop.set, ElementsAre(2u));
@@ -47,6 +47,20 @@ TEST_F(DesktopPicturesTest, whatTheDesktopForgotWithAPlugIsShownAgainAndWhatOthe
     EXPECT_EQ(run(pictures->repaintForgotten()), "done");
     EXPECT_THAT(log.lines, Contains(HasSubstr("A display could not be given its picture again.")));
     EXPECT_EQ(shown(2), "two.png") << "one display that fails holds up no other";
+}
+
+TEST_F(DesktopPicturesTest, whatAnotherDisplayWasGivenInTheSamePlaceMeanwhileIsPaintedOver) {
+    set(1, "one.png");
+    set(2, "two.png");
+    desktop.shown[1] = folder.path() / "two.png";  // as the root window has it: by the place
+    run(pictures->repaintForgotten());
+    EXPECT_EQ(shown(1), "one.png");
+    desktop.wantsPixels = false;
+    restart();
+    set(1, "one.png");
+    desktop.shown[1] = "/home/ana/holiday.jpg";
+    run(pictures->repaintForgotten());
+    EXPECT_EQ(shown(1), "holiday.jpg") << "her desktop knows its displays: that was her";
 }
 
 TEST_F(DesktopPicturesTest, aChangeThatMeetsARepaintIsTheOneThatStays) {

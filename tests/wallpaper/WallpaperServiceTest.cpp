@@ -291,6 +291,12 @@ TEST_F(WallpaperServiceTest, aSlideshowGoesOnFromItsLastImageAndSaysWhichItChose
     fs::rename(folder.path() / "show", folder.path() / "moved");
     apply(request({slideshow}));
     EXPECT_EQ(source(), "1.jpg") << "the folder was found, its last image is at another place";
+    rendering.failure = PictureRenderingError::Case::decoderFailed;
+    outcome = {};
+    fs::remove_all(cache);
+    EXPECT_THAT(apply(request({slideshow}), &outcome), StartsWith("Every image in "));
+    rendering.failure.reset();
+    EXPECT_EQ(apply(request({slideshow})), "done") << "the decoder was ended, the files are pictures";
 }
 
 struct WallpaperServiceRemoteTest : WallpaperServiceTest {
