@@ -97,11 +97,12 @@ public:
     bool isEmpty() const { return text_.empty(); }
     bool hasEnded() const { return hasEnded_; }
     void end() { hasEnded_ = true; }
+    /// What is left out has a word in its place; there are few such places, because nothing more is taken
+    /// until half of what waits has been read.
     void add(std::string_view text) {
-        if (text_.size() < maximumBytes)
-            text_ += text;
-        else
-            hasMissed_ = true;
+        if (hasMissed_ && text_.size() > maximumBytes / 2) return;
+        hasMissed_ = text_.size() >= maximumBytes;
+        text_ += hasMissed_ ? missed() : std::string(text);
     }
     /// As much as certainly does not have to be waited for, once the reader has room.
     void writeSome() {
@@ -111,11 +112,6 @@ public:
             return end();
         }
         text_.erase(0, static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-        if (!text_.empty() || !std::exchange(hasMissed_, false)) return;
-        add(following_.wantsJson
-                ? R"({"event":"missed","format":1})"
-                : localized("The reader was too slow: some changes are missing."_key, following_.language));
-        add("\n");
     }
     /// Writes what the reader takes at once, and says how it went.
     ControlReply finish() {
@@ -144,6 +140,14 @@ public:
     }
 
 private:
+    std::string missed() const {
+        if (following_.wantsJson)
+            return R"({"event":"missed","format":1})"
+                   "\n";
+        return localized("The reader was too slow: some changes are missing."_key, following_.language) +
+               "\n";
+    }
+
     static constexpr std::size_t maximumBytes = 1 << 20;
     static constexpr std::size_t atOnce = PIPE_BUF;
     const Following& following_;

@@ -64,6 +64,9 @@ fs::path nameOf(const ShownPicture& picture, const fs::path& source, std::string
     return name + (name.empty() ? "" : " ") + mark + suffix;
 }
 
+/// What the copy itself cannot hold.
+fs::path besides(const fs::path& copy) { return copy.string() + ".xmp"; }
+
 }  // namespace
 
 FavouritePicture keepFavourite(const ShownPicture& picture, const fs::path& folder) {
@@ -78,9 +81,14 @@ FavouritePicture keepFavourite(const ShownPicture& picture, const fs::path& fold
             write(target, *whole);
             return {target, true};
         }
-        write(target.string() + ".xmp", packet);
+        write(besides(target), packet);
     }
-    write(target, bytes);
+    try {
+        write(target, bytes);
+    } catch (const FileError&) {
+        fs::remove(besides(target), unknown);
+        throw;
+    }
     return {target, true};
 }
 
