@@ -49,7 +49,7 @@ std::string plainName(std::string_view text) {
         while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xc0) == 0x80) --end;
         name.resize(end);
     }
-    while (name.starts_with('.')) name.erase(0, 1);
+    name.erase(0, name.find_first_not_of(". "));
     return std::string(trimmed(name));
 }
 
