@@ -251,6 +251,10 @@ TEST_F(PictureCommandTest, whoFollowsIsToldOfEachChangeOnceAndNeverWaitedFor) {
     put("show/3.jpg");
     wallpaper("next");
     EXPECT_THAT(channel.told.back().text, HasSubstr("failed: "));
+    events();
+    changes.displayDidChange("display:gone meanwhile");
+    loop.settle();
+    EXPECT_THAT(events(), ElementsAre());
 }
 
 }  // namespace
