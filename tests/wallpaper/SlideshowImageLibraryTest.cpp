@@ -68,7 +68,7 @@ TEST_F(SlideshowTest, shufflingNeverShowsTheSamePictureTwiceInARowUnlessThereIsN
     next({.shuffle = true});
     EXPECT_EQ(asked, 3u);
     next({.shuffle = true,
-          .leavesOut = [this](const Url& image) { return image != Url::fromFilePath(folder / "c.jpg"); }});
+          .isLeftOut = [this](const Url& image) { return image != Url::fromFilePath(folder / "c.jpg"); }});
     EXPECT_EQ(asked, 1u);
 }
 
