@@ -80,6 +80,7 @@ Task<void> DesktopPictures::set(std::string displayID, DesktopImage image) {
 
 Task<void> DesktopPictures::show(std::string displayID, DesktopImage image, DesktopImageOptions options) {
     const auto hold = co_await order_[displayID].acquire();
+    givenBack_.erase(displayID);
     co_await showInTurn(displayID, std::move(image), std::move(options));
 }
 
@@ -190,6 +191,8 @@ Task<void> DesktopPictures::giveBack(std::string displayID) {
 
 Task<void> DesktopPictures::giveBackInTurn(std::string displayID) {
     const auto hold = co_await order_[displayID].acquire();
+    givenBack_.insert(displayID);
+    if (shownHandler_) shownHandler_(displayID);
     const auto given = mustShow(displayID);
     // What the user has set by other means meanwhile stays.
     if (!given || !co_await isShown(displayID, *given)) co_return;

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "async/TaskLock.h"
@@ -59,7 +60,9 @@ public:
     std::optional<std::filesystem::path> mustShow(const std::string& displayID) const;
     /// Whether what displays show is lost with the session.
     Task<bool> forgetsWithSession();
-    /// Calls back each time a display was given a picture. Replaces the former handler.
+    /// Whether it was given back since: what it shows is no longer the program's.
+    bool isGivenBack(const std::string& displayID) const { return givenBack_.contains(displayID); }
+    /// Calls back each time a display was given a picture, or given back. Replaces the former handler.
     void setShownHandler(std::function<void(const std::string& displayID)> handler) {
         shownHandler_ = std::move(handler);
     }
@@ -107,6 +110,7 @@ private:
     std::map<std::string, std::filesystem::path> mustShow_;  ///< by display
     std::map<std::string, CacheFileLease> leases_;           ///< by display: on what it shows
     std::map<std::string, std::filesystem::path> lastKnown_;  ///< by display: what the desktop said
+    std::set<std::string> givenBack_;                         ///< displays
     std::function<void(const std::string&)> shownHandler_;
     TaskHandle<void> asking_;
     TaskScope tasks_;

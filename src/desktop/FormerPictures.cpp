@@ -21,6 +21,7 @@ bool isBelow(const fs::path& folder, const fs::path& file) {
 std::optional<fs::path> keptFile(const fs::path& folder, const fs::path& file) {
     if (!isBelow(folder.parent_path(), file)) return file;
     if (!file.filename().string().starts_with(capturePrefix)) return std::nullopt;
+    if (isBelow(folder, file)) return file;  // given back before
     createDirectories(folder, 0700);
     fs::path kept = folder / file.filename();
     fs::copy_file(file, kept, fs::copy_options::overwrite_existing);

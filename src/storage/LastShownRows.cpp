@@ -110,6 +110,11 @@ void LastShownRows::write(const std::filesystem::path& folder, const std::string
     file.commit();
 }
 
+void LastShownRows::remove(const std::filesystem::path& folder, const std::string& key) {
+    std::error_code ignored;
+    std::filesystem::remove(rowsFile(folder, key), ignored);
+}
+
 std::optional<LastShownRows> LastShownRows::open(const std::filesystem::path& folder,
                                                  const std::string& key) {
     struct stat status{};

@@ -23,6 +23,9 @@ public:
     /// or not those of the PNG file as it is now.
     static std::optional<LastShownRows> open(const std::filesystem::path& folder, const std::string& key);
 
+    /// The next start does not paint that screen. What cannot be removed stays.
+    static void remove(const std::filesystem::path& folder, const std::string& key);
+
     const std::filesystem::path& png() const { return png_; }
     PixelSize size() const { return size_; }
     /// Of a file that has the rows from `firstRow` on, as a `PixelBuffer` has them; stays this one's.

@@ -223,6 +223,12 @@ TEST_F(DesktopPicturesTest, whatHasStoodForAWhileOrIsShownAtTheEndIsKeptForTheNe
     set(1, "last.png");
     EXPECT_EQ(run(keeper.stop()), "done");
     EXPECT_EQ(kept(), "last.png");
+    keeper.start();
+    run(pictures->giveBack(id(1)));
+    EXPECT_EQ(kept(), "") << "the next start leaves the display alone";
+    set(1, "last.png");
+    run(keeper.stop());
+    EXPECT_EQ(kept(), "last.png");
     const int loaded = rendering.loaded;
     LastShownKeeper next({.loop = loop,
                           .pictures = *pictures,
