@@ -77,7 +77,7 @@ TEST_F(LastShownRowsTest, whatIsNotWholeOrNotOursIsNotShown) {
         {"cut header", [&] { fs::resize_file(name, 100); }},
         {"empty", [&] { fs::resize_file(name, 0); }},
         {"foreign", [&] { overwrite(0, "PNG"); }},
-        {"another version", [&] { overwrite(8, "\2"); }},
+        {"another version", [&] { overwrite(8, "\1"); }},
         {"another size", [&] { overwrite(12, "\3"); }},
         {"another path", [&] { overwrite(56, "x"); }},
         {"writable for others", [&] { fs::permissions(name, fs::perms(0622)); }},
