@@ -19,7 +19,7 @@ AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems)
       remembered(subsystems.pictureMemory),
       lastShown(subsystems.lastShownKeeper),
       lastPictures(subsystems),
-      cache(ports.loop, ports.clock, subsystems),
+      cache(ports, subsystems),
       rotation(subsystems.wallpaperRotation, subsystems.restoreFollowing),
       wallpapers(ports, subsystems, lastPictures),
       network(ports, subsystems),

@@ -50,6 +50,9 @@ ConfiguredWallpapers::ConfiguredWallpapers(const Ports& ports, Subsystems& subsy
       tasks_(ports.loop) {}
 
 Task<void> ConfiguredWallpapers::start() {
+    co_await subsystems_.desktopPictures.shown();
+    if (const auto obstacle = subsystems_.desktopPictures.obstacle())
+        logError("No display can be given a picture in this session.", "wallpaper", obstacle);
     const WallpaperApplyBatchResult batch =
         co_await subsystems_.wallpaperCoordinator.enqueue(std::nullopt, WallpaperApplyReason::userInitiated);
     co_await throwIfCancelled();

@@ -63,7 +63,7 @@ Task<void> PictureCommand::open(Target target, ControlReply* reply) {
 Task<void> PictureCommand::keep(Target target, ControlReply* reply) {
     const FavouritePicture kept = co_await services_.files.run(
         [picture = std::move(target.picture), environment = services_.environment] {
-            return keepFavourite(picture, userPicturesFolder(environment) / "Quillmar");
+            return keepFavourite(picture, favouritesFolder(environment));
         });
     reply->output += kept.isNew ? localized("%@: copied"_key, language(), {kept.file.string()})
                                 : localized("%@: was there already"_key, language(), {kept.file.string()});

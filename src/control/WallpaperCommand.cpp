@@ -128,6 +128,8 @@ Task<ProgramStatus> WallpaperCommand::status() const {
     // Each display's line holds together only when nothing is waited for between its parts.
     const auto shown = co_await services_.desktop.shown();
     ProgramStatus program = statusWithoutDesktop();
+    if (const auto obstacle = services_.desktop.obstacle())
+        program.desktopFault = errorText(obstacle, language());
     for (WallpaperStatus& status : program.displays) {
         if (const auto file = shown.find(status.display.id); file != shown.end())
             status.shows = file->second.string();

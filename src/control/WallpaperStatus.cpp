@@ -82,6 +82,7 @@ std::string statusAsText(const ProgramStatus& program, GeneralLanguage language)
     const std::string pause =
         program.areRotationsPaused ? localized(", rotations are paused"_key, language) : std::string();
     std::string text = fmt::format("Quillmar {}{}\n", program.version, pause);
+    if (program.desktopFault) text += *program.desktopFault + "\n";
     if (program.saveFailure) {
         text += localized("The settings could not be saved: %@"_key, language, {*program.saveFailure}) + "\n";
     }

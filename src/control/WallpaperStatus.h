@@ -62,6 +62,7 @@ struct ProgramStatus {
     std::string version;
     bool areRotationsPaused = false;
     std::vector<WallpaperStatus> displays;
+    std::optional<std::string> desktopFault;     ///< why no display can be given a picture
     std::optional<std::string> settingsFault;    ///< why the settings file cannot be read
     std::optional<std::string> saveFailure;      ///< why the latest change is not on disk
     std::optional<std::string> unsavedSettings;  ///< file of what an edit of the settings overtook
@@ -69,6 +70,7 @@ struct ProgramStatus {
     static void describe(auto& self, auto& io) {
         io.required("version", self.version)
             .required("areRotationsPaused", self.areRotationsPaused)
+            .optional("desktopFault", self.desktopFault)
             .optional("settingsFault", self.settingsFault)
             .optional("saveFailure", self.saveFailure)
             .optional("unsavedSettings", self.unsavedSettings)

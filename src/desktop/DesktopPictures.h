@@ -1,4 +1,5 @@
 #pragma once
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -74,6 +75,8 @@ public:
     /// Gives it back, where it is known and the display still shows a picture that it was given. Failures
     /// are logged.
     Task<void> giveBack(std::string displayID);
+    /// Removes the copies of former pictures that no display gets back any more.
+    Task<void> removeForgottenFormer();
     /// Shows again what the display was given last, where the desktop has forgotten it with the session or
     /// the plug: until its picture is there. Nothing for a display that is gone. Failures are logged.
     Task<void> recall(std::string displayID);
@@ -82,6 +85,8 @@ public:
     /// The file of each connected display that one is known for: as the desktop says or, where it does not
     /// answer within half a second, or is being given a picture, as it said last.
     Task<std::map<std::string, std::filesystem::path>> shown();
+    /// Why no display can be given a picture at all, as `shown` found out last; null where one can.
+    std::exception_ptr obstacle() const { return obstacle_; }
 
 private:
     class Setting;
@@ -113,6 +118,7 @@ private:
     std::set<std::string> givenBack_;                         ///< displays
     std::function<void(const std::string&)> shownHandler_;
     TaskHandle<void> asking_;
+    std::exception_ptr obstacle_;
     TaskScope tasks_;
 };
 

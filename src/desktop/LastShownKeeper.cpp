@@ -60,7 +60,7 @@ Task<void> LastShownKeeper::keep(std::string displayID) {
         const bool isKept =
             co_await services_.executor.run([folder = services_.folder, key, file = *file, size] {
                 const auto rows = LastShownRows::open(folder, key);
-                return rows && rows->png() == file && rows->size() == size;
+                return rows && rows->png() == file && rows->size() == size && rows->fetch();
             });
         if (!isKept) {
             const SharedPixels pixels = co_await services_.rendering.load(*file, size);

@@ -127,6 +127,25 @@ TEST_F(DesktopPicturesTest, aCapturedDisplayComesBackWithItsOptionsAndAfterItsFi
     EXPECT_EQ(run(pictures->restore(*snapshot)), "The display with ID " + id(1) + " is no longer connected.");
 }
 
+TEST_F(DesktopPicturesTest, aDisplayGetsBackWhatItShowedBeforeTheFirstPictureInALaterProcessAndMoreThanOnce) {
+    desktop.shown[1] = put("Cache/captured-1.png");
+    put("Desktop/Former/captured-forgotten.png");
+    for (const char* round : {"the first", "the second"}) {
+        run(pictures->keepFormer(id(1), desktop.shown[1], {}));
+        set(1, "one.png");
+        run(pictures->keepFormer(id(1), desktop.shown[1], {}));
+        restart();
+        set(1, "two.png");
+        run(pictures->removeForgottenFormer());
+        fs::remove(folder.path() / "Cache/captured-1.png");  // as a sweep does
+        run(pictures->giveBack(id(1)));
+        EXPECT_EQ(desktop.shown[1], folder.path() / "Desktop/Former/captured-1.png") << round;
+        run(pictures->removeForgottenFormer());
+    }
+    EXPECT_TRUE(fs::exists(desktop.shown[1])) << "it is shown";
+    EXPECT_FALSE(fs::exists(folder.path() / "Desktop/Former/captured-forgotten.png"));
+}
+
 TEST_F(DesktopPicturesTest, aFileIsKeptWhileItIsShownAndNoLonger) {
     set(1, "one.png");
     const fs::path first = resolvedPath(folder.path() / "one.png");
