@@ -234,7 +234,8 @@ TEST_F(PictureCommandTest, aDisplayThatIsNoLongerOursGetsBackWhatItShowedBefore)
         color();
         fs::remove(captured);
         disable();
-        EXPECT_EQ(desktop.shown[1], folder.path() / "Desktop/Former/captured-1.png") << "a copy that is not swept";
+        EXPECT_EQ(desktop.shown[1], folder.path() / "Desktop/Former/captured-1.png")
+            << "a copy that is not swept";
     }
 }
 
