@@ -34,13 +34,14 @@ SettingsRow AboutPane::actionRow(std::string id, TextKey title, TextKey subtitle
 
 SettingsPane AboutPane::content() const {
     SettingsPane pane;
-    pane.hero = SettingsHero{
-        "quillmar", services_.bundle.displayName(),
-        localized("Version %@"_key, language(), {services_.bundle.semanticVersion("unknown")})};
+    pane.hero =
+        SettingsHero{"quillmar", services_.bundle.displayName(),
+                     localized("Version %@"_key, language(), {services_.bundle.semanticVersion("unknown")})};
     SettingsGroup about{.id = "about"};
-    about.rows.push_back({.id = "licence",
-                          .title = localized("Licence"_key, language()),
-                          .subtitle = localized("MIT: free to use, to change and to pass on"_key, language())});
+    about.rows.push_back(
+        {.id = "licence",
+         .title = localized("Licence"_key, language()),
+         .subtitle = localized("MIT: free to use, to change and to pass on"_key, language())});
     for (const Link& link : links) {
         const auto address = services_.bundle.value(link.bundleKey);
         if (!address) continue;
@@ -95,14 +96,13 @@ void AboutPane::note(std::string row, std::string text, bool isWarning) {
 
 std::string AboutPane::diagnostics() const {
     const AppSettingsModel& model = services_.settingsModel;
-    std::string text =
-        fmt::format("Quillmar {}\nSystem: {}\nDesktop: {}, session {}\nSettings: {}\n",
-                    services_.bundle.semanticVersion("unknown"), operatingSystemVersionText(),
-                    valueOf(services_.environment, "XDG_CURRENT_DESKTOP"),
-                    valueOf(services_.environment, "XDG_SESSION_TYPE"),
-                    !model.canPersist() ? "cannot be read"
-                    : model.saveError() ? "cannot be saved"
-                                        : "in order");
+    std::string text = fmt::format("Quillmar {}\nSystem: {}\nDesktop: {}, session {}\nSettings: {}\n",
+                                   services_.bundle.semanticVersion("unknown"), operatingSystemVersionText(),
+                                   valueOf(services_.environment, "XDG_CURRENT_DESKTOP"),
+                                   valueOf(services_.environment, "XDG_SESSION_TYPE"),
+                                   !model.canPersist() ? "cannot be read"
+                                   : model.saveError() ? "cannot be saved"
+                                                       : "in order");
     for (const DisplayInfo& display : services_.displays.displays()) {
         text += fmt::format("Display: {:g}x{:g} at {:g},{:g}, scale {:g}{}\n", display.frame.width,
                             display.frame.height, display.frame.x, display.frame.y, display.scaleFactor,

@@ -90,8 +90,8 @@ SettingsGroup BackupPane::importCard() const {
     file.title = backup_->importedFile()->filename().string();
     file.subtitle = backup_->importedDescription();
     group.rows.push_back(std::move(file));
-    addSections(group, importPrefix, backup_->importedDocument()->availableSections(), backup_->importSections,
-                language());
+    addSections(group, importPrefix, backup_->importedDocument()->availableSections(),
+                backup_->importSections, language());
     group.rows.push_back(
         {.id = "restore",
          .title = localized("Restore the chosen sections"_key, language()),
@@ -106,9 +106,10 @@ SettingsGroup BackupPane::resetCard() const {
     group.rows.push_back(
         {.id = "reset",
          .title = localized("Back to the defaults"_key, language()),
-         .subtitle = localized("Resets the General, Wallpaper, Lock Screen, Screensaver, Hot Corners and Menu "
-                               "settings. Cached media are not changed."_key,
-                               language()),
+         .subtitle =
+             localized("Resets the General, Wallpaper, Lock Screen, Screensaver, Hot Corners and Menu "
+                       "settings. Cached media are not changed."_key,
+                       language()),
          .control = SettingsRow::Action{localized("Reset All Settings…"_key, language()), true}});
     return group;
 }
@@ -204,10 +205,11 @@ Task<void> BackupPane::replace(DestructiveAction action) {
                                "The selected settings will replace their current values. Other sections will "
                                "remain unchanged."_key,
                                "Restore Settings"_key, language())
-            : co_await confirm(alerts_, "Reset All Settings?"_key,
-                               "This replaces the current settings with Quillmar defaults. This action cannot "
-                               "be undone."_key,
-                               "Reset All Settings"_key, language());
+            : co_await confirm(
+                  alerts_, "Reset All Settings?"_key,
+                  "This replaces the current settings with Quillmar defaults. This action cannot "
+                  "be undone."_key,
+                  "Reset All Settings"_key, language());
     if (!isConfirmed) {
         backup_->cancelPendingAction();
         co_return;

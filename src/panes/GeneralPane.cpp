@@ -146,7 +146,8 @@ SettingsPane GeneralPane::content() const {
     for (const GroupText& texts : groupTexts()) {
         SettingsGroup group{.id = std::string(texts.id), .title = localized(texts.title, settings.language)};
         for (const SettingText& text : texts.settings) {
-            SettingsRow row{.id = std::string(text.setting), .title = localized(text.title, settings.language)};
+            SettingsRow row{.id = std::string(text.setting),
+                            .title = localized(text.title, settings.language)};
             if (text.subtitle) row.subtitle = localized(*text.subtitle, settings.language);
             if (const auto note = notes_.find(row.id); note != notes_.end()) {
                 row.subtitle = note->second;

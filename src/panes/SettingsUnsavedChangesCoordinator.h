@@ -10,8 +10,8 @@
 
 namespace quillmar {
 
-/// Stands before a pane whose draft was changed and not applied: who leaves it, or closes the window, is asked
-/// first what becomes of the draft. Main thread.
+/// Stands before a pane whose draft was changed and not applied: who leaves it, or closes the window, is
+/// asked first what becomes of the draft. Main thread.
 class SettingsUnsavedChangesCoordinator {
 public:
     /// A pane's draft.

@@ -39,8 +39,8 @@ SettingsFrame SettingsWindowModel::frame() const {
                         .quit = localized("Quit Quillmar"_key, language())};
     for (const SettingsSection section : allCases<SettingsSection>()) {
         const SettingsSectionRow row = rowOf(section);
-        frame.sections.push_back({std::string(enumName(section)), localized(row.label, language()),
-                                  std::string(row.iconName)});
+        frame.sections.push_back(
+            {std::string(enumName(section)), localized(row.label, language()), std::string(row.iconName)});
     }
     return frame;
 }

@@ -83,10 +83,10 @@ struct SettingsFrame {
     };
     std::string title;
     std::vector<Section> sections;
-    std::string current;       ///< the ID of one of them
-    std::string banner = {};   ///< what stands above every pane; empty if nothing
+    std::string current;      ///< the ID of one of them
+    std::string banner = {};  ///< what stands above every pane; empty if nothing
     WindowTheme theme = WindowTheme::automatic;
-    std::string back;          ///< names of the window's own controls
+    std::string back;  ///< names of the window's own controls
     std::string menu;
     std::string about;
     std::string quit;

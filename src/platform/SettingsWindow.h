@@ -14,8 +14,8 @@ public:
     virtual bool isVisible() const = 0;
     /// Closes the window as its close button does; it may ask the user first.
     virtual void performClose() = 0;
-    /// Brings the window to the front at a section: "backup", "about", ... Where it is empty, at the last one.
-    /// Throws `AppLocalizableError` where there is no window to be had.
+    /// Brings the window to the front at a section: "backup", "about", ... Where it is empty, at the last
+    /// one. Throws `AppLocalizableError` where there is no window to be had.
     virtual void open(const std::string& section) = 0;
 };
 

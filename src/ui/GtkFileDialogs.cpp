@@ -12,10 +12,10 @@ namespace {
 
 Ref<GtkFileChooserNative> dialogFor(const FileQuestion& question) {
     const bool saves = question.purpose == FileQuestion::Purpose::save;
-    auto dialog = Ref<GtkFileChooserNative>::adopt(gtk_file_chooser_native_new(
-        question.title.c_str(), frontWindow(),
-        saves ? GTK_FILE_CHOOSER_ACTION_SAVE : GTK_FILE_CHOOSER_ACTION_OPEN, question.accept.c_str(),
-        question.cancel.c_str()));
+    auto dialog = Ref<GtkFileChooserNative>::adopt(
+        gtk_file_chooser_native_new(question.title.c_str(), frontWindow(),
+                                    saves ? GTK_FILE_CHOOSER_ACTION_SAVE : GTK_FILE_CHOOSER_ACTION_OPEN,
+                                    question.accept.c_str(), question.cancel.c_str()));
     auto* chooser = GTK_FILE_CHOOSER(dialog.get());
     gtk_native_dialog_set_modal(GTK_NATIVE_DIALOG(dialog.get()), TRUE);
     gtk_file_chooser_set_local_only(chooser, TRUE);

@@ -97,7 +97,8 @@ std::unique_ptr<PaneView::Group> PaneView::makeGroup(const SettingsGroup& group)
         gtk_container_add(container, view->rows.back()->widget());
     }
     gtk_box_pack_start(box_, GTK_WIDGET(view->group), FALSE, FALSE, 0);
-    gtk_widget_show_all(GTK_WIDGET(view->group));
+    if (view->card) gtk_widget_show(GTK_WIDGET(view->card));
+    gtk_widget_show(GTK_WIDGET(view->group));
     return view;
 }
 

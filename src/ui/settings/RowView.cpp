@@ -14,7 +14,9 @@ RowView::RowView(const SettingsRow& row, std::function<void(SettingsIntent)> wis
     hdy_preferences_row_set_use_underline(HDY_PREFERENCES_ROW(row_), FALSE);
     std::visit([this](const auto& control) { make(control); }, row.control);
     show(row);
-    gtk_widget_show_all(widget());
+    // Not all of it: the row hides what it has no text for.
+    if (control_) gtk_widget_show(control_);
+    gtk_widget_show(widget());
 }
 
 void RowView::show(const SettingsRow& row) {
@@ -54,9 +56,8 @@ void RowView::tell(SettingsIntent intent) {
 void RowView::make(const SettingsRow::Toggle&) {
     place(gtk_switch_new(), true);
     signal_ = Signal::connect<void, GParamSpec*>(
-        GTK_SWITCH(control_), "notify::active", [this](GtkSwitch* toggle, GParamSpec*) {
-            tell({id_, gtk_switch_get_active(toggle) != FALSE});
-        });
+        GTK_SWITCH(control_), "notify::active",
+        [this](GtkSwitch* toggle, GParamSpec*) { tell({id_, gtk_switch_get_active(toggle) != FALSE}); });
 }
 
 void RowView::fill(const SettingsRow::Toggle& toggle) {
@@ -65,6 +66,11 @@ void RowView::fill(const SettingsRow::Toggle& toggle) {
 
 void RowView::make(const SettingsRow::Choice&) {
     place(gtk_combo_box_text_new(), false);
+    // In a narrow window its text gives way before the row's own does.
+    GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(control_));
+    for (GList* at = cells; at; at = at->next)
+        g_object_set(at->data, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
+    g_list_free(cells);
     signal_ = Signal::connect<void>(GTK_COMBO_BOX(control_), "changed", [this](GtkComboBox* box) {
         const int chosen = gtk_combo_box_get_active(box);
         if (chosen >= 0) tell({id_, static_cast<std::size_t>(chosen)});
@@ -85,8 +91,7 @@ void RowView::make(const SettingsRow::Action& action) {
     place(gtk_button_new(), false);
     if (action.isDestructive)
         gtk_style_context_add_class(gtk_widget_get_style_context(control_), "destructive-action");
-    signal_ =
-        Signal::connect<void>(GTK_BUTTON(control_), "clicked", [this](GtkButton*) { tell({id_, {}}); });
+    signal_ = Signal::connect<void>(GTK_BUTTON(control_), "clicked", [this](GtkButton*) { tell({id_, {}}); });
 }
 
 void RowView::fill(const SettingsRow::Action& action) {

@@ -116,21 +116,20 @@ void SettingsWindowView::make() {
     gtk_widget_add_events(GTK_WIDGET(widgets_.window), GDK_PROPERTY_CHANGE_MASK);
     gtk_widget_realize(GTK_WIDGET(widgets_.window));
     pane_ = std::make_unique<PaneView>(
-        widgets_.pane,
-        PaneView::Wishes{[this](SettingsIntent intent) { content_->act(std::move(intent)); },
-                         [this](const std::string& group, bool isExpanded) {
-                             content_->setExpanded(group, isExpanded);
-                         }});
+        widgets_.pane, PaneView::Wishes{[this](SettingsIntent intent) { content_->act(std::move(intent)); },
+                                        [this](const std::string& group, bool isExpanded) {
+                                            content_->setExpanded(group, isExpanded);
+                                        }});
     addActions();
     connect();
 }
 
 void SettingsWindowView::connect() {
-    signals_.push_back(Signal::connect<gboolean, GdkEvent*>(widgets_.window, "delete-event",
-                                                            [this](GtkWindow*, GdkEvent*) {
-                                                                performClose();
-                                                                return TRUE;
-                                                            }));
+    signals_.push_back(
+        Signal::connect<gboolean, GdkEvent*>(widgets_.window, "delete-event", [this](GtkWindow*, GdkEvent*) {
+            performClose();
+            return TRUE;
+        }));
     signals_.push_back(Signal::connect<gboolean, GdkEventKey*>(
         widgets_.window, "key-press-event",
         [this](GtkWindow*, GdkEventKey* key) -> gboolean { return keyPressed(*key); }));
@@ -146,8 +145,8 @@ void SettingsWindowView::connect() {
     signals_.push_back(Signal::connect<void>(GTK_BUTTON(widgets_.back), "clicked", [this](GtkButton*) {
         hdy_leaflet_set_visible_child_name(widgets_.leaflet, sidebarPage);
     }));
-    signals_.push_back(Signal::connect<void, GParamSpec*>(
-        widgets_.leaflet, "notify::folded", [this](HdyLeaflet*, GParamSpec*) { showFold(); }));
+    signals_.push_back(Signal::connect<void, GParamSpec*>(widgets_.leaflet, "notify::folded",
+                                                          [this](HdyLeaflet*, GParamSpec*) { showFold(); }));
     showFold();
 }
 
@@ -177,6 +176,7 @@ void SettingsWindowView::refresh() {
     if (!shown_ || shown_->quit != frame.quit) showMenu(frame);
     gtk_label_set_text(widgets_.banner, frame.banner.c_str());
     gtk_widget_set_visible(GTK_WIDGET(widgets_.banner), !frame.banner.empty());
+    nameForAccess(GTK_WIDGET(widgets_.sections), frame.title);
     nameForAccess(widgets_.back, frame.back);
     nameForAccess(GTK_WIDGET(widgets_.spinner), frame.title);
     gtk_widget_set_visible(GTK_WIDGET(widgets_.spinner), pane.isBusy);
@@ -253,7 +253,8 @@ bool SettingsWindowView::keyPressed(const GdkEventKey& key) {
             return true;
         }
     }
-    if (modifiers == GDK_MOD1_MASK && key.keyval == GDK_KEY_Left && hdy_leaflet_get_folded(widgets_.leaflet)) {
+    if (modifiers == GDK_MOD1_MASK && key.keyval == GDK_KEY_Left &&
+        hdy_leaflet_get_folded(widgets_.leaflet)) {
         hdy_leaflet_set_visible_child_name(widgets_.leaflet, sidebarPage);
         return true;
     }
