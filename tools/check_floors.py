@@ -24,6 +24,7 @@ FLOORS = [
     ["remote", "history"],
     ["wallpaper"],
     ["control"],
+    ["panes"],
     ["app"],
     ["linux", "ui", "client"],
 ]

@@ -6,6 +6,7 @@
 #include "commandline/WallpaperModeArguments.h"
 #include "settings/backup/SettingsBackupDocument.h"
 #include "settings/records/GeneralSettings.h"
+#include "settings/records/SettingsSection.h"
 
 namespace quillmar {
 namespace {
@@ -22,6 +23,12 @@ OptionRow sections() {
 }
 
 OperandRow someDisplay() { return {"DISPLAY|all", "the display"_key, WordKind::display, true}; }
+
+OperandRow someSection() {
+    OperandRow row{.name = "SECTION", .what = "a section"_key, .isOptional = true};
+    for (const std::string_view name : enumNames(SettingsSection{})) row.choices.push_back(name);
+    return row;
+}
 
 OperandRow backupFile() { return {"FILE", "a file"_key, WordKind::file}; }
 
@@ -91,6 +98,10 @@ std::vector<CommandRow> pictureCommands() {
 
 std::vector<CommandRow> settingsCommands() {
     return {
+        {.words = "settings",
+         .operands = {someSection()},
+         .summary = "open the Settings window, at a section of it if one is named"_key,
+         .details = "SECTION is general, backup or about. Where Quillmar does not run, it is started."_key},
         {.words = "general",
          .options = {json()},
          .summary = "list the settings that hold for all displays"_key},

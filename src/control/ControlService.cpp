@@ -21,6 +21,7 @@ ControlService::ControlService(Services services)
                 .channel = services.channel,
                 .version = version_}),
       quit_(std::move(services.quit)),
+      openSettings_(std::move(services.openSettings)),
       isRecovering_(std::move(services.isRecovering)),
       loop_(services.loop) {
     coordinator_.setChangeHandler([this](const std::string& id) { changes_.displayDidChange(id); });
@@ -75,6 +76,7 @@ Task<ControlReply> ControlService::carryOut(CommandLine line, std::string folder
         co_return ControlReply{.output = "Quillmar " + version_ + "\n"};
     const std::string& words = line.command->words;
     if (words.starts_with("backup")) co_return co_await backup_.run(std::move(line), std::move(folder));
+    if (words == "settings") co_return co_await showSettings(std::move(line));
     if (words.starts_with("general")) co_return co_await general_.run(std::move(line));
     if (PictureCommand::carriesOut(line)) co_return co_await picture_.run(std::move(line));
     if (words == "displays") {
@@ -94,6 +96,12 @@ Task<ControlReply> ControlService::carryOut(CommandLine line, std::string folder
         co_return ControlReply{};
     }
     co_return co_await wallpaper_.run(std::move(line), std::move(folder));
+}
+
+Task<ControlReply> ControlService::showSettings(CommandLine line) {
+    co_await settingsModel_.loaded();
+    openSettings_(line.operands.empty() ? "" : line.operands.front());
+    co_return ControlReply{};
 }
 
 std::string ControlService::versionNote(const ControlCall& call) const {

@@ -20,6 +20,8 @@ public:
         PictureCommand::Services picture;
         GeneralCommand::Services general;
         std::function<void()> quit;          ///< the user's explicit wish to end
+        /// Brings the Settings window to the front, at a section if one is named. Throws as that does.
+        std::function<void(const std::string&)> openSettings;
         std::function<bool()> isRecovering;  ///< the start was limited: the settings could not be read
     };
     explicit ControlService(Services services);
@@ -39,6 +41,7 @@ private:
     /// What is said beside every answer while the settings file cannot be read: where, and the way out.
     std::string recoveryNote() const;
     Task<void> followSettingsFile();
+    Task<ControlReply> showSettings(CommandLine line);
     GeneralLanguage language() const { return backup_.language(); }
 
     AppSettingsModel& settingsModel_;
@@ -52,6 +55,7 @@ private:
     WallpaperCoordinator& coordinator_;
     ChangeStream changes_;
     std::function<void()> quit_;
+    std::function<void(const std::string&)> openSettings_;
     std::function<bool()> isRecovering_;
     MainLoop& loop_;
     Scheduled quitting_;

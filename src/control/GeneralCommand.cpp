@@ -9,7 +9,7 @@
 namespace quillmar {
 namespace {
 
-/// Prints a line for each setting; a group of settings has none.
+/// Prints a line for each setting; one that does nothing on this desktop has none.
 class Listing {
 public:
     explicit Listing(std::string& text) : text_(text) {}
@@ -18,7 +18,11 @@ public:
     Listing& required(std::string_view key, E value) {
         return line(key, enumName(value));
     }
-    Listing& required(std::string_view, const StatusIconClickBehavior&) { return *this; }
+    Listing& required(std::string_view, const StatusIconClickBehavior& group) {
+        StatusIconClickBehavior::describe(group, *this);
+        return *this;
+    }
+    Listing& required(std::string_view, const MagicMouseMiddleClickSettings&) { return *this; }
 
 private:
     Listing& line(std::string_view key, std::string_view value) {

@@ -98,12 +98,12 @@ std::optional<Url> reportEndpoint(const BundleInfo& bundle) {
 
 /// What the threads use is made before them, so that it outlives their last job.
 struct LinuxPlatform::Adapters {
-    Adapters(const BundleInfo& bundleInfo, const Environment& variables, AlertPresenting& alertPresenting)
-        : bundle(bundleInfo), environment(variables), alerts(alertPresenting) {}
+    Adapters(const BundleInfo& bundleInfo, const Environment& variables, Views shown)
+        : bundle(bundleInfo), environment(variables), views(shown) {}
 
     const BundleInfo& bundle;
     const Environment& environment;
-    AlertPresenting& alerts;
+    Views views;
     std::filesystem::path supportFolder = applicationSupportDirectoryOrNowhere(environment);
     std::unique_ptr<LoopProbe> loopProbe = LoopProbe::wanted();
     GlibMainLoop loop;
@@ -139,9 +139,8 @@ struct LinuxPlatform::Adapters {
                                        supportFolder / "Cache/GeneratedWallpapers"};
 };
 
-LinuxPlatform::LinuxPlatform(const BundleInfo& bundle, const Environment& environment,
-                             AlertPresenting& alerts)
-    : adapters_(std::make_unique<Adapters>(bundle, environment, alerts)) {}
+LinuxPlatform::LinuxPlatform(const BundleInfo& bundle, const Environment& environment, Views views)
+    : adapters_(std::make_unique<Adapters>(bundle, environment, views)) {}
 LinuxPlatform::~LinuxPlatform() = default;
 
 Ports LinuxPlatform::ports() {
@@ -159,7 +158,7 @@ Ports LinuxPlatform::ports() {
             .runningInstances = own.instances,
             .control = own.controlChannel,
             .usageReporting = own.usageReporting,
-            .alerts = own.alerts,
+            .alerts = own.views.alerts,
             .screens = own.screens,
             .desktop = own.desktopPicture,
             .pictureRendering = own.rendering,
@@ -167,7 +166,9 @@ Ports LinuxPlatform::ports() {
             .notificationCenter = own.notifications,
             .webSession = own.webSession,
             .addresses = own.addresses,
-            .settingsWindow = nullptr,
+            .files = own.views.files,
+            .clipboard = own.views.clipboard,
+            .settingsWindow = own.views.settingsWindow,
             .flushLog = [&own] { return own.pipeline.flush(); }};
 }
 

@@ -267,7 +267,11 @@ TEST_F(AppDelegateTest, withTheSettingsWindowOpenOnlyAnExplicitWishOrTheSystemEn
     EXPECT_FALSE(machine.settingsWindow.visible);
     EXPECT_THAT(log.lines, Contains("information [lifecycle] External quit request closed Settings without "
                                     "terminating the program."));
-    machine.settingsWindow.visible = true;
+    machine.runningInstances.onActivate();
+    machine.loop.settle();
+    EXPECT_EQ(answer({"settings", "about"}).status, 0);
+    EXPECT_THAT(machine.settingsWindow.opened, ElementsAre("", "about"));
+    EXPECT_TRUE(machine.settingsWindow.content);
     delegate->quitController().requestQuit();
     machine.loop.settle();
     EXPECT_THAT(machine.process.exits, ElementsAre(0));
