@@ -13,6 +13,7 @@
 #include "platform/DesktopPicture.h"
 #include "platform/FileWatching.h"
 #include "platform/HTTPSession.h"
+#include "platform/LoginItemRegistering.h"
 #include "platform/PictureRendering.h"
 #include "platform/RemoteNotificationCenter.h"
 #include "platform/RunningInstances.h"
@@ -47,6 +48,7 @@ struct Ports {
     RemoteNotificationCenter& notificationCenter;
     HTTPSession& webSession;  ///< for picture services
     AddressOpening& addresses;
+    LoginItemRegistering& loginItem;
     SettingsWindowing* settingsWindow = nullptr;  ///< absent where the program has none to show
     std::function<Task<void>()> flushLog;         ///< waits until every log line is in its file
 };

@@ -4,6 +4,7 @@
 #include "control/ChangeStream.h"
 #include "control/GeneralCommand.h"
 #include "control/PictureCommand.h"
+#include "control/UpdateCommand.h"
 #include "control/WallpaperCommand.h"
 
 namespace quillmar {
@@ -19,6 +20,7 @@ public:
         WallpaperCommand::Services wallpaper;
         PictureCommand::Services picture;
         GeneralCommand::Services general;
+        UpdateCommand::Services update;
         std::function<void()> quit;          ///< the user's explicit wish to end
         std::function<bool()> isRecovering;  ///< the start was limited: the settings could not be read
     };
@@ -47,6 +49,7 @@ private:
     WallpaperCommand wallpaper_;
     PictureCommand picture_;
     GeneralCommand general_;
+    UpdateCommand update_;
     const DisplayService& displays_;
     std::string version_;
     WallpaperCoordinator& coordinator_;

@@ -8,6 +8,7 @@
 #include "fakes/FakeDesktopPicture.h"
 #include "fakes/FakeExecutors.h"
 #include "fakes/FakeHTTPSession.h"
+#include "fakes/FakeLoginItem.h"
 #include "fakes/FakeNotificationCenter.h"
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeScreens.h"
@@ -94,6 +95,7 @@ struct FakePlatform {
     FakeHTTPSession web{loop};
     FakeNotificationCenter notificationCenter;
     FakeAddresses addresses;
+    FakeLoginItem loginItem;
     FakeSettingsWindow settingsWindow;
     std::vector<std::string> preferredLanguages{"en_GB"};
     int flushes = 0;
@@ -121,6 +123,7 @@ struct FakePlatform {
                 .notificationCenter = notificationCenter,
                 .webSession = web,
                 .addresses = addresses,
+                .loginItem = loginItem,
                 .settingsWindow = &settingsWindow,
                 .flushLog = [this] { return flush(); }};
     }
