@@ -9,6 +9,7 @@
 #include "control/DisplayList.h"
 #include "control/OfflineBackup.h"
 #include "linux/LinuxPlatform.h"
+#include "linux/glib/AutostartEntry.h"
 #include "linux/glib/GlibMainLoop.h"
 #include "linux/glib/PreferredLanguages.h"
 #include "linux/glib/SystemWallClock.h"
@@ -84,7 +85,8 @@ ControlReply backUpSettings(CommandLine line, const BundleInfo& bundle, const En
     GlibMainLoop loop;
     const SystemWallClock clock;
     ThreadPool pool(1);
-    OfflineBackup backup(loop, clock, pool, bundle, environment);
+    AutostartEntry session(pool, environment, calledProgram());
+    OfflineBackup backup(loop, clock, pool, bundle, environment, session);
     return runToEnd(loop, backup.run(std::move(line), std::filesystem::current_path()));
 }
 

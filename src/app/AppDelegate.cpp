@@ -16,21 +16,25 @@ Task<void> ask(AlertPresenting* alerts, Alert alert, std::optional<std::size_t>*
 /// the displays any more before what changes by itself stops.
 AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems)
     : edits(ports, subsystems),
+      updates(subsystems.softwareUpdates),
       remembered(subsystems.pictureMemory),
       lastShown(subsystems.lastShownKeeper),
       lastPictures(subsystems),
       cache(ports, subsystems),
+      launch(ports, subsystems),
       rotation(subsystems.wallpaperRotation, subsystems.restoreFollowing),
       wallpapers(ports, subsystems, lastPictures),
       network(ports, subsystems),
       lives({
           {.life = &edits, .stopPlace = 6, .resumePlace = 6},
+          {.life = &updates, .stopPlace = 8, .resumePlace = 8},
           // What must not come again is known before anything is shown.
           {.life = &remembered, .stopPlace = 6, .resumePlace = 6},
           {.life = &lastShown, .stopPlace = 5, .resumePlace = 5},
           // The sweep spares what is shown, so that comes before it.
           {.life = &lastPictures, .stopPlace = 0, .resumePlace = 0},
           {.life = &cache, .stopPlace = 1, .resumePlace = 1},
+          {.life = &launch, .stopPlace = 7, .resumePlace = 7},
           {.life = &rotation, .stopPlace = 4, .resumePlace = 3},
           {.life = &wallpapers, .stopPlace = 2, .resumePlace = 2},
           {.life = &network, .stopPlace = 3, .resumePlace = 4},
@@ -83,7 +87,10 @@ void AppDelegate::applicationDidFinishLaunching() {
         openSettings({});
     });
     // The loop's time stands still while the machine sleeps; what fell due meanwhile is due now.
-    ports_.systemEvents.setWakeHandler([this] { subsystems_->wallpaperRotation.reschedule(); });
+    ports_.systemEvents.setWakeHandler([this] {
+        subsystems_->wallpaperRotation.reschedule();
+        subsystems_->softwareUpdates.reschedule();
+    });
     startupTask_.start(startUp());
 }
 

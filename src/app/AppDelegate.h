@@ -6,10 +6,12 @@
 #include "app/ApplicationStartupTask.h"
 #include "app/CacheUpkeep.h"
 #include "app/ConfiguredWallpapers.h"
+#include "app/LaunchSteps.h"
 #include "app/Lives.h"
 #include "app/Ports.h"
 #include "app/Rotation.h"
 #include "app/SettingsEdits.h"
+#include "app/SoftwareUpdates.h"
 #include "app/Subsystems.h"
 #include "control/ControlService.h"
 #include "panes/SettingsWindowModel.h"
@@ -55,10 +57,12 @@ private:
     struct Running {
         Running(const Ports& ports, Subsystems& subsystems);
         SettingsEdits edits;
+        SoftwareUpdates updates;
         RememberedPictures remembered;
         LastShown lastShown;
         LastServicePictures lastPictures;
         CacheUpkeep cache;
+        LaunchSteps launch;
         Rotation rotation;
         ConfiguredWallpapers wallpapers;
         NetworkRecovery network;

@@ -34,6 +34,8 @@ ControlService::Services controlServices(const Ports& ports, Subsystems& subsyst
                           .displays = subsystems.displays,
                           .desktop = subsystems.desktopPictures,
                           .pictures = subsystems.pictureMemory,
+                          .loginItem = subsystems.loginItem,
+                          .updates = subsystems.softwareUpdates,
                           .files = ports.backgroundPool},
             .picture = {.settingsModel = subsystems.settingsModel,
                         .coordinator = subsystems.wallpaperCoordinator,
@@ -43,9 +45,13 @@ ControlService::Services controlServices(const Ports& ports, Subsystems& subsyst
                         .files = ports.backgroundPool,
                         .environment = ports.environment},
             .general = {.settingsModel = subsystems.settingsModel,
+                        .loginItem = subsystems.loginItem,
                         .version = version,
                         .mayNotify =
                             [service = &subsystems.remoteErrorNotifications] { return mayNotify(service); }},
+            .update = {.settingsModel = subsystems.settingsModel,
+                       .updates = subsystems.softwareUpdates,
+                       .version = version},
             .quit = std::move(wishes.quit),
             .openSettings = std::move(wishes.openSettings),
             .isRecovering = std::move(wishes.isRecovering)};

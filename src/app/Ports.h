@@ -15,6 +15,7 @@
 #include "platform/FileChoosing.h"
 #include "platform/FileWatching.h"
 #include "platform/HTTPSession.h"
+#include "platform/LoginItemRegistering.h"
 #include "platform/PictureRendering.h"
 #include "platform/RemoteNotificationCenter.h"
 #include "platform/RunningInstances.h"
@@ -49,6 +50,7 @@ struct Ports {
     RemoteNotificationCenter& notificationCenter;
     HTTPSession& webSession;  ///< for picture services
     AddressOpening& addresses;
+    LoginItemRegistering& loginItem;
     FileChoosing& files;
     ClipboardWriting& clipboard;
     SettingsWindowing& settingsWindow;

@@ -194,6 +194,10 @@ void judge(const CommandLine& line) {
             GeneralSettings settings;
             applyGeneralOptions(line, settings);
         }
+        if (line.is("update set")) {
+            SoftwareUpdatePreferences preferences;
+            applyUpdateOptions(line, preferences);
+        }
         namedSections(line);
     } catch (UsageError& error) {
         throw error.under(line.helpWords());

@@ -7,6 +7,7 @@
 #include "settings/backup/SettingsBackupDocument.h"
 #include "settings/records/GeneralSettings.h"
 #include "settings/records/SettingsSection.h"
+#include "settings/records/SoftwareUpdatePreferences.h"
 
 namespace quillmar {
 namespace {
@@ -123,6 +124,15 @@ std::vector<CommandRow> settingsCommands() {
          .summary = "replace the settings by those of a backup file"_key,
          .details = "Reaches the running program, or the settings file where none runs."_key},
         {.words = "backup reset", .summary = "replace the settings by the defaults"_key},
+        {.words = "update",
+         .options = {json()},
+         .summary = "look for a newer version of Quillmar now, and download it"_key,
+         .details =
+             "The download is kept only when its makers have signed it. Quillmar says where it lies and "
+             "never installs it."_key},
+        {.words = "update set",
+         .options = recordOptions<SoftwareUpdatePreferences>(),
+         .summary = "change what Quillmar does about newer versions by itself"_key},
         {.words = "quit", .summary = "end the running program, after the last change is saved"_key},
         {.words = "help",
          .operands = {{"COMMAND", "a command"_key, WordKind::command, true}},

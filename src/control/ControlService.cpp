@@ -11,6 +11,7 @@ ControlService::ControlService(Services services)
       wallpaper_(services.wallpaper),
       picture_(std::move(services.picture)),
       general_(std::move(services.general)),
+      update_(std::move(services.update)),
       displays_(services.wallpaper.displays),
       version_(services.wallpaper.version),
       coordinator_(services.wallpaper.coordinator),
@@ -78,6 +79,7 @@ Task<ControlReply> ControlService::carryOut(CommandLine line, std::string folder
     if (words.starts_with("backup")) co_return co_await backup_.run(std::move(line), std::move(folder));
     if (words == "settings") co_return co_await showSettings(std::move(line));
     if (words.starts_with("general")) co_return co_await general_.run(std::move(line));
+    if (words.starts_with("update")) co_return co_await update_.run(std::move(line));
     if (PictureCommand::carriesOut(line)) co_return co_await picture_.run(std::move(line));
     if (words == "displays") {
         const auto displays = displays_.displays();

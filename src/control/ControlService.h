@@ -4,6 +4,7 @@
 #include "control/ChangeStream.h"
 #include "control/GeneralCommand.h"
 #include "control/PictureCommand.h"
+#include "control/UpdateCommand.h"
 #include "control/WallpaperCommand.h"
 
 namespace quillmar {
@@ -19,7 +20,8 @@ public:
         WallpaperCommand::Services wallpaper;
         PictureCommand::Services picture;
         GeneralCommand::Services general;
-        std::function<void()> quit;          ///< the user's explicit wish to end
+        UpdateCommand::Services update;
+        std::function<void()> quit;  ///< the user's explicit wish to end
         /// Brings the Settings window to the front, at a section if one is named. Throws as that does.
         std::function<void(const std::string&)> openSettings;
         std::function<bool()> isRecovering;  ///< the start was limited: the settings could not be read
@@ -50,6 +52,7 @@ private:
     WallpaperCommand wallpaper_;
     PictureCommand picture_;
     GeneralCommand general_;
+    UpdateCommand update_;
     const DisplayService& displays_;
     std::string version_;
     WallpaperCoordinator& coordinator_;

@@ -17,6 +17,7 @@
 #include "linux/dbus/DBusRunningInstances.h"
 #include "linux/dbus/DBusSessionEnd.h"
 #include "linux/desktop/LinuxDesktopPicture.h"
+#include "linux/glib/AutostartEntry.h"
 #include "linux/glib/ClockJumps.h"
 #include "linux/glib/GioAddresses.h"
 #include "linux/glib/GlibMainLoop.h"
@@ -32,6 +33,7 @@
 #include "linux/render/ProcessPictureRendering.h"
 #include "linux/soup/SoupHTTPSession.h"
 #include "linux/x11/OutputMemory.h"
+#include "storage/InstalledProgram.h"
 
 namespace quillmar {
 namespace {
@@ -132,6 +134,7 @@ struct LinuxPlatform::Adapters {
     NoUsageReporting usageReporting;
     DBusNotifications notifications;
     GioAddresses addresses;
+    AutostartEntry loginItem{stateFiles, environment, calledProgram()};
     LinuxPictureEncoding encoding;
     ProcessPictureRendering rendering{pool, ProcessPictureRendering::installedProgram()};
     GtkScreens screens{outputIdentitiesFile(environment), stateFiles};
@@ -166,6 +169,7 @@ Ports LinuxPlatform::ports() {
             .notificationCenter = own.notifications,
             .webSession = own.webSession,
             .addresses = own.addresses,
+            .loginItem = own.loginItem,
             .files = own.views.files,
             .clipboard = own.views.clipboard,
             .settingsWindow = own.views.settingsWindow,

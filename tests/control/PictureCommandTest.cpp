@@ -6,6 +6,7 @@
 #include "fakes/FakeControlChannel.h"
 #include "fakes/FakeRemoteImageProvider.h"
 #include "fakes/FakeSettingsStore.h"
+#include "fakes/ProgramServices.h"
 #include "wallpaper/StaticPictures.h"
 #include "wallpaper/WallpaperService.h"
 
@@ -46,6 +47,7 @@ struct PictureCommandTest : ::testing::Test, DesktopWorld {
     WallpaperSettingsTransactionService transactions{service};
     WallpaperCoordinator coordinator{loop, displays, service, &transactions, model, memory, gate, clock};
     WallpaperRotationCoordinator rotation{loop, notifications, model, coordinator, clock};
+    ProgramServices program{loop, clock, model};
     WallpaperCommand wallpapers{{.settingsModel = model,
                                  .coordinator = coordinator,
                                  .rotation = rotation,
@@ -54,6 +56,8 @@ struct PictureCommandTest : ::testing::Test, DesktopWorld {
                                  .displays = displays,
                                  .desktop = *pictures,
                                  .pictures = memory,
+                                 .loginItem = program.loginItem,
+                                 .updates = program.updates,
                                  .files = executor}};
     FakeAddresses addresses;
     PictureCommand command{{.settingsModel = model,

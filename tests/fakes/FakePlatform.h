@@ -9,6 +9,7 @@
 #include "fakes/FakeExecutors.h"
 #include "fakes/FakeFileChooser.h"
 #include "fakes/FakeHTTPSession.h"
+#include "fakes/FakeLoginItem.h"
 #include "fakes/FakeNotificationCenter.h"
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeScreens.h"
@@ -99,6 +100,7 @@ struct FakePlatform {
     FakeAddresses addresses;
     FakeFileChooser files;
     FakeClipboard clipboard;
+    FakeLoginItem loginItem;
     FakeSettingsWindow settingsWindow;
     std::vector<std::string> preferredLanguages{"en_GB"};
     int flushes = 0;
@@ -126,6 +128,7 @@ struct FakePlatform {
                 .notificationCenter = notificationCenter,
                 .webSession = web,
                 .addresses = addresses,
+                .loginItem = loginItem,
                 .files = files,
                 .clipboard = clipboard,
                 .settingsWindow = settingsWindow,
