@@ -18,9 +18,11 @@ declare -A packages=(
     [tests]="
         libgtest-dev libgmock-dev llvm-19 libclang-rt-19-dev libxres-dev libxrandr-dev binutils
         hsetroot notification-daemon iproute2 at-spi2-core gir1.2-atspi-2.0 python3-gi openssl
-        xfdesktop4 xfconf gsettings-desktop-schemas cinnamon-desktop-data mate-desktop-common duktape-dev
+        xfdesktop4 xfconf gsettings-desktop-schemas cinnamon-desktop-data mate-desktop-common duktape-dev fish zsh
     "
     [lint]="git clang-format-19 clang-tidy-19 shellcheck"
+    [package]="git dpkg-dev debhelper lintian desktop-file-utils appstream"
+    [trial]="debootstrap"
     [bench]="feh xwallpaper libvips-tools curl"
 )
 
