@@ -100,7 +100,6 @@ private:
 class RecordOptionListing {
 public:
     std::vector<OptionRow> options;
-
     template <class T>
     RecordOptionListing& required(std::string_view key, T& field) {
         if constexpr (OptionField<T>) {
