@@ -6,6 +6,7 @@
 #include "fakes/FakeDisplays.h"
 #include "fakes/FakeExecutors.h"
 #include "fakes/FakeFileChooser.h"
+#include "fakes/FakeLoginItem.h"
 #include "fakes/FakeSettingsStore.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
@@ -38,6 +39,8 @@ struct SettingsWindowModelTest : ::testing::Test {
     std::optional<AppSettingsModel> settings;
     SettingsBackupService backups{executor};
     NothingElseFollows following;
+    FakeLoginItem session;
+    std::optional<LoginItemService> loginItem;
     FakeAlerts alerts;
     FakeFileChooser files;
     FakeClipboard clipboard;
@@ -61,6 +64,7 @@ struct SettingsWindowModelTest : ::testing::Test {
             .alerts = alerts,
             .files = files,
             .general = {.settingsModel = *settings,
+                        .loginItem = loginItem.emplace(session, *settings),
                         .version = "1.2.3",
                         .mayNotify = [this] { return answered(&notificationsAreShown); }},
             .backup = {*settings, backups, following, clock, AppSettings{}, "1.2.3",
