@@ -134,6 +134,7 @@ main() {
         mv "$fresh.unfinished" "$fresh"
     fi
     trap clean_up EXIT
+    trap 'exit 143' HUP TERM
     debian=$(mktemp -d "$out/trial.XXXXXX")
     cp -a --reflink=auto "$fresh/." "$debian"
     mkdir "$debian/trial"
