@@ -10,7 +10,7 @@ readonly tree=$out/quillmar-$version
 
 # Only what belongs to the tree: a build folder or a person's notes must not change the package.
 copy_tree() {
-    rm -rf "$out"
+    rm -rf "$tree" "$out"/quillmar[_-]*
     mkdir -p "$tree"
     git ls-files -z --cached --others --exclude-standard --deduplicate |
         while IFS= read -r -d '' file; do [[ ! -e $file ]] || printf '%s\0' "$file"; done |
