@@ -4,7 +4,6 @@ import json
 import os
 import pathlib
 import unittest
-import warnings
 
 import gi
 
@@ -13,7 +12,6 @@ from gi.repository import Atspi, GLib  # noqa: E402  (the version is asked for f
 
 from quillmar_desktop import PROGRAM, DesktopTest, run, run_checked, wait_until
 
-warnings.simplefilter("ignore", DeprecationWarning)  # its functions have no other names here
 MOST_GROWTH = 10 << 10  # KiB that an opened and closed window may leave behind
 
 
@@ -67,20 +65,16 @@ class SettingsWindowTest(DesktopTest):
         if pictures := os.environ.get("QUILLMAR_SCREENSHOTS"):
             run_checked("import", "-window", "root", f"{pictures}/settings-{name}.png")
 
-    @staticmethod
-    def windows(program):
-        search = ("xdotool", "search", "--all", "--onlyvisible", "--pid", str(program.pid), "--name", "")
-        return run(*search).stdout.split()
-
-    def close(self, program):
-        run_checked("xdotool", "search", "--onlyvisible", "--pid", str(program.pid), "windowfocus", "--sync")
-        run_checked("xdotool", "key", "Escape")
-        wait_until("a closed window", lambda: not self.windows(program), program)
+    def close(self, program, title="Definições do Quillmar"):
+        self.answer(program, title, "key", "Escape")
+        search = ("xdotool", "search", "--onlyvisible", "--name", f"^{title}$")
+        wait_until("a closed window", lambda: not run(*search).stdout, program)
 
     @staticmethod
     def memory(program):
+        """KiB of its own: what libraries share depends on who else runs."""
         lines = pathlib.Path(f"/proc/{program.pid}/smaps_rollup").read_text().splitlines()
-        return int(next(line.split()[1] for line in lines if line.startswith("Pss:")))
+        return int(next(line.split()[1] for line in lines if line.startswith("Pss_Anon:")))
 
     def export_backup(self, file, program):
         self.find("list item", "Exportar uma cópia de segurança", program).grab_focus()
@@ -103,6 +97,10 @@ class SettingsWindowTest(DesktopTest):
     def test_a_person_changes_settings_and_keeps_a_backup(self):
         program = self.start_and_wait()
         before = self.memory(program)
+        for _ in range(3):
+            run(PROGRAM, "settings", env=self.environment, check=True)
+            self.close(program, "Quillmar Settings")
+        self.assertLess(self.memory(program), before + MOST_GROWTH)
         run(PROGRAM, "settings", env=self.environment, check=True)
         self.press("toggle button", "Pause", program)
         self.wait_for_setting("pauseRotations", True, program)
@@ -120,7 +118,6 @@ class SettingsWindowTest(DesktopTest):
         self.assertEqual(run(PROGRAM, env=self.environment).returncode, 0)
         self.find("list item", "Exportar uma cópia de segurança", program)
         self.close(program)
-        self.assertLess(self.memory(program), before + MOST_GROWTH)
         self.quit(program)
 
 

@@ -1,6 +1,7 @@
 #include "ui/settings/SettingsWindowView.h"
 
 #include <gdk/gdkx.h>
+#include <malloc.h>
 
 #include <algorithm>
 
@@ -80,6 +81,8 @@ void SettingsWindowView::performClose() {
     if (!content_) return;
     content_->requestClose([this] {
         if (widgets_.window) gtk_widget_hide(GTK_WIDGET(widgets_.window));
+        // What the window drew with goes back to the system: the program is small while nobody looks at it.
+        ::malloc_trim(0);
     });
 }
 
