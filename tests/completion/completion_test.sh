@@ -65,7 +65,7 @@ offers() {
 # As an interactive shell has it.
 COMP_WORDBREAKS=$' \t\n"\'><=;|&(:'
 
-offers '--help --version backup displays general help quit status update wallpaper watch' ''
+offers '--help --version backup displays general help quit settings status update wallpaper watch' ''
 offers 'backup' b
 offers '--help --version' --
 offers '--json' displays ''

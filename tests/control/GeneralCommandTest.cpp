@@ -39,6 +39,7 @@ struct GeneralCommandTest : ::testing::Test {
 };
 
 TEST_F(GeneralCommandTest, whatIsNamedIsSavedAndTheRestStays) {
+    session.present = LoginItemRegistrationStatus::enabled;
     const ControlReply reply = run({"set", "--pauseRotations", "--language", "portuguese"});
     EXPECT_EQ(reply.status, 0) << reply.errors;
     EXPECT_THAT(reply.output, HasSubstr("language: portuguese\nappTheme: automatic\n"));

@@ -9,7 +9,10 @@ namespace quillmar {
 /// A session's list of programs.
 class FakeLoginItem final : public LoginItemRegistering {
 public:
-    LoginItemRegistrationStatus present = LoginItemRegistrationStatus::notRegistered;
+    explicit FakeLoginItem(LoginItemRegistrationStatus status = LoginItemRegistrationStatus::notRegistered)
+        : present(status) {}
+
+    LoginItemRegistrationStatus present;
     std::string error;    ///< of the next changes
     bool isDeaf = false;  ///< changes are taken and come to nothing
     int changeCount = 0;

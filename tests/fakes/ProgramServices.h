@@ -20,7 +20,7 @@ struct ProgramServices {
                                                                                 .notificationCenter = center,
                                                                                 .settingsModel = model}) {}
 
-    FakeLoginItem session;
+    FakeLoginItem session{LoginItemRegistrationStatus::enabled};
     InlineExecutor files;
     FakeHTTPSession web;
     FakeNotificationCenter center;
