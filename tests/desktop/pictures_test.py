@@ -123,6 +123,7 @@ class PicturesTest(DesktopTest):
         listed = run(PROGRAM, "wallpaper", env=self.environment).stdout
         self.assertIn("DUMMY1", listed)
         self.assertIn("Disabled", listed)
+        self.assertNotIn("failed", run(PROGRAM, "status", env=self.environment).stdout, "it was taken back")
         self.quit(program)
 
     def test_a_session_in_which_nobody_would_see_a_picture_is_called_that(self):

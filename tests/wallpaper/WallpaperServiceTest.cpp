@@ -299,6 +299,29 @@ TEST_F(WallpaperServiceTest, aSlideshowGoesOnFromItsLastImageAndSaysWhichItChose
     EXPECT_EQ(apply(request({slideshow})), "done") << "the decoder was ended, the files are pictures";
 }
 
+TEST_F(WallpaperServiceTest, aFileOfASlideshowThatIsNoPictureIsPassedOverAndSaidOnceUntilItIsChanged) {
+    put("show/1.jpg");
+    const fs::path broken = put("show/2.jpg");
+    put("show/3.jpg");
+    rendering.noPictures.insert(broken);
+    SlideshowPresentationSettings slideshow;
+    slideshow.folderURL = Url::fromFilePath(folder.path() / "show");
+    std::string seen;
+    std::size_t leftOut = 0;
+    for (int i = 0; i < 5; ++i) {
+        WallpaperApplyOutcome outcome;
+        ASSERT_EQ(apply(request({slideshow}), &outcome), "done");
+        seen += source()[0];
+        leftOut += outcome.leftOut.size();
+        slideshow.lastImageURL = outcome.selectedSlideshowImageURL;
+        if (i != 2) continue;
+        rendering.noPictures.clear();
+        fs::last_write_time(broken, fs::last_write_time(broken) + std::chrono::seconds(1));
+    }
+    EXPECT_EQ(seen, "13123");
+    EXPECT_EQ(leftOut, 1u);
+}
+
 struct WallpaperServiceRemoteTest : WallpaperServiceTest {
     void SetUp() override { remoteImages.image = resolvedPath(put("remote-1.jpg")); }
     WallpaperApplyRequest remote(WallpaperApplyReason reason = WallpaperApplyReason::userInitiated) {
