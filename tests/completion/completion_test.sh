@@ -58,10 +58,11 @@ offers() {
 # As an interactive shell has it.
 COMP_WORDBREAKS=$' \t\n"\'><=;|&(:'
 
-offers '--help --version backup displays general help quit status wallpaper watch' ''
+offers '--help --version backup displays general help quit settings status wallpaper watch' ''
 offers 'backup' b
 offers '--help --version' --
 offers '--json' displays ''
+offers 'about backup general' settings ''
 offers '--json' status ''
 offers '' displays --json ''
 offers '' quit ''
