@@ -1,6 +1,8 @@
 #pragma once
 #include <filesystem>
-#include <vector>
+#include <optional>
+#include <set>
+#include <string>
 
 #include "async/Executor.h"
 #include "async/TaskLock.h"

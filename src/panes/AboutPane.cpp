@@ -35,7 +35,7 @@ SettingsRow AboutPane::actionRow(std::string id, TextKey title, TextKey subtitle
 SettingsPane AboutPane::content() const {
     SettingsPane pane;
     pane.hero =
-        SettingsHero{"quillmar", services_.bundle.displayName(),
+        SettingsHero{"com.quillmar.Quillmar", services_.bundle.displayName(),
                      localized("Version %@"_key, language(), {services_.bundle.semanticVersion("unknown")})};
     SettingsGroup about{.id = "about"};
     about.rows.push_back(

@@ -22,10 +22,6 @@ constexpr std::size_t pieceBytes = 65536;
 constexpr std::size_t maximumFeedBytes = 1048576;
 constexpr std::int64_t maximumFileBytes = 268435456;
 
-bool isRedirect(int status) {
-    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
-}
-
 }  // namespace
 
 /// Every stop on the way is as secure as its beginning, and none but the configured one is in this network.
@@ -47,11 +43,10 @@ Task<UpdateFetcher::Answer> UpdateFetcher::open(Url url, std::string accepted, D
         } catch (const ForbiddenAddressError& error) {
             throw Error(Error::Case::insecureAddress, error.address());
         }
-        const auto location = response.headers.find("location");
-        if (!isRedirect(response.status) || location == response.headers.end())
-            co_return Answer{std::move(response), url};
-        const auto next = resolvedReference(url, location->second);
-        if (!next) throw Error(Error::Case::insecureAddress, location->second);
+        const std::string* location = redirection(response);
+        if (!location) co_return Answer{std::move(response), url};
+        const auto next = resolvedReference(url, *location);
+        if (!next) throw Error(Error::Case::insecureAddress, *location);
         url = *next;
     }
     throw Error(Error::Case::endlessRedirects);

@@ -1,13 +1,5 @@
-#include "app/AppDelegate.h"
-
-#include <fstream>
-
+#include "AppDelegateFixture.h"
 #include "async/Sleep.h"
-#include "base/Files.h"
-#include "fakes/FakePlatform.h"
-#include "fakes/RecordedLog.h"
-#include "fakes/TaskOutcome.h"
-#include "settings/records/SettingsCodec.h"
 
 namespace quillmar {
 namespace {
@@ -18,62 +10,8 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
-namespace fs = std::filesystem;
 
-struct AppDelegateTest : ::testing::Test {
-    FakePlatform machine;
-    RecordedLog log{machine.clock};
-    std::unique_ptr<AppDelegate> delegate;
-
-    std::unique_ptr<ApplicationInstanceLock> takeLock() {
-        return ApplicationInstanceLock::take(machine.folder.path(), "com.quillmar.Quillmar");
-    }
-    void launch() {
-        delegate = std::make_unique<AppDelegate>(machine.platform(), takeLock());
-        delegate->applicationWillFinishLaunching();
-        delegate->applicationDidFinishLaunching();
-        machine.loop.settle();
-    }
-    void putSettings(const AppSettings& settings) {
-        fs::create_directories(machine.settingsFile().parent_path());
-        std::ofstream(machine.settingsFile()) << encodeSettings(settings);
-    }
-    AppSettings twoColors() const {
-        AppSettings settings = defaultSettings(machine.bundle);
-        for (const auto& [number, color] : {std::pair{1u, "#112233"}, std::pair{2u, "#445566"}}) {
-            DisplayWallpaperSettings entry;
-            entry.displayID = FakeScreens::displayID(number);
-            entry.mode.value = SolidColorPresentationSettings{color};
-            settings.wallpaper.displays.push_back(entry);
-        }
-        return settings;
-    }
-    void plugInTwo() {
-        machine.screens.plugIn(1, {0, 0, 1920, 1080});
-        machine.screens.plugIn(2, {1920, 0, 1280, 1024});
-    }
-    /// A file in the cache that nobody has used for a year.
-    fs::path putOldFile(const fs::path& name) {
-        const fs::path file = machine.settingsFile().parent_path() / "Cache" / name;
-        fs::create_directories(file.parent_path());
-        std::ofstream(file) << "12345";
-        fs::last_write_time(file, std::chrono::file_clock::from_sys(machine.clock.now() - 8766h));
-        return file;
-    }
-    std::string shown(std::uint32_t screen) const {
-        const auto found = machine.desktop.shown.find(screen);
-        return found == machine.desktop.shown.end() ? "" : found->second.filename().string();
-    }
-    ControlReply answer(std::vector<std::string> words) {
-        TaskScope tasks(machine.loop);
-        return outcomeOf(machine.loop, tasks, machine.control.handler({std::move(words), "/", ""}))
-            ->value.value();
-    }
-    void quitBySystem() {
-        machine.systemEvents.quit(SystemQuitReason::terminated);
-        machine.loop.settle();
-    }
-};
+struct AppDelegateTest : AppDelegateFixture {};
 
 TEST_F(AppDelegateTest, aFirstStartMakesTheSettingsAndTouchesNoDesktop) {
     plugInTwo();
@@ -248,92 +186,6 @@ TEST_F(AppDelegateTest, theStartSweepsTheCacheButNothingThatIsReferredToOrShown)
     putOldFile("GeneratedWallpapers/old.png");
     machine.loop.advance(1h);
     EXPECT_TRUE(fs::exists(generated)) << "no sweep follows a quit";
-}
-
-TEST_F(AppDelegateTest, aQuitDuringTheStartStopsItAtItsNextCheck) {
-    plugInTwo();
-    putSettings(twoColors());
-    machine.background.runsAtOnce = false;
-    launch();
-    machine.systemEvents.quit(SystemQuitReason::terminated);
-    machine.background.runsAtOnce = true;
-    machine.background.releaseAll();
-    machine.loop.settle();
-    EXPECT_EQ(machine.desktop.setCount, 0);
-    EXPECT_THAT(log.lines, Not(Contains(HasSubstr("startup completed"))));
-    EXPECT_THAT(machine.process.exits, ElementsAre(0));
-}
-
-TEST_F(AppDelegateTest, aSecondQuitDuringTheShutDownChangesNothing) {
-    launch();
-    machine.background.runsAtOnce = false;
-    delegate->subsystems()->settingsModel.update([](AppSettings& s) { s.general.pauseRotations = true; });
-    EXPECT_EQ(delegate->applicationShouldTerminate(QuitSource::system), TerminateReply::terminateLater);
-    machine.loop.settle();
-    EXPECT_EQ(delegate->applicationShouldTerminate(QuitSource::system), TerminateReply::terminateLater);
-    EXPECT_THAT(machine.process.exits, IsEmpty());
-    machine.background.releaseAll();
-    machine.loop.settle();
-    EXPECT_THAT(machine.process.exits, ElementsAre(0));
-    EXPECT_EQ(machine.flushes, 1);
-    EXPECT_TRUE(decodeSettings(readFile(machine.settingsFile(), 1 << 20)).general.pauseRotations);
-}
-
-TEST_F(AppDelegateTest, withTheSettingsWindowOpenOnlyAnExplicitWishOrTheSystemEndsTheProgram) {
-    launch();
-    machine.settingsWindow.visible = true;
-    EXPECT_EQ(delegate->applicationShouldTerminate(QuitSource::other), TerminateReply::terminateCancel);
-    EXPECT_FALSE(machine.settingsWindow.visible);
-    EXPECT_THAT(log.lines, Contains("information [lifecycle] External quit request closed Settings without "
-                                    "terminating the program."));
-    machine.runningInstances.onActivate();
-    machine.loop.settle();
-    EXPECT_EQ(answer({"settings", "about"}).status, 0);
-    EXPECT_THAT(machine.settingsWindow.opened, ElementsAre("", "about"));
-    EXPECT_TRUE(machine.settingsWindow.content);
-    delegate->quitController().requestQuit();
-    machine.loop.settle();
-    EXPECT_THAT(machine.process.exits, ElementsAre(0));
-}
-
-TEST_F(AppDelegateTest, settingsThatCannotBeSavedAtQuitLetTheUserStay) {
-    plugInTwo();
-    putSettings(twoColors());
-    launch();
-    const int painted = machine.desktop.setCount;
-    fs::remove_all(machine.settingsFile().parent_path());
-    std::ofstream(machine.settingsFile().parent_path()) << "a file in the way";
-    delegate->subsystems()->settingsModel.update([](AppSettings& s) { s.general.pauseRotations = true; });
-    quitBySystem();
-    ASSERT_EQ(machine.alerts.shown.size(), 1u);
-    EXPECT_EQ(machine.alerts.shown[0].title, "Quillmar Couldn’t Save Settings");
-    EXPECT_THAT(machine.alerts.shown[0].text, HasSubstr("settings.json: Not a directory"));
-    EXPECT_THAT(machine.alerts.shown[0].buttons, ElementsAre("Cancel", "Quit Without Saving"));
-    EXPECT_EQ(machine.alerts.shown[0].closingButton, 0u);
-
-    machine.alerts.answerNextWith(0);
-    machine.loop.settle();
-    EXPECT_THAT(machine.process.exits, IsEmpty());
-    EXPECT_THAT(log.lines, Contains("information [lifecycle] Application termination was cancelled."));
-    EXPECT_EQ(machine.desktop.setCount, painted) << "not painted anew";
-    EXPECT_TRUE(delegate->subsystems()->wallpaperRotation.isMonitoring());
-    machine.desktop.forgets(1);
-    machine.screens.unplug(2);
-    machine.screens.onChange();
-    fs::remove(machine.settingsFile().parent_path());
-    machine.loop.advance(1s);
-    EXPECT_GT(machine.desktop.setCount, painted) << "displays are watched again";
-    const fs::path old = putOldFile("Images/remote-old.jpg");
-    machine.loop.advance(30min);
-    EXPECT_FALSE(fs::exists(old)) << "the cache is swept again";
-
-    fs::remove_all(machine.settingsFile().parent_path());
-    std::ofstream(machine.settingsFile().parent_path()) << "a file in the way";
-    delegate->subsystems()->settingsModel.update([](AppSettings& s) { s.general.pauseRotations = false; });
-    quitBySystem();
-    machine.alerts.answerNextWith(1);
-    machine.loop.settle();
-    EXPECT_THAT(machine.process.exits, ElementsAre(0));
 }
 
 TEST_F(AppDelegateTest, wallpapersChangeByThemselvesFromTheStartToTheEndButNotUnderARestore) {

@@ -100,7 +100,8 @@ class SettingsWindowTest(DesktopTest):
         for _ in range(3):
             run(PROGRAM, "settings", env=self.environment, check=True)
             self.close(program, "Quillmar Settings")
-        self.assertLess(self.memory(program), before + MOST_GROWTH)
+        if "ASAN_OPTIONS" not in os.environ:  # which keeps what is freed
+            self.assertLess(self.memory(program), before + MOST_GROWTH)
         run(PROGRAM, "settings", env=self.environment, check=True)
         self.press("toggle button", "Pause", program)
         self.wait_for_setting("pauseRotations", True, program)

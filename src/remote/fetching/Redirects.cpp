@@ -28,6 +28,11 @@ void throwIfForbidden(const HTTPRequest& request) {
 
 }  // namespace
 
+const std::string* redirection(const HTTPResponse& response) {
+    const auto location = response.headers.find("location");
+    return isRedirect(response.status) && location != response.headers.end() ? &location->second : nullptr;
+}
+
 bool isSameHost(const Url& left, const Url& right) {
     return left.scheme() == right.scheme() && lowercased(left.host()) == lowercased(right.host()) &&
            left.port() == right.port();
@@ -39,10 +44,10 @@ Task<HTTPResponse> openFollowingRedirects(HTTPSession& session, HTTPRequest requ
     for (int hop = 0;; ++hop) {
         throwIfForbidden(request);
         HTTPResponse response = co_await session.open(request);
-        const auto location = response.headers.find("location");
-        if (!isRedirect(response.status) || location == response.headers.end()) co_return response;
+        const std::string* location = redirection(response);
+        if (!location) co_return response;
         if (hop == maximumHops) throw Error(Error::Case::endlessRedirects, service.name);
-        const auto next = resolvedReference(request.url, location->second);
+        const auto next = resolvedReference(request.url, *location);
         if (!next) throw Error(Error::Case::redirectToNowhere, service.name);
         if (!isSameHost(request.url, *next)) {
             std::erase_if(request.headers,

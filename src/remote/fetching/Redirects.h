@@ -9,6 +9,9 @@ namespace quillmar {
 /// says of the user stays with the host that it was meant for. Throws as `HTTPSession::open`.
 Task<HTTPResponse> openFollowingRedirects(HTTPSession& session, HTTPRequest request, RemoteService service);
 
+/// Where the answer sends on to, as the server wrote it; null for one that is final.
+const std::string* redirection(const HTTPResponse& response);
+
 /// Whether scheme, host and port are the same.
 bool isSameHost(const Url& left, const Url& right);
 

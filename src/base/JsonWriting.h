@@ -1,0 +1,162 @@
+#pragma once
+// Writes records and what they are made of.
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "base/Bytes.h"
+#include "base/Enum.h"
+#include "base/JsonOutput.h"
+#include "base/JsonShapes.h"
+#include "base/Uuid.h"
+#include "base/WallTime.h"
+
+namespace quillmar::json {
+
+void write(Output& output, bool value, const Place&);
+void write(Output& output, int value, const Place&);
+void write(Output& output, std::int64_t value, const Place&);
+void write(Output& output, std::uint32_t value, const Place&);
+void write(Output& output, std::uint64_t value, const Place&);
+/// Fails for what is not finite: JSON has no such number.
+void write(Output& output, double value, const Place& place);
+/// Fails for what is not UTF-8.
+void write(Output& output, std::string_view value, const Place& place);
+void write(Output& output, const std::string& value, const Place& place);
+void write(Output& output, const Uuid& value, const Place&);
+void write(Output& output, const Url& value, const Place&);
+void write(Output& output, const Bytes& value, const Place&);
+void write(Output& output, const WallTime& value, const Place&);
+
+template <NamedEnum E>
+void write(Output& output, E value, const Place&);
+template <class T>
+void write(Output& output, const std::vector<T>& value, const Place& place);
+template <NamedEnum E>
+void write(Output& output, const std::set<E>& value, const Place& place);
+template <NamedEnum K, class V>
+void write(Output& output, const std::map<K, V>& value, const Place& place);
+template <class V>
+void write(Output& output, const std::map<std::string, V>& value, const Place& place);
+template <class T>
+void write(Output& output, const std::optional<T>& value, const Place& place);
+template <TaggedUnion T>
+void write(Output& output, const T& value, const Place& place);
+template <Record T>
+void write(Output& output, const T& value, const Place& place);
+
+/// Collects the keys that a record's `describe` names, to be written in their order; an absent optional
+/// leaves no key behind. The fields outlive the writer.
+class Writer {
+public:
+    explicit Writer(Output& output) : output_(output), first_(output.pendingFields().size()) {}
+
+    template <class T>
+    Writer& required(std::string_view key, const T& value) {
+        output_.pendingFields().push_back(
+            {key, &value, [](Output& output, const void* field, const Place& place) {
+                 write(output, *static_cast<const T*>(field), place);
+             }});
+        return *this;
+    }
+    template <class T>
+    Writer& required(std::string_view key, const T&& value) = delete;
+    template <class T>
+    Writer& optional(std::string_view key, const std::optional<T>& value) {
+        return value ? required(key, *value) : *this;
+    }
+    /// Writes what was collected as one object.
+    void finish(const Place& place);
+
+private:
+    Output& output_;
+    std::size_t first_;
+};
+
+template <NamedEnum E>
+void write(Output& output, E value, const Place& place) {
+    write(output, enumName(value), place);
+}
+
+template <class T>
+void write(Output& output, const std::vector<T>& value, const Place& place) {
+    output.beginArray();
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        output.element();
+        write(output, value[i], place[i]);
+    }
+    output.endArray();
+}
+
+template <NamedEnum E>
+void write(Output& output, const std::set<E>& value, const Place& place) {
+    write(output, std::vector<E>(value.begin(), value.end()), place);
+}
+
+template <NamedEnum K, class V>
+void write(Output& output, const std::map<K, V>& value, const Place& place) {
+    output.beginArray();
+    std::size_t index = 0;
+    for (const auto& [key, element] : value) {
+        output.element();
+        write(output, key, place[index++]);
+        output.element();
+        write(output, element, place[index++]);
+    }
+    output.endArray();
+}
+
+template <class V>
+void write(Output& output, const std::map<std::string, V>& value, const Place& place) {
+    output.beginObject();
+    for (const auto& [key, element] : value) {
+        if (!output.anyKey(key)) place.fail("the text is not UTF-8");
+        write(output, element, place[key]);
+    }
+    output.endObject();
+}
+
+/// An optional that its record requires: the key is there in any case, an absent value is a null.
+template <class T>
+void write(Output& output, const std::optional<T>& value, const Place& place) {
+    if (value) {
+        write(output, *value, place);
+    } else {
+        output.null();
+    }
+}
+
+template <TaggedUnion T>
+void write(Output& output, const T& value, const Place& place) {
+    static constexpr auto names = T::caseNames();
+    const std::string_view name = names[value.value.index()];
+    const Place casePlace = place[name];
+    output.beginObject();
+    output.key(name);
+    output.beginObject();
+    std::visit(
+        [&]<class Payload>(const Payload& payload) {
+            if constexpr (!std::is_same_v<Payload, std::monostate>) {
+                output.key("_0");
+                write(output, payload, casePlace["_0"]);
+            }
+        },
+        value.value);
+    output.endObject();
+    output.endObject();
+}
+
+template <Record T>
+void write(Output& output, const T& value, const Place& place) {
+    Writer writer(output);
+    T::describe(value, writer);
+    writer.finish(place);
+}
+
+}  // namespace quillmar::json
