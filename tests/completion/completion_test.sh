@@ -65,8 +65,9 @@ offers() {
 # As an interactive shell has it.
 COMP_WORDBREAKS=$' \t\n"\'><=;|&(:'
 
-offers '--help --version backup displays general help quit status wallpaper watch' ''
+offers '--help --version backup displays general help quit settings status update wallpaper watch' ''
 offers 'backup' b
+offers 'about backup general' settings ''
 offers '--help --version' --
 offers '--json' displays ''
 offers '--json' status ''
