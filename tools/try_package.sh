@@ -57,6 +57,8 @@ first_session() {
     run_action resume
     [[ $(quillmar general) == *"pauseRotations: false"* ]] || fail "the action \"resume\" did not resume"
     run_action next-picture
+    run_action settings
+    until_true "the Settings window" xdotool search --onlyvisible --class quillmar
     quit
 }
 
