@@ -40,18 +40,12 @@ shown_on_both() {
     echo "== $1: shown on both displays"
 }
 
-start_by_bus() {
-    xsetroot -solid black
-    gdbus call --session --dest com.quillmar.Quillmar --object-path /com/quillmar/Quillmar \
-        --method org.freedesktop.Application.Activate '{}' >/dev/null
-}
-
 quit() {
     run_action quit
     until_true "the end after quit" is_gone
 }
 
-# On the desktop, as its user. A session tells the bus what it starts programs with.
+# On a new desktop, as its user. A session tells the bus what it starts programs with.
 first_session() {
     dbus-update-activation-environment DISPLAY XDG_RUNTIME_DIR
     gio launch "$entry"
@@ -59,19 +53,20 @@ first_session() {
     quillmar wallpaper set all colour "#$colour" >/dev/null
     shown_on_both "started by the desktop entry"
     run_action pause
-    quillmar general | grep -q '^pauseRotations.*true' || fail "the action \"pause\" did not pause"
+    [[ $(quillmar general) == *"pauseRotations: true"* ]] || fail "the action \"pause\" did not pause"
     run_action resume
-    quillmar general | grep -q '^pauseRotations.*false' || fail "the action \"resume\" did not resume"
+    [[ $(quillmar general) == *"pauseRotations: false"* ]] || fail "the action \"resume\" did not resume"
     run_action next-picture
-    quit
-    start_by_bus
-    shown_on_both "started by the bus"
+    run_action settings
+    until_true "the Settings window" xdotool search --onlyvisible --class quillmar
     quit
 }
-session_after_upgrade() {
+
+later_session() {
     dbus-update-activation-environment DISPLAY XDG_RUNTIME_DIR
-    start_by_bus
-    shown_on_both "upgraded and started by the bus"
+    gdbus call --session --dest com.quillmar.Quillmar --object-path /com/quillmar/Quillmar \
+        --method org.freedesktop.Application.Activate '{}' >/dev/null
+    shown_on_both "started by the bus"
     quit
 }
 
@@ -106,8 +101,10 @@ inside() {
     files /trial/before
     dpkg -i /trial/quillmar.deb
     on_desktop first_session
+    on_desktop later_session
     dpkg -i /trial/newer.deb
-    on_desktop session_after_upgrade
+    echo "== upgraded: $(dpkg-query -W quillmar)"
+    on_desktop later_session
     "${get[@]}" purge quillmar
     files /trial/after
     diff /trial/before /trial/after || fail "these files were left behind"
@@ -145,9 +142,9 @@ main() {
     cp "${debs[0]}" "$debian/trial/quillmar.deb"
     cp "$script" "${script%/*}/desktop.sh" "${script%/*}/dependencies.sh" "$debian/trial"
     chmod -R a+rX "$debian/trial"
-    # Whatever still runs there ends with the namespace.
+    # Whatever still runs there ends with the namespace, and that with this script.
     # shellcheck disable=SC2016  # the inner shell's own argument
-    unshare --mount --pid --fork --kill-child bash -euc '
+    setpriv --pdeathsig KILL unshare --mount --pid --fork --kill-child bash -euc '
         mount --rbind /dev "$1/dev"
         cp /etc/resolv.conf "$1/etc/resolv.conf"
         exec chroot "$1" /trial/try_package.sh inside
@@ -155,6 +152,6 @@ main() {
 }
 
 case ${1:-} in
-    inside | first_session | session_after_upgrade) "$1" ;;
+    inside | first_session | later_session) "$1" ;;
     *) main "$@" ;;
 esac
