@@ -34,6 +34,7 @@ LINUX = {
     "session": [],
     "dbus": ["glib"],
     "soup": ["glib"],
+    "xsmp": ["glib"],
     "picture": ["glib"],
     "render": ["glib", "picture"],
     "x11": ["glib"],
