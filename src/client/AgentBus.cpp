@@ -97,6 +97,10 @@ public:
     bool isEmpty() const { return text_.empty(); }
     bool hasEnded() const { return hasEnded_; }
     void end() { hasEnded_ = true; }
+    void fail(int reason) {
+        failure_ = {reason, std::generic_category()};
+        end();
+    }
     void add(std::string_view text) {
         if (text_.size() < maximumBytes)
             text_ += text;
@@ -107,8 +111,7 @@ public:
     void writeSome() {
         const ssize_t written = ::write(STDOUT_FILENO, text_.data(), std::min(text_.size(), atOnce));
         if (written < 0 && errno != EINTR && errno != EAGAIN) {
-            failure_ = {errno, std::generic_category()};
-            return end();
+            return fail(errno);
         }
         text_.erase(0, static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
         if (!text_.empty() || !std::exchange(hasMissed_, false)) return;
@@ -158,7 +161,7 @@ void waitForEither(sd_bus* bus, FollowedOutput& output) {
     pollfd descriptors[] = {{sd_bus_get_fd(bus), static_cast<short>(sd_bus_get_events(bus)), 0},
                             {STDOUT_FILENO, static_cast<short>(output.isEmpty() ? 0 : POLLOUT), 0}};
     if (::poll(descriptors, 2, -1) < 0) return;
-    if ((descriptors[1].revents & (POLLERR | POLLNVAL)) != 0) return output.end();
+    if ((descriptors[1].revents & (POLLERR | POLLNVAL)) != 0) return output.fail(EPIPE);
     if ((descriptors[1].revents & POLLOUT) != 0) output.writeSome();
 }
 
