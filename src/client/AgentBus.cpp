@@ -67,7 +67,11 @@ NoAnswer reasonOf(const CallError& error) {
 Held<sd_bus> openedBus() {
     sd_bus* opened = nullptr;
     sd_bus_open_user(&opened);
-    return Held<sd_bus>(opened);
+    Held<sd_bus> bus(opened);
+    // The call would wait for its welcome too, but not tell a bus that lets nobody in from an agent that
+    // ended.
+    const char* name = nullptr;
+    return bus && sd_bus_get_unique_name(bus.get(), &name) >= 0 ? std::move(bus) : nullptr;
 }
 
 std::variant<ControlReply, NoAnswer> asked(sd_bus* bus, const ControlCall& call) {
