@@ -61,7 +61,8 @@ def tell_calls(name, results):
     rest = statistics.median(results["call at rest"]) * 1e3
     row(f"another call meanwhile above one at rest, {name}", meanwhile - rest, 60, "ms",
         f"worst of a round {meanwhile:.0f} ms, of all {max(results['call meanwhile']) * 1e3:.0f} ms")
-    row(f"round trip of a command, {name}", rest, 8, "ms")
+    peers = (f"{peer} {statistics.median(results[peer]) * 1e3:.1f} ms" for peer in ("empty program", "bus client"))
+    row(f"round trip of a command, {name}", rest, 8, "ms", ", ".join(peers))
     tell_turns(name, results["turn"])
 
 

@@ -15,6 +15,12 @@ from running import Agent, Monitors, memory, wait_until, wake_ups
 ROUNDS = 7
 FORMATS = ("jpg", "png", "webp", "tif", "gif", "heic", "avif")
 CHANGES = 100
+# What any command costs on this machine, and one that asks the bus.
+CALL_PEERS = {
+    "empty program": ["true"],
+    "bus client": ["busctl", "--user", "call", "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                   "GetId"],
+}
 
 
 class Session:
@@ -80,6 +86,10 @@ class Session:
         for _ in range(ROUNDS):
             for _ in range(5):
                 self.add("call at rest", self.agent.timed("status"))
+                for peer, command in CALL_PEERS.items():
+                    began = time.monotonic()
+                    subprocess.run(command, check=True, env=self.agent.environment, stdout=subprocess.DEVNULL)
+                    self.add(peer, time.monotonic() - began)
             since = time.monotonic()
             process = subprocess.Popen(self.agent.set_all(self.new_photo()), env=self.agent.environment,
                                        stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)

@@ -9,6 +9,7 @@
 #include "control/DisplayList.h"
 #include "control/OfflineBackup.h"
 #include "linux/LinuxPlatform.h"
+#include "linux/glib/AutostartEntry.h"
 #include "linux/glib/GlibMainLoop.h"
 #include "linux/glib/PreferredLanguages.h"
 #include "linux/glib/SystemWallClock.h"
@@ -17,6 +18,9 @@
 #include "linux/x11/OutputMemory.h"
 #include "storage/InstalledProgram.h"
 #include "ui/GtkAlerts.h"
+#include "ui/GtkFileDialogs.h"
+#include "ui/GtkTextClipboard.h"
+#include "ui/SettingsWindowModule.h"
 
 namespace quillmar {
 namespace {
@@ -27,13 +31,17 @@ std::unique_ptr<ApplicationInstanceLock> takeInstanceLock(const BundleInfo& bund
                                          bundle.identifier().value_or("Quillmar"));
 }
 
-int runApplication(const BundleInfo& bundle, const Environment& environment) {
+int runApplication(const BundleInfo& bundle, const Environment& environment, const CommandLine& line) {
     const GtkSession session;
     GtkAlerts alerts;
-    LinuxPlatform platform(bundle, environment, alerts);
+    GtkFileDialogs files;
+    GtkTextClipboard clipboard;
+    SettingsWindowModule settingsWindow(companionProgram("quillmar-settings.so"));
+    LinuxPlatform platform(bundle, environment, {alerts, files, clipboard, settingsWindow});
     AppDelegate delegate(platform.ports(), takeInstanceLock(bundle, environment));
     delegate.applicationWillFinishLaunching();
     delegate.applicationDidFinishLaunching();
+    if (line.is("settings")) delegate.openSettings(line.operands.empty() ? "" : line.operands.front());
     return platform.run();
 }
 
@@ -77,7 +85,8 @@ ControlReply backUpSettings(CommandLine line, const BundleInfo& bundle, const En
     GlibMainLoop loop;
     const SystemWallClock clock;
     ThreadPool pool(1);
-    OfflineBackup backup(loop, clock, pool, bundle, environment);
+    AutostartEntry session(pool, environment, calledProgram());
+    OfflineBackup backup(loop, clock, pool, bundle, environment, session);
     return runToEnd(loop, backup.run(std::move(line), std::filesystem::current_path()));
 }
 
@@ -85,7 +94,8 @@ ControlReply backUpSettings(CommandLine line, const BundleInfo& bundle, const En
 int carryOut(CommandLine line, GeneralLanguage language) {
     const Environment environment = processEnvironment();
     const BundleInfo bundle = loadBundleInfo(environment);
-    if (line.wish == CommandLine::Wish::start) return runApplication(bundle, environment);
+    if (line.wish == CommandLine::Wish::start || line.is("settings"))
+        return runApplication(bundle, environment, line);
     if (line.is("displays")) return printReply(listDisplays(line, bundle, environment, language), language);
     if (line.command && line.command->words.starts_with("backup "))
         return printReply(backUpSettings(std::move(line), bundle, environment, language), language);

@@ -7,7 +7,7 @@
 declare -A packages=(
     [build]="
         clang-19 lld-19 cmake ninja-build ccache pkg-config python3
-        libfmt-dev nlohmann-json3-dev libglib2.0-dev libgtk-3-dev libsoup-3.0-dev ca-certificates
+        libfmt-dev nlohmann-json3-dev libglib2.0-dev libgtk-3-dev libhandy-1-dev libgtk-3-bin libsoup-3.0-dev libsodium-dev ca-certificates
         libx11-dev libx11-xcb-dev libxcb1-dev libxcb-randr0-dev libxcb-shm0-dev libxau-dev libsm-dev
         libsystemd-dev libpng-dev libisal-dev zlib1g-dev libjpeg62-turbo-dev liblcms2-dev libpango1.0-dev libvips-dev libseccomp-dev
     "
@@ -17,10 +17,12 @@ declare -A packages=(
     "
     [tests]="
         libgtest-dev libgmock-dev llvm-19 libclang-rt-19-dev libxres-dev libxrandr-dev binutils
-        hsetroot notification-daemon iproute2
-        xfdesktop4 xfconf gsettings-desktop-schemas cinnamon-desktop-data mate-desktop-common duktape-dev
+        hsetroot notification-daemon iproute2 at-spi2-core gir1.2-atspi-2.0 python3-gi openssl
+        xfdesktop4 xfconf gsettings-desktop-schemas cinnamon-desktop-data mate-desktop-common duktape-dev fish zsh
     "
     [lint]="git clang-format-19 clang-tidy-19 shellcheck"
+    [package]="git dpkg-dev debhelper lintian desktop-file-utils appstream"
+    [trial]="debootstrap"
     [bench]="feh xwallpaper libvips-tools curl"
 )
 

@@ -53,6 +53,7 @@ check scripts shellcheck "${scripts[@]}"
 check floors with_self_test tools/check_floors.py
 check texts with_self_test tools/check_strings.py
 check kinds with_self_test tools/check_kinds.py
+check package with_self_test tools/check_package.py
 check sizes tools/check_sizes.py "${sources[@]}"
 check functions small_functions
 check tidy tools/check_tidy.sh build

@@ -16,21 +16,25 @@ Task<void> ask(AlertPresenting* alerts, Alert alert, std::optional<std::size_t>*
 /// the displays any more before what changes by itself stops.
 AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems)
     : edits(ports, subsystems),
+      updates(subsystems.softwareUpdates),
       remembered(subsystems.pictureMemory),
       lastShown(subsystems.lastShownKeeper),
       lastPictures(subsystems),
-      cache(ports.loop, ports.clock, subsystems),
+      cache(ports, subsystems),
+      launch(ports, subsystems),
       rotation(subsystems.wallpaperRotation, subsystems.restoreFollowing),
       wallpapers(ports, subsystems, lastPictures),
       network(ports, subsystems),
       lives({
           {.life = &edits, .stopPlace = 6, .resumePlace = 6},
+          {.life = &updates, .stopPlace = 8, .resumePlace = 8},
           // What must not come again is known before anything is shown.
           {.life = &remembered, .stopPlace = 6, .resumePlace = 6},
           {.life = &lastShown, .stopPlace = 5, .resumePlace = 5},
           // The sweep spares what is shown, so that comes before it.
           {.life = &lastPictures, .stopPlace = 0, .resumePlace = 0},
           {.life = &cache, .stopPlace = 1, .resumePlace = 1},
+          {.life = &launch, .stopPlace = 7, .resumePlace = 7},
           {.life = &rotation, .stopPlace = 4, .resumePlace = 3},
           {.life = &wallpapers, .stopPlace = 2, .resumePlace = 2},
           {.life = &network, .stopPlace = 3, .resumePlace = 4},
@@ -70,13 +74,23 @@ void AppDelegate::applicationDidFinishLaunching() {
         running_->wallpapers.screenParametersDidChange();
         control_->displaysDidChange();
     });
-    control_.emplace(controlServices(
-        ports_, *subsystems_, [this] { quitController_.requestQuit(); }, [this] { return isRecovering_; }));
+    const ApplicationWishes wishes{
+        .quit = [this] { quitController_.requestQuit(); },
+        .isRecovering = [this] { return isRecovering_; },
+        .openSettings = [this](const std::string& section) { bringSettingsToFront(section); }};
+    control_.emplace(controlServices(ports_, *subsystems_, wishes));
+    settingsWindow_.emplace(settingsWindowServices(ports_, *subsystems_, wishes));
+    ports_.settingsWindow.setContent(&*settingsWindow_);
     ports_.control.serve([this](ControlCall call) { return control_->handle(std::move(call)); });
-    ports_.runningInstances.publish(
-        [] { logInfo("Another start asked this instance to come to the front.", "lifecycle"); });
+    ports_.runningInstances.publish([this] {
+        logInfo("Another start asked this instance to come to the front.", "lifecycle");
+        openSettings({});
+    });
     // The loop's time stands still while the machine sleeps; what fell due meanwhile is due now.
-    ports_.systemEvents.setWakeHandler([this] { subsystems_->wallpaperRotation.reschedule(); });
+    ports_.systemEvents.setWakeHandler([this] {
+        subsystems_->wallpaperRotation.reschedule();
+        subsystems_->softwareUpdates.reschedule();
+    });
     startupTask_.start(startUp());
 }
 
@@ -125,24 +139,45 @@ Task<void> AppDelegate::showSettingsRecoveryAlert() {
             if (subsystems_->settingsModel.canPersist()) question.cancel();
         });
     co_await question.ended();
-    if (answer == openButton && ports_.settingsWindow) ports_.settingsWindow->open("backup");
+    if (answer == openButton) openSettings("backup");
+}
+
+void AppDelegate::bringSettingsToFront(const std::string& section) {
+    ports_.settingsWindow.open(section);
+    ports_.usageReporting.sendMessage("settings_opened");
+}
+
+void AppDelegate::openSettings(std::string section) {
+    if (isPrimary()) tasks_.spawn(showSettings(std::move(section)));
+}
+
+Task<void> AppDelegate::showSettings(std::string section) {
+    AppSettingsModel& model = subsystems_->settingsModel;
+    co_await model.loaded();
+    std::optional<std::string> failure;
+    const GeneralLanguage language = model.settings().general.language;
+    try {
+        bringSettingsToFront(section);
+    } catch (const AppLocalizableError& error) {
+        failure = error.message(language);
+    }
+    if (!failure) co_return;
+    Alert alert{.title = localized("The Settings window cannot be shown"_key, language), .text = *failure};
+    alert.buttons = {localized("OK"_key, language)};
+    co_await ports_.alerts.runModal(std::move(alert));
 }
 
 void AppDelegate::terminate(QuitSource source) {
     if (applicationShouldTerminate(source) == TerminateReply::terminateNow) ports_.process.exit(0);
 }
 
-bool AppDelegate::isSettingsWindowVisible() const {
-    return ports_.settingsWindow && ports_.settingsWindow->isVisible();
-}
-
 TerminateReply AppDelegate::applicationShouldTerminate(QuitSource source) {
     if (!isPrimary()) return TerminateReply::terminateNow;
     if (isPreparingToTerminate_) return TerminateReply::terminateLater;
     const bool isExplicit = quitController_.takePendingExplicitQuitRequest();
-    if (isSettingsWindowVisible() && !isExplicit && source != QuitSource::system) {
+    if (ports_.settingsWindow.isVisible() && !isExplicit && source != QuitSource::system) {
         logInfo("External quit request closed Settings without terminating the program.", "lifecycle");
-        ports_.settingsWindow->performClose();
+        ports_.settingsWindow.performClose();
         return TerminateReply::terminateCancel;
     }
     isPreparingToTerminate_ = true;

@@ -6,12 +6,15 @@
 #include "app/ApplicationStartupTask.h"
 #include "app/CacheUpkeep.h"
 #include "app/ConfiguredWallpapers.h"
+#include "app/LaunchSteps.h"
 #include "app/Lives.h"
 #include "app/Ports.h"
 #include "app/Rotation.h"
 #include "app/SettingsEdits.h"
+#include "app/SoftwareUpdates.h"
 #include "app/Subsystems.h"
 #include "control/ControlService.h"
+#include "panes/SettingsWindowModel.h"
 #include "storage/ApplicationInstanceLock.h"
 
 namespace quillmar {
@@ -26,6 +29,9 @@ enum class TerminateReply { terminateNow, terminateCancel, terminateLater };
 class AppDelegate {
 public:
     AppDelegate(const Ports& ports, std::unique_ptr<ApplicationInstanceLock> instanceLock);
+    AppDelegate(const AppDelegate&) = delete;
+    AppDelegate& operator=(const AppDelegate&) = delete;
+    ~AppDelegate() { ports_.settingsWindow.setContent(nullptr); }
 
     /// Whether this is the instance that does the work. A second one only brings the first to the front.
     bool isPrimary() const { return instanceLock_ != nullptr; }
@@ -33,6 +39,9 @@ public:
     /// The two steps of launching, in order, once the loop is about to run.
     void applicationWillFinishLaunching();
     void applicationDidFinishLaunching();
+    /// Brings the Settings window to the front once the settings are loaded, at a section if one is named.
+    /// Where it cannot be shown, the user is told.
+    void openSettings(std::string section);
     /// Asks the application to end; it does so in its own time, or not at all.
     void terminate(QuitSource source);
     /// The decision on a wish to end. `terminateLater`: the shut-down runs and ends the process, unless the
@@ -48,10 +57,12 @@ private:
     struct Running {
         Running(const Ports& ports, Subsystems& subsystems);
         SettingsEdits edits;
+        SoftwareUpdates updates;
         RememberedPictures remembered;
         LastShown lastShown;
         LastServicePictures lastPictures;
         CacheUpkeep cache;
+        LaunchSteps launch;
         Rotation rotation;
         ConfiguredWallpapers wallpapers;
         NetworkRecovery network;
@@ -59,10 +70,12 @@ private:
     };
     Task<void> forwardActivation();
     Task<void> startUp();
+    Task<void> showSettings(std::string section);
+    /// Throws where there is no window to be had.
+    void bringSettingsToFront(const std::string& section);
     Task<void> showSettingsRecoveryAlert();
     Task<void> shutDown();
     Task<bool> keepsRunningAfterFailedSave();
-    bool isSettingsWindowVisible() const;
 
     Ports ports_;
     std::unique_ptr<ApplicationInstanceLock> instanceLock_;
@@ -71,6 +84,7 @@ private:
     bool isRecovering_ = false;  ///< the start is limited: the settings could not be read
     std::unique_ptr<Subsystems> subsystems_;
     std::optional<ControlService> control_;
+    std::optional<SettingsWindowModel> settingsWindow_;
     std::optional<Running> running_;
     ApplicationStartupTask startupTask_;
     TaskScope tasks_;

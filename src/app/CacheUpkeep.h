@@ -5,12 +5,12 @@
 
 namespace quillmar {
 
-/// Keeps the cache in bounds: a full sweep at the start, then one every half hour. Nothing that the settings
-/// name or a display shows is touched.
+/// Keeps the cache in bounds: a full sweep at the start, then one every half hour, and one in between
+/// whenever what was written has used up the room. Nothing that the settings name or a display shows is
+/// touched.
 class CacheUpkeep final : public Life {
 public:
-    CacheUpkeep(MainLoop& loop, const WallClock& clock, Subsystems& subsystems)
-        : clock_(clock), subsystems_(subsystems), scheduler_(loop, [this] { return sweepPeriodically(); }) {}
+    CacheUpkeep(const Ports& ports, Subsystems& subsystems);
 
     bool runsInRecovery() const override { return true; }
     Task<void> start() override;
@@ -19,11 +19,14 @@ public:
 
 private:
     Task<void> sweepPeriodically();
+    Task<void> makeRoom(std::filesystem::path written);
+    Task<void> removeLeftovers() const;
     Task<FilePaths> shownFiles();
     std::optional<FilePaths> filesOfSettings() const;
 
-    const WallClock& clock_;
+    const Ports& ports_;
     Subsystems& subsystems_;
+    WallTime beginning_;  ///< of the process, or a moment before
     CacheMaintenanceScheduler scheduler_;
 };
 

@@ -50,6 +50,9 @@ ConfiguredWallpapers::ConfiguredWallpapers(const Ports& ports, Subsystems& subsy
       tasks_(ports.loop) {}
 
 Task<void> ConfiguredWallpapers::start() {
+    co_await subsystems_.desktopPictures.shown();
+    if (const auto obstacle = subsystems_.desktopPictures.obstacle())
+        logError("No display can be given a picture in this session.", "wallpaper", obstacle);
     const WallpaperApplyBatchResult batch =
         co_await subsystems_.wallpaperCoordinator.enqueue(std::nullopt, WallpaperApplyReason::userInitiated);
     co_await throwIfCancelled();
@@ -79,12 +82,22 @@ void ConfiguredWallpapers::screenParametersDidChange() {
     if (!isFollowing_) return;
     coordinator_.screenParametersDidChange();
     // A monitor that went and came back at once is no other arrangement, but its picture may be lost.
-    settling_.set(displaySettleDelay,
-                  [this] { tasks_.spawn(subsystems_.desktopPictures.repaintForgotten()); });
+    settling_.set(displaySettleDelay, [this] { tasks_.spawn(repair()); });
+}
+
+Task<void> ConfiguredWallpapers::repair() {
+    co_await subsystems_.desktopPictures.repaintForgotten();
+    // All that is about to be put in line is up to date then.
+    (co_await recalling_.acquire()).release();
+    DisplayIDs rest = subsystems_.wallpaperCoordinator.outOfDate();
+    if (rest.empty()) co_return;
+    co_await subsystems_.wallpaperCoordinator.enqueue(std::move(rest), WallpaperApplyReason::userInitiated);
 }
 
 Task<TopologyApplyResult> ConfiguredWallpapers::applyAll() {
+    auto hold = co_await recalling_.acquire();
     co_await lastPictures_.recall();
+    hold.release();
     const WallpaperApplyBatchResult batch =
         co_await subsystems_.wallpaperCoordinator.enqueue(std::nullopt, WallpaperApplyReason::userInitiated);
     co_return TopologyApplyResult{.hasFailure = batch.hasFailure(),

@@ -1,6 +1,7 @@
 #pragma once
 #include "app/Lives.h"
 #include "app/Subsystems.h"
+#include "async/TaskLock.h"
 #include "async/Timer.h"
 #include "display/DisplayConfigurationChangeCoordinator.h"
 
@@ -60,6 +61,7 @@ public:
 
 private:
     Task<TopologyApplyResult> applyAll();
+    Task<void> repair();
     void follow();
 
     Subsystems& subsystems_;
@@ -67,6 +69,7 @@ private:
     bool isFollowing_ = false;
     DisplayConfigurationChangeCoordinator coordinator_;
     OneShotTimer settling_;
+    TaskLock recalling_;
     TaskScope tasks_;
 };
 

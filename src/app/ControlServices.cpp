@@ -11,7 +11,7 @@ Task<bool> mayNotify(RemoteErrorNotificationService* notifications) {
 }  // namespace
 
 ControlService::Services controlServices(const Ports& ports, Subsystems& subsystems,
-                                         std::function<void()> quit, std::function<bool()> isRecovering) {
+                                         ApplicationWishes wishes) {
     const std::string version = ports.bundle.semanticVersion("unknown");
     const auto sendAnalytics = [&usage = ports.usageReporting](const std::string& message) {
         usage.sendMessage(message);
@@ -34,6 +34,8 @@ ControlService::Services controlServices(const Ports& ports, Subsystems& subsyst
                           .displays = subsystems.displays,
                           .desktop = subsystems.desktopPictures,
                           .pictures = subsystems.pictureMemory,
+                          .loginItem = subsystems.loginItem,
+                          .updates = subsystems.softwareUpdates,
                           .files = ports.backgroundPool},
             .picture = {.settingsModel = subsystems.settingsModel,
                         .coordinator = subsystems.wallpaperCoordinator,
@@ -43,11 +45,35 @@ ControlService::Services controlServices(const Ports& ports, Subsystems& subsyst
                         .files = ports.backgroundPool,
                         .environment = ports.environment},
             .general = {.settingsModel = subsystems.settingsModel,
+                        .loginItem = subsystems.loginItem,
                         .version = version,
                         .mayNotify =
                             [service = &subsystems.remoteErrorNotifications] { return mayNotify(service); }},
-            .quit = std::move(quit),
-            .isRecovering = std::move(isRecovering)};
+            .update = {.settingsModel = subsystems.settingsModel,
+                       .updates = subsystems.softwareUpdates,
+                       .version = version},
+            .quit = std::move(wishes.quit),
+            .openSettings = std::move(wishes.openSettings),
+            .isRecovering = std::move(wishes.isRecovering)};
+}
+
+SettingsWindowModel::Services settingsWindowServices(const Ports& ports, Subsystems& subsystems,
+                                                     ApplicationWishes wishes) {
+    ControlService::Services shared = controlServices(ports, subsystems, std::move(wishes));
+    return {.loop = ports.loop,
+            .notifications = subsystems.notifications,
+            .alerts = ports.alerts,
+            .files = ports.files,
+            .general = std::move(shared.general),
+            .backup = std::move(shared.backup),
+            .about = {.bundle = ports.bundle,
+                      .environment = ports.environment,
+                      .displays = subsystems.displays,
+                      .settingsModel = subsystems.settingsModel,
+                      .addresses = ports.addresses,
+                      .clipboard = ports.clipboard},
+            .quit = std::move(shared.quit),
+            .isRecovering = std::move(shared.isRecovering)};
 }
 
 }  // namespace quillmar

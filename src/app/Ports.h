@@ -9,10 +9,13 @@
 #include "platform/AddressOpening.h"
 #include "platform/AlertPresenting.h"
 #include "platform/ApplicationControl.h"
+#include "platform/Clipboard.h"
 #include "platform/ControlChannel.h"
 #include "platform/DesktopPicture.h"
+#include "platform/FileChoosing.h"
 #include "platform/FileWatching.h"
 #include "platform/HTTPSession.h"
+#include "platform/LoginItemRegistering.h"
 #include "platform/PictureRendering.h"
 #include "platform/RemoteNotificationCenter.h"
 #include "platform/RunningInstances.h"
@@ -47,8 +50,11 @@ struct Ports {
     RemoteNotificationCenter& notificationCenter;
     HTTPSession& webSession;  ///< for picture services
     AddressOpening& addresses;
-    SettingsWindowing* settingsWindow = nullptr;  ///< absent where the program has none to show
-    std::function<Task<void>()> flushLog;         ///< waits until every log line is in its file
+    LoginItemRegistering& loginItem;
+    FileChoosing& files;
+    ClipboardWriting& clipboard;
+    SettingsWindowing& settingsWindow;
+    std::function<Task<void>()> flushLog;  ///< waits until every log line is in its file
 };
 
 }  // namespace quillmar

@@ -12,7 +12,10 @@ void RestoreFollowing::settingsReplacementDidEnd() {
     if (wasRotating_) rotation_.start();
 }
 
-Task<std::optional<std::string>> RestoreFollowing::updateLoginItem(bool) { co_return std::nullopt; }
+Task<std::optional<std::string>> RestoreFollowing::updateLoginItem(bool launchAtLogin) {
+    if (co_await loginItem_.setEnabled(launchAtLogin)) co_return std::nullopt;
+    co_return loginItem_.errorMessage().value_or("");
+}
 
 Task<std::vector<std::string>> RestoreFollowing::applyWallpapers() {
     const WallpaperApplyBatchResult batch =

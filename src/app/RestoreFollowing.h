@@ -1,4 +1,5 @@
 #pragma once
+#include "loginitem/LoginItemService.h"
 #include "settings/backup/BackupSettingsModel.h"
 #include "wallpaper/WallpaperRotationCoordinator.h"
 
@@ -8,8 +9,9 @@ namespace quillmar {
 /// begin anew after it.
 class RestoreFollowing final : public SettingsRestoreFollowing {
 public:
-    RestoreFollowing(WallpaperCoordinator& wallpapers, WallpaperRotationCoordinator& rotation)
-        : wallpapers_(wallpapers), rotation_(rotation) {}
+    RestoreFollowing(WallpaperCoordinator& wallpapers, WallpaperRotationCoordinator& rotation,
+                     LoginItemService& loginItem)
+        : wallpapers_(wallpapers), rotation_(rotation), loginItem_(loginItem) {}
     void settingsWillBeReplaced() override;
     void settingsReplacementDidEnd() override;
     /// The program is about to end: a restore that ends later begins nothing any more.
@@ -21,6 +23,7 @@ public:
 private:
     WallpaperCoordinator& wallpapers_;
     WallpaperRotationCoordinator& rotation_;
+    LoginItemService& loginItem_;
     bool wasRotating_ = false;
 };
 

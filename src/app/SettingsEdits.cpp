@@ -83,8 +83,12 @@ Task<void> SettingsEdits::show(SettingsTakeover takeover) {
     // A start that was limited by unreadable settings stays so until the next one.
     if (!subsystems_.wallpaperRotation.isMonitoring()) co_return;
     const AppSettings& present = subsystems_.settingsModel.settings();
-    if (present.general.launchAtLogin != takeover.former.general.launchAtLogin)
-        co_await subsystems_.restoreFollowing.updateLoginItem(present.general.launchAtLogin);
+    if (present.general.launchAtLogin != takeover.former.general.launchAtLogin) {
+        if (const auto failure =
+                co_await subsystems_.restoreFollowing.updateLoginItem(present.general.launchAtLogin))
+            logWarning("The login item of the edited settings could not be updated.", "login-item", nullptr,
+                       {{"error", *failure}});
+    }
     if (present.lockScreen != takeover.former.lockScreen)
         subsystems_.restoreFollowing.lockScreenSettingsDidChange();
     DisplayIDs changed;

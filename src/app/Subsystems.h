@@ -9,10 +9,12 @@
 #include "desktop/LastShownKeeper.h"
 #include "display/DisplayService.h"
 #include "history/PictureMemory.h"
+#include "loginitem/LoginItemService.h"
 #include "remote/RemoteImageResolver.h"
 #include "remote/fetching/RemoteImageFetcher.h"
 #include "settings/AppSettingsModel.h"
 #include "storage/CacheMaintenanceService.h"
+#include "updates/SoftwareUpdateController.h"
 #include "wallpaper/StaticPictures.h"
 #include "wallpaper/WallpaperCoordinator.h"
 #include "wallpaper/WallpaperRotationCoordinator.h"
@@ -34,6 +36,9 @@ public:
     SerialExecutor settingsExecutor;
     std::unique_ptr<SettingsStoring> settingsStore;
     AppSettingsModel settingsModel;
+    LoginItemService loginItem;
+    SerialExecutor updateFiles;
+    SoftwareUpdateController softwareUpdates;
     DisplayService displays;
     SerialExecutor historyFiles;
     PictureMemory pictureMemory;
@@ -55,7 +60,7 @@ public:
     WallpaperRotationCoordinator wallpaperRotation;
     SerialExecutor backupExecutor;
     SettingsBackupService backupService{backupExecutor};
-    RestoreFollowing restoreFollowing{wallpaperCoordinator, wallpaperRotation};
+    RestoreFollowing restoreFollowing{wallpaperCoordinator, wallpaperRotation, loginItem};
 };
 
 }  // namespace quillmar

@@ -52,9 +52,15 @@ int createTemporary(std::string& pattern) {
     }
 }
 
-bool isOwnRegularFile(const std::filesystem::path& file) {
+/// Whether it is a regular file of this user's that was last written before that moment.
+bool isOwnFile(const std::filesystem::path& file, WallTime before = WallTime::max()) {
     struct stat status{};
-    return ::lstat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid();
+    if (::lstat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != ::geteuid())
+        return false;
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(before);
+    const std::int64_t rest = std::chrono::nanoseconds(before - seconds).count();
+    return std::pair<std::int64_t, std::int64_t>(status.st_mtim.tv_sec, status.st_mtim.tv_nsec) <
+           std::pair<std::int64_t, std::int64_t>(seconds.time_since_epoch().count(), rest);
 }
 
 }  // namespace
@@ -136,7 +142,20 @@ void removeUnfinished(const std::filesystem::path& file) {
     for (const auto& entry : std::filesystem::directory_iterator(folderOf(file), ignored)) {
         const std::string name = entry.path().filename().string();
         if (!name.starts_with(prefix) || !isRandomEnd(std::string_view(name).substr(prefix.size()))) continue;
-        if (isOwnRegularFile(entry.path())) ::unlink(entry.path().c_str());
+        if (isOwnFile(entry.path())) ::unlink(entry.path().c_str());
+    }
+}
+
+void removeUnfinishedIn(const std::filesystem::path& folder, WallTime before,
+                        const std::function<bool(std::string_view)>& isOurs) {
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, ignored)) {
+        const std::string name = entry.path().filename().string();
+        const std::size_t end = name.rfind('.');
+        if (!name.starts_with('.') || end < 2 || !isRandomEnd(std::string_view(name).substr(end + 1)))
+            continue;
+        if (isOurs(std::string_view(name).substr(1, end - 1)) && isOwnFile(entry.path(), before))
+            ::unlink(entry.path().c_str());
     }
 }
 

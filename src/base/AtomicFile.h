@@ -1,12 +1,14 @@
 #pragma once
 #include <sys/types.h>
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "base/ByteOutput.h"
 #include "base/FileDescriptor.h"
 #include "base/FileIdentity.h"
 #include "base/Files.h"
+#include "base/WallTime.h"
 
 namespace quillmar {
 
@@ -38,5 +40,10 @@ private:
 
 /// Removes what such files left beside `file` when their process was killed. Only while nobody writes there.
 void removeUnfinished(const std::filesystem::path& file);
+/// Removes what such files left in the folder when their process was killed, where `isOurs` says yes to the
+/// name that they were to have: those that were last written before `before`, so never one that is written
+/// now.
+void removeUnfinishedIn(const std::filesystem::path& folder, WallTime before,
+                        const std::function<bool(std::string_view)>& isOurs);
 
 }  // namespace quillmar

@@ -7,14 +7,33 @@
 #include "base/JsonRecord.h"
 
 namespace quillmar {
+namespace {
+
+/// A key's value; truth values are told by their words.
+struct KeyText {
+    std::string text;
+};
+
+void read(const nlohmann::json& json, KeyText& value, const json::Place& place) {
+    try {
+        bool truth = false;
+        json::read(json, truth, place);
+        value.text = truth ? "true" : "false";
+    } catch (const JsonRecordError&) {
+        json::read(json, value.text, place);
+    }
+}
+
+}  // namespace
 
 BundleInfo BundleInfo::load(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
     if (!stream) throw std::runtime_error(file.string() + ": the file could not be read");
     try {
-        const auto keys = json::decode<std::map<std::string, std::string>>(text);
-        return BundleInfo({keys.begin(), keys.end()});
+        std::map<std::string, std::string, std::less<>> keys;
+        for (auto& [key, value] : json::decode<std::map<std::string, KeyText>>(text)) keys[key] = value.text;
+        return BundleInfo(std::move(keys));
     } catch (const JsonRecordError& error) {
         throw std::runtime_error(file.string() + ": " + error.what());
     }

@@ -12,7 +12,8 @@ class BundleInfo {
 public:
     BundleInfo() = default;
     explicit BundleInfo(std::map<std::string, std::string, std::less<>> keys) : keys_(std::move(keys)) {}
-    /// Reads a JSON object of texts. Throws `std::runtime_error` with the file's path and the reason.
+    /// Reads a JSON object of texts and truth values. Throws `std::runtime_error` with the file's path and
+    /// the reason.
     static BundleInfo load(const std::filesystem::path& file);
 
     /// The key's value; nothing when it is absent or empty.

@@ -12,6 +12,8 @@
 #include <system_error>
 #include <utility>
 
+#include "commandline/FollowedText.h"
+
 namespace quillmar {
 namespace {
 
@@ -96,33 +98,24 @@ std::variant<ControlReply, NoAnswer> asked(sd_bus* bus, const ControlCall& call)
 /// What waits for the reader of the standard output.
 class FollowedOutput {
 public:
-    explicit FollowedOutput(const Following& following) : following_(following) {}
+    explicit FollowedOutput(const Following& following) : following_(following), text_(missed(following)) {}
 
-    bool isEmpty() const { return text_.empty(); }
+    bool isEmpty() const { return text_.waiting().empty(); }
     bool hasEnded() const { return hasEnded_; }
     void end() { hasEnded_ = true; }
     void fail(int reason) {
         failure_ = {reason, std::generic_category()};
         end();
     }
-    void add(std::string_view text) {
-        if (text_.size() < maximumBytes)
-            text_ += text;
-        else
-            hasMissed_ = true;
-    }
+    void add(std::string_view text) { text_.add(text); }
     /// As much as certainly does not have to be waited for, once the reader has room.
     void writeSome() {
-        const ssize_t written = ::write(STDOUT_FILENO, text_.data(), std::min(text_.size(), atOnce));
+        const std::string& text = text_.waiting();
+        const ssize_t written = ::write(STDOUT_FILENO, text.data(), std::min(text.size(), atOnce));
         if (written < 0 && errno != EINTR && errno != EAGAIN) {
             return fail(errno);
         }
-        text_.erase(0, static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-        if (!text_.empty() || !std::exchange(hasMissed_, false)) return;
-        add(following_.wantsJson
-                ? R"({"event":"missed","format":1})"
-                : localized("The reader was too slow: some changes are missing."_key, following_.language));
-        add("\n");
+        text_.remove(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
     }
     /// Writes what the reader takes at once, and says how it went.
     ControlReply finish() {
@@ -151,12 +144,15 @@ public:
     }
 
 private:
-    static constexpr std::size_t maximumBytes = 1 << 20;
+    static std::string missed(const Following& following) {
+        if (following.wantsJson) return "{\"event\":\"missed\",\"format\":1}\n";
+        return localized("The reader was too slow: some changes are missing."_key, following.language) + "\n";
+    }
+
     static constexpr std::size_t atOnce = PIPE_BUF;
     const Following& following_;
-    std::string text_;
+    FollowedText text_;
     std::error_code failure_;
-    bool hasMissed_ = false;
     bool hasEnded_ = false;
 };
 

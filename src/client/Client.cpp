@@ -51,7 +51,7 @@ int Client::run(const std::vector<std::string>& words) {
         return print(completionText(complete(std::span(words).subspan(1))));
     const CommandLine line = CommandLine::parse(words);
     switch (line.wish) {
-        case Wish::start: return start();
+        case Wish::start: return start({});
         case Wish::version: return print("Quillmar " + version() + "\n");
         case Wish::help: return print(helpText(line.helpOn, language_));
         case Wish::command: break;
@@ -81,14 +81,15 @@ int Client::ask(const CommandLine& line, const std::vector<std::string>& words) 
     if (reason == NoAnswer::unreachable || !takeInstanceLock())
         return fail(localized("Quillmar is starting or cannot be reached."_key, language_));
     if (line.command->words.starts_with("backup ")) return becomeAgent(words);
+    if (line.is("settings")) return start(words);
     return fail(localized("Quillmar is not running."_key, language_));
 }
 
-int Client::start() {
+int Client::start(const std::vector<std::string>& words) {
     // Held while painting alone: the agent takes it anew. Of two starts at once one paints, and whichever
     // agent comes second calls the other to the front.
     if (const auto lock = takeInstanceLock()) paint_();
-    return becomeAgent({});
+    return becomeAgent(words);
 }
 
 int Client::becomeAgent(const std::vector<std::string>& words) {

@@ -22,7 +22,7 @@ public:
 
 private:
     int ask(const CommandLine& line, const std::vector<std::string>& words);
-    int start();
+    int start(const std::vector<std::string>& words);
     int becomeAgent(const std::vector<std::string>& words);
     /// Empty while another instance holds it.
     std::unique_ptr<ApplicationInstanceLock> takeInstanceLock() const;

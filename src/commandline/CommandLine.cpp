@@ -109,6 +109,11 @@ private:
         const std::size_t given = line_.operands.size() + (line_.kind ? 1 : 0);
         if (given == operands_.size()) refuse(word);
         if (word.empty()) throw UsageError("\"%@\" needs %@."_key, {row().words, operands_[given].what});
+        const auto& choices = operands_[given].choices;
+        if (!choices.empty() && std::ranges::find(choices, word) == choices.end()) {
+            throw UsageError("%@ is one of %@."_key, {std::string(operands_[given].name),
+                                                      fmt::format("{}", fmt::join(choices, ", "))});
+        }
         line_.operands.push_back(word);
     }
 
@@ -203,6 +208,10 @@ void judge(const CommandLine& line) {
         if (line.is("general set")) {
             GeneralSettings settings;
             applyGeneralOptions(line, settings);
+        }
+        if (line.is("update set")) {
+            SoftwareUpdatePreferences preferences;
+            applyUpdateOptions(line, preferences);
         }
         namedSections(line);
     } catch (UsageError& error) {

@@ -6,6 +6,8 @@
 #include "commandline/WallpaperModeArguments.h"
 #include "settings/backup/SettingsBackupDocument.h"
 #include "settings/records/GeneralSettings.h"
+#include "settings/records/SettingsSection.h"
+#include "settings/records/SoftwareUpdatePreferences.h"
 
 namespace quillmar {
 namespace {
@@ -22,6 +24,12 @@ OptionRow sections() {
 }
 
 OperandRow someDisplay() { return {"DISPLAY|all", "the display"_key, WordKind::display, true}; }
+
+OperandRow someSection() {
+    OperandRow row{.name = "SECTION", .what = "a section"_key, .isOptional = true};
+    for (const std::string_view name : enumNames(SettingsSection{})) row.choices.push_back(name);
+    return row;
+}
 
 OperandRow backupFile() { return {"FILE", "a file"_key, WordKind::file}; }
 
@@ -91,6 +99,10 @@ std::vector<CommandRow> pictureCommands() {
 
 std::vector<CommandRow> settingsCommands() {
     return {
+        {.words = "settings",
+         .operands = {someSection()},
+         .summary = "open the Settings window, at a section of it if one is named"_key,
+         .details = "SECTION is general, backup or about. Where Quillmar does not run, it is started."_key},
         {.words = "general",
          .options = {json()},
          .summary = "list the settings that hold for all displays"_key},
@@ -112,6 +124,15 @@ std::vector<CommandRow> settingsCommands() {
          .summary = "replace the settings by those of a backup file"_key,
          .details = "Reaches the running program, or the settings file where none runs."_key},
         {.words = "backup reset", .summary = "replace the settings by the defaults"_key},
+        {.words = "update",
+         .options = {json()},
+         .summary = "look for a newer version of Quillmar now, and download it"_key,
+         .details =
+             "The download is kept only when its makers have signed it. Quillmar says where it lies and "
+             "never installs it."_key},
+        {.words = "update set",
+         .options = recordOptions<SoftwareUpdatePreferences>(),
+         .summary = "change what Quillmar does about newer versions by itself"_key},
         {.words = "quit", .summary = "end the running program, after the last change is saved"_key},
         {.words = "help",
          .operands = {{"COMMAND", "a command"_key, WordKind::command, true}},

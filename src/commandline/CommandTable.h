@@ -29,6 +29,7 @@ struct OperandRow {
     TextKey what;  ///< with its article: "a file"
     WordKind word = WordKind::text;
     bool isOptional = false;
+    std::vector<std::string_view> choices = {};  ///< the words that it is one of, where these are few
 };
 
 /// A command, or a kind of wallpaper that a command takes.

@@ -68,6 +68,7 @@ Completion optionsAt(const Position& position) {
 Completion operandsAt(const OperandRow& operand) {
     Completion completion{.others = operand.word};
     if (operand.word == WordKind::display) completion.words = {"all", "main"};
+    for (const std::string_view choice : operand.choices) completion.words.emplace_back(choice);
     if (operand.word == WordKind::kind) {
         for (const CommandRow& kind : wallpaperKinds()) completion.words.push_back(kind.words);
     }

@@ -9,6 +9,7 @@
 #include "base/Enum.h"
 #include "commandline/CommandTable.h"
 #include "commandline/UsageError.h"
+#include "settings/records/GeneralSettings.h"
 
 namespace quillmar {
 
@@ -61,6 +62,10 @@ private:
 template <class T>
 concept OptionField = requires(const OptionValue& value, T& field) { value.readInto(field); };
 
+/// Records whose own fields are options too, as if they stood in the record around it.
+template <class T>
+inline constexpr bool isOptionGroup = std::is_same_v<T, StatusIconClickBehavior>;
+
 /// Sets the field of a record that an option is called as: give it to the record's `describe`.
 class RecordOption {
 public:
@@ -74,6 +79,8 @@ public:
                 isKnown_ = true;
                 value_.readInto(field);
             }
+        } else if constexpr (isOptionGroup<T>) {
+            T::describe(field, *this);
         }
         return *this;
     }
@@ -93,10 +100,13 @@ private:
 class RecordOptionListing {
 public:
     std::vector<OptionRow> options;
-
     template <class T>
-    RecordOptionListing& required(std::string_view key, T&) {
-        if constexpr (OptionField<T>) add<T>(key);
+    RecordOptionListing& required(std::string_view key, T& field) {
+        if constexpr (OptionField<T>) {
+            add<T>(key);
+        } else if constexpr (isOptionGroup<T>) {
+            T::describe(field, *this);
+        }
         return *this;
     }
     template <class T>

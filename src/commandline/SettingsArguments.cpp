@@ -4,13 +4,23 @@
 #include "commandline/RecordOptions.h"
 
 namespace quillmar {
+namespace {
 
-void applyGeneralOptions(const CommandLine& line, GeneralSettings& settings) {
+template <class Record>
+void applyOptions(const CommandLine& line, Record& record) {
     if (line.options.empty()) throw UsageError("No setting was named."_key);
     for (const GivenOption& given : line.options) {
         RecordOption option(given.row->field, {given.row->name, given.text});
-        GeneralSettings::describe(settings, option);
+        Record::describe(record, option);
     }
+}
+
+}  // namespace
+
+void applyGeneralOptions(const CommandLine& line, GeneralSettings& settings) { applyOptions(line, settings); }
+
+void applyUpdateOptions(const CommandLine& line, SoftwareUpdatePreferences& preferences) {
+    applyOptions(line, preferences);
 }
 
 std::optional<SettingsBackupSections> namedSections(const CommandLine& line) {

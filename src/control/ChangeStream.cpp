@@ -44,7 +44,7 @@ Task<void> ChangeStream::tellAll() {
             co_await services_.channel.tell(present());
         } else {
             const std::string displayID = due_.extract(due_.begin()).value();
-            co_await services_.channel.tell(changeOf(displayID));
+            if (auto change = changeOf(displayID)) co_await services_.channel.tell(*std::move(change));
         }
     }
     isTelling_ = false;
@@ -60,16 +60,18 @@ ControlEvent ChangeStream::present() const {
             statusAsText(found, services_.settingsModel.settings().general.language)};
 }
 
-ControlEvent ChangeStream::changeOf(const std::string& displayID) const {
+std::optional<ControlEvent> ChangeStream::changeOf(const std::string& displayID) const {
     ProgramStatus found = services_.wallpapers.statusWithoutDesktop();
     std::erase_if(found.displays,
                   [&](const WallpaperStatus& status) { return status.display.id != displayID; });
+    if (found.displays.empty()) return std::nullopt;
     std::string text =
         displaysStatusAsText(found.displays, services_.settingsModel.settings().general.language);
-    return {"display",
-            changeAsJson(
-                {.event = "display", .version = services_.version, .displays = std::move(found.displays)}),
-            std::move(text)};
+    return ControlEvent{
+        "display",
+        changeAsJson(
+            {.event = "display", .version = services_.version, .displays = std::move(found.displays)}),
+        std::move(text)};
 }
 
 }  // namespace quillmar

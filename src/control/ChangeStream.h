@@ -1,5 +1,6 @@
 #pragma once
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -41,7 +42,8 @@ private:
     void settingsDidChange();
     void tellSoon();
     Task<void> tellAll();
-    ControlEvent changeOf(const std::string& displayID) const;
+    /// Nothing of a display that is gone meanwhile, which the next status says.
+    std::optional<ControlEvent> changeOf(const std::string& displayID) const;
 
     Services services_;
     Setup setup_;

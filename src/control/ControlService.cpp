@@ -11,6 +11,7 @@ ControlService::ControlService(Services services)
       wallpaper_(services.wallpaper),
       picture_(std::move(services.picture)),
       general_(std::move(services.general)),
+      update_(std::move(services.update)),
       displays_(services.wallpaper.displays),
       version_(services.wallpaper.version),
       coordinator_(services.wallpaper.coordinator),
@@ -21,6 +22,7 @@ ControlService::ControlService(Services services)
                 .channel = services.channel,
                 .version = version_}),
       quit_(std::move(services.quit)),
+      openSettings_(std::move(services.openSettings)),
       isRecovering_(std::move(services.isRecovering)),
       loop_(services.loop) {
     coordinator_.setChangeHandler([this](const std::string& id) { changes_.displayDidChange(id); });
@@ -75,7 +77,9 @@ Task<ControlReply> ControlService::carryOut(CommandLine line, std::string folder
         co_return ControlReply{.output = "Quillmar " + version_ + "\n"};
     const std::string& words = line.command->words;
     if (words.starts_with("backup")) co_return co_await backup_.run(std::move(line), std::move(folder));
+    if (words == "settings") co_return co_await showSettings(std::move(line));
     if (words.starts_with("general")) co_return co_await general_.run(std::move(line));
+    if (words.starts_with("update")) co_return co_await update_.run(std::move(line));
     if (PictureCommand::carriesOut(line)) co_return co_await picture_.run(std::move(line));
     if (words == "displays") {
         const auto displays = displays_.displays();
@@ -94,6 +98,12 @@ Task<ControlReply> ControlService::carryOut(CommandLine line, std::string folder
         co_return ControlReply{};
     }
     co_return co_await wallpaper_.run(std::move(line), std::move(folder));
+}
+
+Task<ControlReply> ControlService::showSettings(CommandLine line) {
+    co_await settingsModel_.loaded();
+    openSettings_(line.operands.empty() ? "" : line.operands.front());
+    co_return ControlReply{};
 }
 
 std::string ControlService::versionNote(const ControlCall& call) const {

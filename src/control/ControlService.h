@@ -4,6 +4,7 @@
 #include "control/ChangeStream.h"
 #include "control/GeneralCommand.h"
 #include "control/PictureCommand.h"
+#include "control/UpdateCommand.h"
 #include "control/WallpaperCommand.h"
 
 namespace quillmar {
@@ -19,7 +20,10 @@ public:
         WallpaperCommand::Services wallpaper;
         PictureCommand::Services picture;
         GeneralCommand::Services general;
-        std::function<void()> quit;          ///< the user's explicit wish to end
+        UpdateCommand::Services update;
+        std::function<void()> quit;  ///< the user's explicit wish to end
+        /// Brings the Settings window to the front, at a section if one is named. Throws as that does.
+        std::function<void(const std::string&)> openSettings;
         std::function<bool()> isRecovering;  ///< the start was limited: the settings could not be read
     };
     explicit ControlService(Services services);
@@ -39,6 +43,7 @@ private:
     /// What is said beside every answer while the settings file cannot be read: where, and the way out.
     std::string recoveryNote() const;
     Task<void> followSettingsFile();
+    Task<ControlReply> showSettings(CommandLine line);
     GeneralLanguage language() const { return backup_.language(); }
 
     AppSettingsModel& settingsModel_;
@@ -47,11 +52,13 @@ private:
     WallpaperCommand wallpaper_;
     PictureCommand picture_;
     GeneralCommand general_;
+    UpdateCommand update_;
     const DisplayService& displays_;
     std::string version_;
     WallpaperCoordinator& coordinator_;
     ChangeStream changes_;
     std::function<void()> quit_;
+    std::function<void(const std::string&)> openSettings_;
     std::function<bool()> isRecovering_;
     MainLoop& loop_;
     Scheduled quitting_;

@@ -2,6 +2,7 @@
 #include <functional>
 
 #include "commandline/CommandLine.h"
+#include "loginitem/LoginItemService.h"
 #include "platform/ControlChannel.h"
 #include "settings/AppSettingsModel.h"
 
@@ -12,6 +13,7 @@ class GeneralCommand {
 public:
     struct Services {
         AppSettingsModel& settingsModel;
+        LoginItemService& loginItem;
         std::string version;  ///< of this build
         /// Asks for leave to show notifications where that was not asked yet; whether they are shown.
         std::function<Task<bool>()> mayNotify;
@@ -23,6 +25,7 @@ public:
 
 private:
     Task<ControlReply> set(CommandLine line);
+    std::string listed() const;
 
     Services services_;
 };

@@ -6,13 +6,14 @@
 namespace quillmar {
 
 OfflineBackup::OfflineBackup(MainLoop& loop, const WallClock& clock, Executor& pool, const BundleInfo& bundle,
-                             const Environment& environment)
+                             const Environment& environment, LoginItemRegistering& session)
     : executor_(pool),
       defaults_(defaultSettings(bundle)),
       // What only looks leaves no file: the first run is still to come.
       store_(makeSettingsStore([&] { return applicationSupportDirectory(environment); }, defaults_, executor_,
                                FirstRunFile::isLeftOut)),
       model_(loop, notifications_, *store_, defaults_, cacheFiles_),
+      loginItem_(session, model_),
       command_({.settingsModel = model_,
                 .backupService = service_,
                 .following = following_,

@@ -5,18 +5,26 @@
 #include "async/ThreadPool.h"
 #include "base/BundleInfo.h"
 #include "control/BackupCommand.h"
+#include "loginitem/LoginItemService.h"
 #include "storage/ApplicationDirectories.h"
 
 namespace quillmar {
 
-/// Where no program runs nothing follows: the next start reads the restored file.
-class NothingFollows final : public SettingsRestoreFollowing {
+/// Where no program runs only the session follows: the next start reads the restored file.
+class SessionFollows final : public SettingsRestoreFollowing {
 public:
+    explicit SessionFollows(LoginItemService& loginItem) : loginItem_(loginItem) {}
     void settingsWillBeReplaced() override {}
     void settingsReplacementDidEnd() override {}
-    Task<std::optional<std::string>> updateLoginItem(bool) override { co_return std::nullopt; }
+    Task<std::optional<std::string>> updateLoginItem(bool launchAtLogin) override {
+        if (co_await loginItem_.setEnabled(launchAtLogin)) co_return std::nullopt;
+        co_return loginItem_.errorMessage().value_or("");
+    }
     Task<std::vector<std::string>> applyWallpapers() override { co_return std::vector<std::string>{}; }
     void lockScreenSettingsDidChange() override {}
+
+private:
+    LoginItemService& loginItem_;
 };
 
 /// The settings and their backups without the rest of the program, for a command line where none runs. Make
@@ -24,7 +32,7 @@ public:
 class OfflineBackup {
 public:
     OfflineBackup(MainLoop& loop, const WallClock& clock, Executor& pool, const BundleInfo& bundle,
-                  const Environment& environment);
+                  const Environment& environment, LoginItemRegistering& session);
     /// As `BackupCommand::run`; failures are answers.
     Task<ControlReply> run(CommandLine line, std::filesystem::path folder);
 
@@ -36,7 +44,8 @@ private:
     std::unique_ptr<SettingsStoring> store_;
     AppSettingsModel model_;
     SettingsBackupService service_{executor_};
-    NothingFollows following_;
+    LoginItemService loginItem_;
+    SessionFollows following_{loginItem_};
     BackupCommand command_;
 };
 

@@ -63,21 +63,23 @@ Task<void> PictureCommand::open(Target target, ControlReply* reply) {
 Task<void> PictureCommand::keep(Target target, ControlReply* reply) {
     const FavouritePicture kept = co_await services_.files.run(
         [picture = std::move(target.picture), environment = services_.environment] {
-            return keepFavourite(picture, userPicturesFolder(environment) / "Quillmar");
+            return keepFavourite(picture, favouritesFolder(environment));
         });
     reply->output += kept.isNew ? localized("%@: copied"_key, language(), {kept.file.string()})
                                 : localized("%@: was there already"_key, language(), {kept.file.string()});
     reply->output += "\n";
 }
 
-/// A file that somebody gave the display by its name comes as long as nobody gives it another.
-bool PictureCommand::wasChosen(const DisplayInfo& display) const {
+/// A file that somebody gave the display by its name comes as long as nobody gives it another. One that was
+/// gone back to is none.
+bool PictureCommand::wasChosen(const DisplayInfo& display, const ShownPicture& picture) const {
     const auto* entry = findEntry(services_.settingsModel.settings().wallpaper.displays, display.id);
-    return entry && entry->mode.kind() == WallpaperModeKind::image;
+    return entry && entry->mode.kind() == WallpaperModeKind::image &&
+           picture.kind == WallpaperModeKind::image;
 }
 
 Task<void> PictureCommand::trash(Target target, ControlReply* reply) {
-    if (wasChosen(target.display)) {
+    if (wasChosen(target.display, target.picture)) {
         throw CommandError("%@ shows a file that was chosen for it: give it another wallpaper."_key,
                            {target.display.localizedName});
     }
@@ -87,7 +89,7 @@ Task<void> PictureCommand::trash(Target target, ControlReply* reply) {
     DisplayIDs showing;
     for (const DisplayInfo& display : services_.displays.displays()) {
         const ShownPicture* now = services_.pictures.history().current(display.id);
-        if (now && now->fileURL == file && !wasChosen(display)) showing.insert(display.id);
+        if (now && now->fileURL == file && !wasChosen(display, *now)) showing.insert(display.id);
     }
     if (!showing.empty()) co_await goOn(std::move(showing), reply);
 }

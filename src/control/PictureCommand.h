@@ -43,7 +43,7 @@ private:
     Task<void> keep(Target target, ControlReply* reply);
     Task<void> trash(Target target, ControlReply* reply);
     Task<void> goOn(DisplayIDs displays, ControlReply* reply);
-    bool wasChosen(const DisplayInfo& display) const;
+    bool wasChosen(const DisplayInfo& display, const ShownPicture& picture) const;
     GeneralLanguage language() const { return services_.settingsModel.settings().general.language; }
 
     Services services_;

@@ -39,8 +39,9 @@ Task<ControlReply> WallpaperCommand::run(CommandLine line, std::filesystem::path
     if (line.is("wallpaper next")) co_return co_await show(HistoryStep::forward, matching(display));
     if (line.is("wallpaper previous")) co_return co_await show(HistoryStep::back, matching(display));
     if (line.is("wallpaper info")) co_return co_await info(matching(display), line.wantsJson());
-    const ProgramStatus found = co_await status();
     const bool isWhole = line.is("status");
+    if (isWhole) co_await services_.loginItem.refresh();
+    const ProgramStatus found = co_await status();
     if (line.wantsJson())
         co_return ControlReply{.output = isWhole ? statusAsJson(found) : displaysStatusAsJson(found)};
     co_return ControlReply{.output = isWhole ? statusAsText(found, language())
@@ -128,6 +129,8 @@ Task<ProgramStatus> WallpaperCommand::status() const {
     // Each display's line holds together only when nothing is waited for between its parts.
     const auto shown = co_await services_.desktop.shown();
     ProgramStatus program = statusWithoutDesktop();
+    if (const auto obstacle = services_.desktop.obstacle())
+        program.desktopFault = errorText(obstacle, language());
     for (WallpaperStatus& status : program.displays) {
         if (const auto file = shown.find(status.display.id); file != shown.end())
             status.shows = file->second.string();
@@ -142,7 +145,11 @@ ProgramStatus WallpaperCommand::statusWithoutDesktop() const {
                           .displays = {},
                           .settingsFault = model.loadError(),
                           .saveFailure = model.saveError(),
-                          .unsavedSettings = {}};
+                          .unsavedSettings = {},
+                          .loginItem = services_.loginItem.status(),
+                          .loginItemDifference = services_.loginItem.difference(),
+                          .update = services_.updates.available(),
+                          .updateFailure = services_.updates.lastFailure()};
     if (const auto& file = model.unsavedFile()) program.unsavedSettings = file->string();
     for (const DisplayInfo& display : services_.displays.displays()) {
         program.displays.push_back(statusOf(display));

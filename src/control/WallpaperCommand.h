@@ -8,8 +8,10 @@
 #include "control/WallpaperStatus.h"
 #include "desktop/DesktopPictures.h"
 #include "display/DisplayService.h"
+#include "loginitem/LoginItemService.h"
 #include "platform/ControlChannel.h"
 #include "settings/AppSettingsModel.h"
+#include "updates/SoftwareUpdateController.h"
 #include "wallpaper/WallpaperRotationCoordinator.h"
 
 namespace quillmar {
@@ -27,6 +29,8 @@ public:
         const DisplayService& displays;
         DesktopPictures& desktop;
         PictureMemory& pictures;
+        LoginItemService& loginItem;
+        const SoftwareUpdateController& updates;
         Executor& files;  ///< where the user's files are looked at
     };
     explicit WallpaperCommand(Services services) : services_(std::move(services)) {}

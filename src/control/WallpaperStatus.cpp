@@ -7,6 +7,7 @@
 #include "base/JsonRecord.h"
 #include "base/LocalDateTime.h"
 #include "commandline/WallpaperModeArguments.h"
+#include "control/UpdateCommand.h"
 
 namespace quillmar {
 namespace {
@@ -82,6 +83,7 @@ std::string statusAsText(const ProgramStatus& program, GeneralLanguage language)
     const std::string pause =
         program.areRotationsPaused ? localized(", rotations are paused"_key, language) : std::string();
     std::string text = fmt::format("Quillmar {}{}\n", program.version, pause);
+    if (program.desktopFault) text += *program.desktopFault + "\n";
     if (program.saveFailure) {
         text += localized("The settings could not be saved: %@"_key, language, {*program.saveFailure}) + "\n";
     }
@@ -89,6 +91,13 @@ std::string statusAsText(const ProgramStatus& program, GeneralLanguage language)
         text += localized(
                     "The settings file was edited while a change was not saved yet, which is kept in %@."_key,
                     language, {*program.unsavedSettings}) +
+                "\n";
+    }
+    if (program.loginItemDifference) text += *program.loginItemDifference + "\n";
+    if (program.update) text += updateAsText(*program.update, language);
+    if (program.updateFailure) {
+        text += localized("The last look for a newer version failed: %@"_key, language,
+                          {*program.updateFailure}) +
                 "\n";
     }
     return text + displaysStatusAsText(program.displays, language);

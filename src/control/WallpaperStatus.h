@@ -8,6 +8,8 @@
 #include "display/DisplayInfo.h"
 #include "history/ShownPicture.h"
 #include "modes/WallpaperMode.h"
+#include "platform/LoginItemRegistering.h"
+#include "updates/AvailableUpdate.h"
 
 namespace quillmar {
 
@@ -62,16 +64,25 @@ struct ProgramStatus {
     std::string version;
     bool areRotationsPaused = false;
     std::vector<WallpaperStatus> displays;
+    std::optional<std::string> desktopFault;     ///< why no display can be given a picture
     std::optional<std::string> settingsFault;    ///< why the settings file cannot be read
     std::optional<std::string> saveFailure;      ///< why the latest change is not on disk
     std::optional<std::string> unsavedSettings;  ///< file of what an edit of the settings overtook
+    LoginItemRegistrationStatus loginItem = LoginItemRegistrationStatus::notRegistered;
+    std::optional<std::string> loginItemDifference;  ///< from the settings, for people
+    std::optional<AvailableUpdate> update;           ///< that the last check found
+    std::optional<std::string> updateFailure;        ///< why that check failed
 
     static void describe(auto& self, auto& io) {
         io.required("version", self.version)
             .required("areRotationsPaused", self.areRotationsPaused)
+            .optional("desktopFault", self.desktopFault)
             .optional("settingsFault", self.settingsFault)
             .optional("saveFailure", self.saveFailure)
             .optional("unsavedSettings", self.unsavedSettings)
+            .required("loginItem", self.loginItem)
+            .optional("update", self.update)
+            .optional("updateFailure", self.updateFailure)
             .required("displays", self.displays);
     }
 };

@@ -4,6 +4,7 @@
 #include "desktop/SpannedDesktop.h"
 #include "diagnostics/Log.h"
 #include "modes/WallpaperApplicationError.h"
+#include "platform/DesktopPictureError.h"
 
 namespace quillmar {
 namespace {
@@ -33,7 +34,7 @@ private:
 DesktopPictures::DesktopPictures(Services services)
     : services_(std::move(services)),
       lastShown_(services_.folder / "last-shown.json", services_.executor),
-      former_(services_.folder, services_.executor),
+      former_(services_.folder / "Former", services_.folder.parent_path(), services_.executor),
       tasks_(services_.loop) {}
 
 DesktopPictures::~DesktopPictures() = default;
@@ -80,6 +81,7 @@ Task<void> DesktopPictures::set(std::string displayID, DesktopImage image) {
 
 Task<void> DesktopPictures::show(std::string displayID, DesktopImage image, DesktopImageOptions options) {
     const auto hold = co_await order_[displayID].acquire();
+    givenBack_.erase(displayID);
     co_await showInTurn(displayID, std::move(image), std::move(options));
 }
 
@@ -93,7 +95,10 @@ Task<void> DesktopPictures::showInTurn(std::string displayID, DesktopImage image
     if (picturing->takesPixels()) {
         const bool hasIt = !image.pixels && options.empty() && co_await isShown(displayID, image.file);
         if (!hasIt) {
-            if (!image.pixels) image.pixels = co_await pixelsOf(image.file, screen);
+            // One picture for all screens is given back as the file that it is, such as a list of pictures
+            // for the times of the day.
+            const bool isGivenBack = spanned_ && !options.empty();
+            if (!image.pixels && !isGivenBack) image.pixels = co_await pixelsOf(image.file, screen);
             co_await picturing->setDesktopImage(image, screen, std::move(options));
         }
     } else {
@@ -190,12 +195,21 @@ Task<void> DesktopPictures::giveBack(std::string displayID) {
 
 Task<void> DesktopPictures::giveBackInTurn(std::string displayID) {
     const auto hold = co_await order_[displayID].acquire();
+    givenBack_.insert(displayID);
+    if (shownHandler_) shownHandler_(displayID);
     const auto given = mustShow(displayID);
     // What the user has set by other means meanwhile stays.
     if (!given || !co_await isShown(displayID, *given)) co_return;
-    const auto former = co_await former_.take(displayID);
+    const auto former = co_await former_.find(displayID);
     const auto file = former ? former->fileURL.filePath() : std::nullopt;
     if (file) co_await showInTurn(displayID, {*file, nullptr}, former->options);
+    co_await former_.forget(displayID);
+}
+
+Task<void> DesktopPictures::removeForgottenFormer() {
+    FilePaths files;
+    for (auto& [id, file] : co_await shown()) files.insert(std::move(file));
+    co_await former_.removeForgotten(std::move(files));
 }
 
 Task<void> DesktopPictures::recall(std::string displayID) {
@@ -241,7 +255,11 @@ Task<void> DesktopPictures::repaintIfForgotten(std::string displayID) {
     const auto wanted = mustShow_.find(displayID);
     if (!screen || wanted == mustShow_.end()) co_return;
     DesktopPicturing* picturing = co_await desktop();
-    if (!(co_await picturing->desktopImage(*screen)).isForgotten) co_return;
+    const PresentDesktopImage present = co_await picturing->desktopImage(*screen);
+    // Where others take the whole desktop a file is ours: that of a display which was at this place
+    // meanwhile.
+    const bool isAnothers = forgetsWithSession_ && present.file && present.file != wanted->second;
+    if (!present.isForgotten && !isAnothers) co_return;
     co_await showInTurn(displayID, {wanted->second, nullptr}, {});
 }
 
@@ -257,7 +275,14 @@ Task<std::map<std::string, fs::path>> DesktopPictures::shown() {
 }
 
 Task<void> DesktopPictures::askForShown() {
-    DesktopPicturing* picturing = co_await desktop();
+    DesktopPicturing* picturing = nullptr;
+    try {
+        picturing = co_await desktop();
+        obstacle_ = nullptr;
+    } catch (const DesktopPictureError&) {
+        obstacle_ = std::current_exception();
+        co_return;
+    }
     for (const ConnectedDisplay& display : services_.displays.connectedDisplays()) {
         const PresentDesktopImage present = co_await picturing->desktopImage(display.screen);
         if (present.file) {

@@ -1,9 +1,11 @@
 #pragma once
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "async/TaskLock.h"
@@ -59,7 +61,9 @@ public:
     std::optional<std::filesystem::path> mustShow(const std::string& displayID) const;
     /// Whether what displays show is lost with the session.
     Task<bool> forgetsWithSession();
-    /// Calls back each time a display was given a picture. Replaces the former handler.
+    /// Whether it was given back since: what it shows is no longer the program's.
+    bool isGivenBack(const std::string& displayID) const { return givenBack_.contains(displayID); }
+    /// Calls back each time a display was given a picture, or given back. Replaces the former handler.
     void setShownHandler(std::function<void(const std::string& displayID)> handler) {
         shownHandler_ = std::move(handler);
     }
@@ -71,6 +75,8 @@ public:
     /// Gives it back, where it is known and the display still shows a picture that it was given. Failures
     /// are logged.
     Task<void> giveBack(std::string displayID);
+    /// Removes the copies of former pictures that no display gets back any more.
+    Task<void> removeForgottenFormer();
     /// Shows again what the display was given last, where the desktop has forgotten it with the session or
     /// the plug: until its picture is there. Nothing for a display that is gone. Failures are logged.
     Task<void> recall(std::string displayID);
@@ -79,6 +85,8 @@ public:
     /// The file of each connected display that one is known for: as the desktop says or, where it does not
     /// answer within half a second, or is being given a picture, as it said last.
     Task<std::map<std::string, std::filesystem::path>> shown();
+    /// Why no display can be given a picture at all, as `shown` found out last; null where one can.
+    std::exception_ptr obstacle() const { return obstacle_; }
 
 private:
     class Setting;
@@ -107,8 +115,10 @@ private:
     std::map<std::string, std::filesystem::path> mustShow_;  ///< by display
     std::map<std::string, CacheFileLease> leases_;           ///< by display: on what it shows
     std::map<std::string, std::filesystem::path> lastKnown_;  ///< by display: what the desktop said
+    std::set<std::string> givenBack_;                         ///< displays
     std::function<void(const std::string&)> shownHandler_;
     TaskHandle<void> asking_;
+    std::exception_ptr obstacle_;
     TaskScope tasks_;
 };
 

@@ -18,9 +18,12 @@ bool isBelow(const fs::path& folder, const fs::path& file) {
 }
 
 /// Where the file can be kept; nothing for one of the program's own pictures.
-std::optional<fs::path> keptFile(const fs::path& folder, const fs::path& file) {
-    if (!isBelow(folder.parent_path(), file)) return file;
+std::optional<fs::path> keptFile(const fs::path& folder, const fs::path& programFolder,
+                                 const fs::path& file) {
+    // One that was given back, and is about to be covered again, is here already.
+    if (!isBelow(programFolder, file) || isBelow(folder, file)) return file;
     if (!file.filename().string().starts_with(capturePrefix)) return std::nullopt;
+    if (isBelow(folder, file)) return file;  // given back before
     createDirectories(folder, 0700);
     fs::path kept = folder / file.filename();
     fs::copy_file(file, kept, fs::copy_options::overwrite_existing);
@@ -32,31 +35,51 @@ std::optional<fs::path> keptFile(const fs::path& folder, const fs::path& file) {
 Task<void> FormerPictures::keep(std::string displayID, fs::path file, DesktopImageOptions options) {
     const auto hold = co_await order_.acquire();
     co_await load();
-    const auto kept = co_await executor_.run([folder = folder_, file]() -> std::optional<fs::path> {
-        try {
-            return keptFile(folder, file);
-        } catch (const std::exception&) {
-            logWarning("The desktop's former picture could not be kept.", "wallpaper",
-                       std::current_exception());
-            return std::nullopt;
-        }
-    });
+    const auto kept = co_await executor_.run(
+        [folder = folder_, program = programFolder_, file]() -> std::optional<fs::path> {
+            try {
+                return keptFile(folder, program, file);
+            } catch (const std::exception&) {
+                logWarning("The desktop's former picture could not be kept.", "wallpaper",
+                           std::current_exception());
+                return std::nullopt;
+            }
+        });
     if (!kept) co_return;
     pictures_->insert_or_assign(displayID, FormerPicture{Url::fromFilePath(*kept), std::move(options)});
     co_await save();
 }
 
-Task<std::optional<FormerPicture>> FormerPictures::take(std::string displayID) {
+Task<std::optional<FormerPicture>> FormerPictures::find(std::string displayID) {
     const auto hold = co_await order_.acquire();
     co_await load();
-    auto found = pictures_->extract(displayID);
-    if (found.empty()) co_return std::nullopt;
-    co_await save();
-    const bool isThere = co_await executor_.run([url = found.mapped().fileURL] {
+    const auto found = pictures_->find(displayID);
+    if (found == pictures_->end()) co_return std::nullopt;
+    const FormerPicture picture = found->second;
+    const bool isThere = co_await executor_.run([url = picture.fileURL] {
         std::error_code ignored;
         return fs::is_regular_file(url.filePath().value_or(""), ignored);
     });
-    co_return isThere ? std::optional(std::move(found.mapped())) : std::nullopt;
+    co_return isThere ? std::optional(picture) : std::nullopt;
+}
+
+Task<void> FormerPictures::forget(std::string displayID) {
+    const auto hold = co_await order_.acquire();
+    co_await load();
+    if (pictures_->erase(displayID) > 0) co_await save();
+}
+
+Task<void> FormerPictures::removeForgotten(FilePaths shown) {
+    const auto hold = co_await order_.acquire();
+    co_await load();
+    for (const auto& [id, picture] : *pictures_) shown.insert(picture.fileURL.filePath().value_or(""));
+    co_await executor_.run([folder = folder_, kept = std::move(shown)] {
+        std::error_code ignored;  // what stays is tried again at the next start
+        for (const auto& entry : fs::directory_iterator(folder, ignored)) {
+            const bool isCopy = entry.path().filename().string().starts_with(capturePrefix);
+            if (isCopy && !kept.contains(entry.path())) fs::remove(entry.path(), ignored);
+        }
+    });
 }
 
 Task<void> FormerPictures::load() {

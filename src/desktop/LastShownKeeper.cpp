@@ -15,10 +15,22 @@ void LastShownKeeper::start() {
 void LastShownKeeper::didShow(const std::string& displayID) {
     Display& display = shown_.try_emplace(displayID, services_.loop).first->second;
     Duration delay = quietTime;
+    // At once: the next start would paint it over what the user has set meanwhile.
+    if (services_.pictures.isGivenBack(displayID)) return tasks_.spawn(forget(displayID));
     if (!display.kept.empty()) {
         delay = std::max<Duration>(delay, display.keptAt + shortestInterval - services_.loop.now());
     }
     display.timer.set(delay, [this, displayID] { tasks_.spawn(keep(displayID)); });
+}
+
+Task<void> LastShownKeeper::forget(std::string displayID) {
+    Display& display = shown_.at(displayID);
+    display.timer.cancel();
+    display.kept.clear();
+    const auto screen = services_.displays.screen(displayID);
+    if (!screen) co_return;
+    co_await services_.executor.run(
+        [folder = services_.folder, key = screenKey(*screen)] { LastShownRows::remove(folder, key); });
 }
 
 Task<void> LastShownKeeper::stop() {
@@ -29,7 +41,10 @@ Task<void> LastShownKeeper::stop() {
 
 Task<void> LastShownKeeper::keepAll() {
     std::vector<TaskHandle<void>> all;
-    for (const auto& [id, display] : shown_) all.push_back(tasks_.start(keep(id)));
+    for (const auto& [id, display] : shown_) {
+        const bool isOurs = !services_.pictures.isGivenBack(id);
+        all.push_back(tasks_.start(isOurs ? keep(id) : forget(id)));
+    }
     for (const auto& one : all) co_await one.ended();
 }
 
@@ -45,7 +60,7 @@ Task<void> LastShownKeeper::keep(std::string displayID) {
         const bool isKept =
             co_await services_.executor.run([folder = services_.folder, key, file = *file, size] {
                 const auto rows = LastShownRows::open(folder, key);
-                return rows && rows->png() == file && rows->size() == size;
+                return rows && rows->png() == file && rows->size() == size && rows->fetch();
             });
         if (!isKept) {
             const SharedPixels pixels = co_await services_.rendering.load(*file, size);

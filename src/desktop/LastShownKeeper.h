@@ -43,6 +43,8 @@ private:
     };
     void didShow(const std::string& displayID);
     Task<void> keep(std::string displayID);
+    /// Of a display that is no longer the program's.
+    Task<void> forget(std::string displayID);
     Task<void> keepAll();
 
     Services services_;

@@ -40,7 +40,7 @@ Task<void> PictureWriter::write(std::filesystem::path file, SharedPixels pixels)
 }
 
 Task<void> PictureWriter::encode(std::filesystem::path file, SharedPixels pixels) {
-    co_await executor_.run([encoding = &encoding_, file = std::move(file), pixels = std::move(pixels)] {
+    co_await executor_.run([encoding = &encoding_, file, pixels = std::move(pixels)] {
         try {
             encoding->writePng(*pixels, file);
         } catch (const std::system_error& error) {
@@ -48,6 +48,7 @@ Task<void> PictureWriter::encode(std::filesystem::path file, SharedPixels pixels
                                             error.code().message());
         }
     });
+    if (writtenHandler_) co_await writtenHandler_(std::move(file));
 }
 
 Task<void> PictureWriter::settled(std::filesystem::path file) {

@@ -1,7 +1,7 @@
 #pragma once
 #include <deque>
 #include <filesystem>
-#include <map>
+#include <functional>
 
 #include "async/Executor.h"
 #include "async/TaskScope.h"
@@ -22,6 +22,10 @@ public:
                   const CacheFileProtection& cacheFiles)
         : encoding_(encoding), executor_(executor), cacheFiles_(cacheFiles), tasks_(loop) {}
 
+    /// Is awaited after each file that was written, before the next one is. Replaces the former one.
+    void setWrittenHandler(std::function<Task<void>(std::filesystem::path file)> handler) {
+        writtenHandler_ = std::move(handler);
+    }
     /// Writes the file soon. A failure is logged.
     void writeBehind(std::filesystem::path file, SharedPixels pixels);
     /// Writes the file and waits for it; throws `WallpaperApplicationError`.
@@ -45,6 +49,7 @@ private:
     std::deque<Job> waiting_;
     std::filesystem::path running_;  ///< empty: none
     bool isDraining_ = false;
+    std::function<Task<void>(std::filesystem::path)> writtenHandler_;
     WaitList progress_;
     TaskScope tasks_;
 };

@@ -65,13 +65,16 @@ Task<void> SpannedDesktop::showComposed(SpannedState state, DesktopImage image, 
     for (const Screen& each : screens) areas.push_back(each.area);
     const PixelRect bounds = boundsOf(areas);
     std::vector<SpannedPart> parts;
+    std::set<std::string> missing;
     for (const Screen& each : screens) {
         SpannedPart part{each.area, nullptr};
-        if (each.connector == screen.connector && state.monitors.contains(each.connector)) {
+        const bool isOurs = state.monitors.contains(each.connector);
+        if (each.connector == screen.connector && isOurs) {
             part.pixels = image.pixels;
         } else {
             part.pixels = co_await pixelsOf(state, each, bounds, present);
         }
+        if (isOurs && !part.pixels) missing.insert(each.connector);
         parts.push_back(std::move(part));
     }
     // A name of its own for every picture: a desktop does not look again into a file that it shows.
@@ -94,6 +97,7 @@ Task<void> SpannedDesktop::showComposed(SpannedState state, DesktopImage image, 
     }
     state.composed = composed.string();
     state.arrangement = arrangementText(screens);
+    missing_ = std::move(missing);
     co_await keep(std::move(state));
 }
 
@@ -125,7 +129,8 @@ Task<PresentDesktopImage> SpannedDesktop::desktopImage(Screen screen) {
     const bool isOurs = ours != state.monitors.end();
     PresentDesktopImage present;
     present.file = co_await existing(isOurs ? ours->second : state.ownFile);
-    present.isForgotten = isOurs && state.arrangement != arrangementText(services_.screens.screens());
+    present.isForgotten = isOurs && (missing_.contains(screen.connector) ||
+                                     state.arrangement != arrangementText(services_.screens.screens()));
     co_return present;
 }
 

@@ -28,7 +28,8 @@ public:
 
     bool takesPixels() const override { return true; }
     Task<void> setDesktopImage(DesktopImage image, Screen screen, DesktopImageOptions options) override;
-    /// Forgotten when the monitors are arranged in another way than when the picture was composed.
+    /// Forgotten when the monitors are arranged in another way than when the picture was composed, or when
+    /// the monitor's part of it could not be had then.
     Task<PresentDesktopImage> desktopImage(Screen screen) override;
     Task<std::optional<std::filesystem::path>> captureDesktopImage(Screen screen) override;
     Task<DesktopImageOptions> desktopImageOptions(Screen screen) override;
@@ -45,6 +46,7 @@ private:
 
     Services services_;
     std::optional<SpannedState> state_;  ///< absent until it is read
+    std::set<std::string> missing_;      ///< connectors of ours that the composed picture shows in its colour
     TaskLock order_;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Hash.h"
+#include "base/Text.h"
 
 namespace quillmar {
 namespace {
@@ -17,7 +18,8 @@ BannedPictures::BannedPictures(std::string_view text) {
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));
-        if (const auto url = Url::parse(line)) all.push_back(fingerprintOf(*url));
+        // Also as an editor leaves it.
+        if (const auto url = Url::parse(trimmed(line))) all.push_back(fingerprintOf(*url));
     }
     std::ranges::sort(all);
     if (!all.empty()) fingerprints_ = std::make_shared<const std::vector<std::uint64_t>>(std::move(all));

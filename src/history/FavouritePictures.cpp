@@ -49,7 +49,7 @@ std::string plainName(std::string_view text) {
         while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xc0) == 0x80) --end;
         name.resize(end);
     }
-    while (name.starts_with('.')) name.erase(0, 1);
+    name.erase(0, name.find_first_not_of(". "));
     return std::string(trimmed(name));
 }
 
@@ -63,6 +63,9 @@ fs::path nameOf(const ShownPicture& picture, const fs::path& source, std::string
     const std::string suffix = extension.empty() ? source.extension().string() : "." + std::string(extension);
     return name + (name.empty() ? "" : " ") + mark + suffix;
 }
+
+/// What the copy itself cannot hold.
+fs::path besides(const fs::path& copy) { return copy.string() + ".xmp"; }
 
 }  // namespace
 
@@ -78,9 +81,14 @@ FavouritePicture keepFavourite(const ShownPicture& picture, const fs::path& fold
             write(target, *whole);
             return {target, true};
         }
-        write(target.string() + ".xmp", packet);
+        write(besides(target), packet);
     }
-    write(target, bytes);
+    try {
+        write(target, bytes);
+    } catch (const FileError&) {
+        fs::remove(besides(target), unknown);
+        throw;
+    }
     return {target, true};
 }
 

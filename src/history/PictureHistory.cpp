@@ -119,6 +119,9 @@ void PictureHistory::Line::remove(std::size_t at) {
     } else if (present && *present > at) {
         --*present;
     }
+    // What stood between them is gone: a step that changes nothing would look like a failure.
+    if (at > 0 && at < pictures.size() && pictures[at - 1].isSamePicture(pictures[at]))
+        remove(present == at ? at - 1 : at);
 }
 
 PictureHistory::Line* PictureHistory::find(const std::string& displayID) {

@@ -22,15 +22,16 @@ constexpr std::size_t maximumBytes = 64 << 20;
 /// Of the history until it is written anew, without what it has forgotten.
 constexpr std::size_t maximumLines = 4000;
 
-std::string textOf(const fs::path& file) {
+/// Empty where there is none; nothing where there is one that cannot be read.
+std::optional<std::string> textOf(const fs::path& file) {
     std::error_code ignored;
-    if (!fs::exists(file, ignored)) return {};
+    if (!fs::exists(file, ignored)) return "";
     try {
         return readFile(file, maximumBytes);
     } catch (const std::exception&) {
         logWarning("The pictures that were shown before could not be read.", "wallpaper",
                    std::current_exception());
-        return {};
+        return std::nullopt;
     }
 }
 
@@ -43,12 +44,21 @@ void keeping(const std::function<void()>& work) {
     }
 }
 
+/// Whether the next line would become a part of the last one: editors and full disks leave no line feed
+/// behind.
+bool endsWithinLine(const FileDescriptor& file) {
+    const off_t size = ::lseek(file.get(), 0, SEEK_END);
+    char last = '\n';
+    return size > 0 && ::pread(file.get(), &last, 1, size - 1) == 1 && last != '\n';
+}
+
 /// In one go, so that a process that is killed leaves whole lines.
-void appendLine(const fs::path& file, const std::string& line) {
+void appendLine(const fs::path& file, std::string line) {
     createDirectories(file.parent_path(), 0700);
     const FileDescriptor descriptor(
-        ::open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600));
+        ::open(file.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600));
     if (!descriptor) throw std::system_error(errno, std::generic_category());
+    if (endsWithinLine(descriptor)) line.insert(0, 1, '\n');
     writeWhole(descriptor, {reinterpret_cast<const std::uint8_t*>(line.data()), line.size()});
 }
 
@@ -61,8 +71,10 @@ struct Files {
 
 Task<void> PictureMemory::load() {
     Files read = co_await files_.run([folder = folder_] {
-        const std::string text = textOf(folder / historyFile);
-        Files files{PictureHistory(text), BannedPictures(textOf(folder / trashFile))};
+        const auto text = textOf(folder / historyFile);
+        // The trash is the user's word, which is not written over; the history begins anew.
+        Files files{PictureHistory(text.value_or("")),
+                    BannedPictures(textOf(folder / trashFile).value_or(""))};
         files.history.forgetFiles([&](const Url& file) { return files.banned.contains(file); });
         if (std::string kept = files.history.text(); kept != text) {
             keeping([&] { writeFileAtomically(folder / historyFile, kept, 0600, Durability::reproducible); });

@@ -22,6 +22,8 @@ std::string escaped(std::string_view text) {
             result += "&lt;";
         else if (byte == '>')
             result += "&gt;";
+        else if (static_cast<unsigned char>(byte) < 0x20)
+            result += ' ';  // most of these are not XML, in whatever way they are written
         else
             result += byte;
     }

@@ -17,6 +17,7 @@
 #include "linux/dbus/DBusRunningInstances.h"
 #include "linux/dbus/DBusSessionEnd.h"
 #include "linux/desktop/LinuxDesktopPicture.h"
+#include "linux/glib/AutostartEntry.h"
 #include "linux/glib/ClockJumps.h"
 #include "linux/glib/GioAddresses.h"
 #include "linux/glib/GlibMainLoop.h"
@@ -33,6 +34,7 @@
 #include "linux/soup/SoupHTTPSession.h"
 #include "linux/x11/OutputMemory.h"
 #include "linux/xsmp/XsmpSessionEnd.h"
+#include "storage/InstalledProgram.h"
 
 namespace quillmar {
 namespace {
@@ -102,12 +104,12 @@ std::optional<Url> reportEndpoint(const BundleInfo& bundle) {
 
 /// What the threads use is made before them, so that it outlives their last job.
 struct LinuxPlatform::Adapters {
-    Adapters(const BundleInfo& bundleInfo, const Environment& variables, AlertPresenting& alertPresenting)
-        : bundle(bundleInfo), environment(variables), alerts(alertPresenting) {}
+    Adapters(const BundleInfo& bundleInfo, const Environment& variables, Views shown)
+        : bundle(bundleInfo), environment(variables), views(shown) {}
 
     const BundleInfo& bundle;
     const Environment& environment;
-    AlertPresenting& alerts;
+    Views views;
     std::filesystem::path supportFolder = applicationSupportDirectoryOrNowhere(environment);
     std::unique_ptr<LoopProbe> loopProbe = LoopProbe::wanted();
     GlibMainLoop loop;
@@ -136,6 +138,7 @@ struct LinuxPlatform::Adapters {
     NoUsageReporting usageReporting;
     DBusNotifications notifications;
     GioAddresses addresses;
+    AutostartEntry loginItem{stateFiles, environment, calledProgram()};
     LinuxPictureEncoding encoding;
     ProcessPictureRendering rendering{pool, ProcessPictureRendering::installedProgram()};
     GtkScreens screens{outputIdentitiesFile(environment), stateFiles};
@@ -143,9 +146,8 @@ struct LinuxPlatform::Adapters {
                                        supportFolder / "Cache/GeneratedWallpapers"};
 };
 
-LinuxPlatform::LinuxPlatform(const BundleInfo& bundle, const Environment& environment,
-                             AlertPresenting& alerts)
-    : adapters_(std::make_unique<Adapters>(bundle, environment, alerts)) {}
+LinuxPlatform::LinuxPlatform(const BundleInfo& bundle, const Environment& environment, Views views)
+    : adapters_(std::make_unique<Adapters>(bundle, environment, views)) {}
 LinuxPlatform::~LinuxPlatform() = default;
 
 Ports LinuxPlatform::ports() {
@@ -163,7 +165,7 @@ Ports LinuxPlatform::ports() {
             .runningInstances = own.instances,
             .control = own.controlChannel,
             .usageReporting = own.usageReporting,
-            .alerts = own.alerts,
+            .alerts = own.views.alerts,
             .screens = own.screens,
             .desktop = own.desktopPicture,
             .pictureRendering = own.rendering,
@@ -171,7 +173,10 @@ Ports LinuxPlatform::ports() {
             .notificationCenter = own.notifications,
             .webSession = own.webSession,
             .addresses = own.addresses,
-            .settingsWindow = nullptr,
+            .loginItem = own.loginItem,
+            .files = own.views.files,
+            .clipboard = own.views.clipboard,
+            .settingsWindow = own.views.settingsWindow,
             .flushLog = [&own] { return own.pipeline.flush(); }};
 }
 

@@ -8,8 +8,14 @@ namespace quillmar {
 /// The adapters of this desktop, all of them, behind the ports that the application is given.
 class LinuxPlatform {
 public:
-    /// `alerts` ask the user; a session with the display server must be there. All three outlive this.
-    LinuxPlatform(const BundleInfo& bundle, const Environment& environment, AlertPresenting& alerts);
+    /// The views; a session with the display server must be there. All outlive this.
+    struct Views {
+        AlertPresenting& alerts;
+        FileChoosing& files;
+        ClipboardWriting& clipboard;
+        SettingsWindowing& settingsWindow;
+    };
+    LinuxPlatform(const BundleInfo& bundle, const Environment& environment, Views views);
     LinuxPlatform(const LinuxPlatform&) = delete;
     LinuxPlatform& operator=(const LinuxPlatform&) = delete;
     ~LinuxPlatform();

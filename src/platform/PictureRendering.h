@@ -37,7 +37,7 @@ struct PictureComposition {
     bool operator==(const PictureComposition&) const = default;
 };
 
-/// Asked once, on the main thread, with the size of the picture as it is to be looked at.
+/// Asked on the main thread, at each try to draw the canvas, with the size of the picture as it is to be looked at.
 using PictureComposer = std::function<PictureComposition(PixelSize)>;
 
 /// Reads picture files, whoever they come from, where that can do no harm and can be ended: a request that is

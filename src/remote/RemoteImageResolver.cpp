@@ -61,11 +61,13 @@ Task<RemotePicture> RemoteImageResolver::picture(const auto&, const Request& req
 
 Task<ResolvedRemoteImage> RemoteImageResolver::resolve(WallpaperMode mode, Request request) {
     // The folder's, until the file's own: a sweep must not come between a download and its use.
-    const CacheFileLease folderLease(cacheFiles_, cacheDirectory_, true);
+    std::optional<CacheFileLease> folderLease(std::in_place, cacheFiles_, cacheDirectory_, true);
     const auto turn = co_await lines_[mode.kind()].acquire();
     RemotePicture found =
         co_await std::visit([&](const auto& settings) { return picture(settings, request); }, mode.value);
     CacheFileLease fileLease(cacheFiles_, found.image);
+    folderLease.reset();
+    if (foundHandler_) co_await foundHandler_(found.image);
     boundTexts(found);
     co_return ResolvedRemoteImage{std::move(fileLease),
                                   std::move(found.image),

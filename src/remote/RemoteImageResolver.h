@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <map>
 
 #include "async/TaskLock.h"
@@ -29,6 +30,10 @@ public:
         RandomIndex randomIndex;
     };
     explicit RemoteImageResolver(Parts parts);
+    /// Is awaited with each picture that was found. Replaces the former one.
+    void setFoundHandler(std::function<Task<void>(std::filesystem::path image)> handler) {
+        foundHandler_ = std::move(handler);
+    }
 
     Task<ResolvedRemoteImage> resolveImage(WallpaperMode mode, DisplayInfo display, bool advancesSelection,
                                            RemoteImagePresentation presentation) override;
@@ -58,6 +63,7 @@ private:
 
     const CacheFileProtection& cacheFiles_;
     const std::filesystem::path cacheDirectory_;
+    std::function<Task<void>(std::filesystem::path)> foundHandler_;
     std::map<WallpaperModeKind, TaskLock> lines_;
     ApodService apod_;
     NasaEpicService nasaEpic_;

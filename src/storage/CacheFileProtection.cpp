@@ -9,7 +9,11 @@ namespace quillmar {
 CacheFileProtection::CacheFileProtection() : references_(std::make_shared<References>()) {}
 
 bool CacheFileProtection::removeIfFree(const std::filesystem::path& file) {
-    return references_->removeIfFree(file.native());
+    return references_->removeIfFree(file.native(), true);
+}
+
+bool CacheFileProtection::removeUnlessLeasedItself(const std::filesystem::path& file) {
+    return references_->removeIfFree(file.native(), false);
 }
 
 Uuid CacheFileProtection::References::add(std::string path, bool isDirectory) {
@@ -24,10 +28,10 @@ void CacheFileProtection::References::remove(const Uuid& id) {
     byID_.erase(id);
 }
 
-bool CacheFileProtection::References::removeIfFree(const std::string& file) {
+bool CacheFileProtection::References::removeIfFree(const std::string& file, bool countsFolders) {
     const std::scoped_lock lock(mutex_);
     for (const auto& [id, reference] : byID_) {
-        if (reference.covers(file)) return false;
+        if ((countsFolders || !reference.isDirectory) && reference.covers(file)) return false;
     }
     return ::unlink(file.c_str()) == 0;
 }

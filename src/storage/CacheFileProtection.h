@@ -18,6 +18,8 @@ public:
     /// No lease can begin between the check and the removal. `file` is a path as `resolvedPath` gives it.
     /// True when the file was removed; a failure to remove counts as not removed.
     bool removeIfFree(const std::filesystem::path& file);
+    /// The same, but only a lease on the file itself counts.
+    bool removeUnlessLeasedItself(const std::filesystem::path& file);
 
 private:
     friend class CacheFileLease;

@@ -15,7 +15,7 @@ public:
     /// Begins a reference to a resolved path.
     Uuid add(std::string path, bool isDirectory);
     void remove(const Uuid& id);
-    bool removeIfFree(const std::string& file);
+    bool removeIfFree(const std::string& file, bool countsFolders);
 
 private:
     struct Reference {

@@ -1,4 +1,6 @@
 #pragma once
+#include <map>
+#include <memory>
 #include <optional>
 
 #include "async/Executor.h"
@@ -36,11 +38,24 @@ public:
     Task<CacheSweepResult> periodicSweep(std::optional<FilePaths> referencedFiles, FilePaths protectedFiles,
                                          WallTime now) const;
 
+    /// Takes note of a file that was written into one of these two folders: whether it and what may still be
+    /// written leave them within their limits. Main thread.
+    Task<bool> hasRoomAfter(std::filesystem::path file);
+    /// As `periodicSweep`, but leaves some room, so that not every file that follows asks for another one.
+    Task<CacheSweepResult> makeRoom(std::optional<FilePaths> referencedFiles, FilePaths protectedFiles,
+                                    WallTime now) const;
+
 private:
+    /// Bytes that may still be written, by folder; on the executor alone.
+    using Room = std::map<std::filesystem::path, std::int64_t>;
+    static CacheSweepResult reproducibleFiles(CacheSweep& sweep, const std::filesystem::path& root,
+                                              const Policy& policy, std::int64_t spare, Room& room);
+    Task<CacheSweepResult> sweepReproducible(FilePaths keep, WallTime now, std::int64_t spare) const;
     Executor& executor_;
     CacheFileProtection& protection_;
     std::optional<std::filesystem::path> cacheRoot_;
     Policy policy_;
+    std::shared_ptr<Room> room_ = std::make_shared<Room>();
 };
 
 }  // namespace quillmar

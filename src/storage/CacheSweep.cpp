@@ -116,12 +116,12 @@ CacheSweepResult CacheSweep::byAgeAndSize(const fs::path& folder, std::string_vi
 
 void CacheSweep::removeDownTo(std::int64_t maximumBytes, std::vector<CacheEntry> entries,
                               CacheSweepResult& result) {
-    std::int64_t remaining = 0;
-    for (const CacheEntry& entry : entries) remaining += entry.size;
-    if (remaining <= maximumBytes) return;
+    remainingBytes_ = 0;
+    for (const CacheEntry& entry : entries) remainingBytes_ += entry.size;
+    if (remainingBytes_ <= maximumBytes) return;
     std::priority_queue<CacheEntry, std::vector<CacheEntry>, WasUsedLater> oldestFirst({},
                                                                                        std::move(entries));
-    while (remaining > maximumBytes && !oldestFirst.empty()) {
+    while (remainingBytes_ > maximumBytes && !oldestFirst.empty()) {
         CacheEntry entry = oldestFirst.top();
         oldestFirst.pop();
         if (!entry.countsStamp) {
@@ -129,7 +129,7 @@ void CacheSweep::removeDownTo(std::int64_t maximumBytes, std::vector<CacheEntry>
             addStamp(entry);
             oldestFirst.push(std::move(entry));
         } else if (!isProtected(entry) && remove(entry, result)) {
-            remaining -= entry.size;
+            remainingBytes_ -= entry.size;
         }
     }
 }
@@ -166,7 +166,9 @@ CacheSweepResult CacheSweep::unreferencedFiles(const fs::path& folder, std::stri
 }
 
 bool CacheSweep::remove(const CacheEntry& entry, CacheSweepResult& result) {
-    if (!protection_.removeIfFree(entry.path)) return false;
+    const bool isRemoved = countsFolderLeases_ ? protection_.removeIfFree(entry.path)
+                                               : protection_.removeUnlessLeasedItself(entry.path);
+    if (!isRemoved) return false;
     result += {1, entry.size};
     return true;
 }

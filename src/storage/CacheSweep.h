@@ -38,12 +38,17 @@ class CacheSweep {
 public:
     /// `protectedFiles` stay, besides what is leased.
     CacheSweep(CacheFileProtection& protection, const FilePaths& protectedFiles, WallTime now);
+    /// From now on, leases on folders keep nothing: for a folder whose users lease each file before they look
+    /// whether it is there.
+    void passOverFolderLeases() { countsFolderLeases_ = false; }
 
     /// Removes the files whose name has the prefix and that were last used longer ago than `maximumAge`, then
     /// the least recently used of the others until at most `maximumBytes` remain. Files that stay protected
     /// may keep the total above that.
     CacheSweepResult byAgeAndSize(const std::filesystem::path& folder, std::string_view prefix,
                                   std::int64_t maximumBytes, std::chrono::seconds maximumAge);
+    /// What the last one of these has left.
+    std::int64_t remainingBytes() const { return remainingBytes_; }
     /// Removes the folders that were changed longer ago than `age`, with all that is in them, leased or not.
     CacheSweepResult staleFolders(const std::filesystem::path& folder, std::chrono::seconds age);
     /// Removes the files that were changed longer ago than `age` unless they are leased.
@@ -61,6 +66,8 @@ private:
     CacheFileProtection& protection_;
     std::unordered_set<std::string> protectedPaths_;
     WallTime now_;
+    bool countsFolderLeases_ = true;
+    std::int64_t remainingBytes_ = 0;
 };
 
 }  // namespace quillmar

@@ -42,4 +42,6 @@ BundleInfo loadBundleInfo(const Environment& environment) {
 
 fs::path companionProgram(std::string_view name) { return found({".", "../libexec/quillmar"}, name); }
 
+fs::path calledProgram() { return found({".", "../../bin"}, "quillmar"); }
+
 }  // namespace quillmar

@@ -14,5 +14,7 @@ BundleInfo loadBundleInfo(const Environment& environment);
 /// Where another program of this build lies: beside this one, else in the installed folder for programs that
 /// nobody calls by hand. A path that is not there where it is missing.
 std::filesystem::path companionProgram(std::string_view name);
+/// Where the program lies that a person calls, seen from any program of this build.
+std::filesystem::path calledProgram();
 
 }  // namespace quillmar

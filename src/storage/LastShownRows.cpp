@@ -1,14 +1,17 @@
 #include "storage/LastShownRows.h"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cerrno>
 #include <cstring>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "base/AtomicFile.h"
 #include "base/Files.h"
@@ -30,12 +33,13 @@ struct FileStamp {
 /// Before the rows, as this machine lays it out: the file never leaves it.
 struct Header {
     std::array<char, 8> magic{'q', 'u', 'i', 'r', 'o', 'w', 's', '\0'};
-    std::uint32_t version = 1;
+    std::uint32_t version = 2;
     std::int32_t width = 0;
     std::int32_t height = 0;
     std::uint32_t pathBytes = 0;
     FileStamp png;
-    std::array<char, LastShownRows::firstRow - 56> path{};
+    std::uint64_t rowsChecksum = 0;
+    std::array<char, LastShownRows::firstRow - 64> path{};
     std::uint64_t checksum = 0;  ///< of all before it
 };
 static_assert(sizeof(Header) == LastShownRows::firstRow);
@@ -43,6 +47,33 @@ static_assert(sizeof(Header) == LastShownRows::firstRow);
 std::uint64_t checksumOf(const Header& header) {
     return fnv1a64({reinterpret_cast<const char*>(&header), offsetof(Header, checksum)});
 }
+
+/// Finds what is not as it was written, in less time than the disk takes: eight sums side by side.
+class RowsChecksum {
+public:
+    /// All but the last piece have a multiple of `blockBytes` bytes.
+    static constexpr std::size_t blockBytes = 64;
+
+    void add(std::span<const std::uint8_t> bytes) {
+        for (; bytes.size() >= blockBytes; bytes = bytes.subspan(blockBytes)) addBlock(bytes.data());
+        std::array<std::uint8_t, blockBytes> rest{};
+        std::ranges::copy(bytes, rest.begin());
+        if (!bytes.empty()) addBlock(rest.data());
+    }
+    std::uint64_t value() const {
+        return fnv1a64({reinterpret_cast<const char*>(sums_.data()), sizeof sums_});
+    }
+
+private:
+    void addBlock(const std::uint8_t* block) {
+        for (std::size_t i = 0; i < sums_.size(); ++i) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, block + i * sizeof word, sizeof word);
+            sums_[i] = (std::rotl(sums_[i], 29) ^ word) * 0x9e3779b97f4a7c15u;
+        }
+    }
+    std::array<std::uint64_t, blockBytes / 8> sums_{1, 2, 3, 4, 5, 6, 7, 8};
+};
 
 std::optional<FileStamp> stampOf(const std::filesystem::path& file) {
     struct stat status{};
@@ -76,17 +107,6 @@ FileDescriptor openedOwn(const std::filesystem::path& file, struct stat& status)
     return isOwn ? std::move(descriptor) : FileDescriptor();
 }
 
-/// What a process that was killed has left of such a file: each is as large as a whole one.
-void removeUnfinished(const std::filesystem::path& folder, const std::filesystem::path& file) {
-    const std::string prefix = "." + file.filename().string() + ".";
-    std::error_code ignored;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, ignored)) {
-        if (entry.path().filename().string().starts_with(prefix)) {
-            std::filesystem::remove(entry.path(), ignored);
-        }
-    }
-}
-
 }  // namespace
 
 void LastShownRows::write(const std::filesystem::path& folder, const std::string& key,
@@ -97,17 +117,24 @@ void LastShownRows::write(const std::filesystem::path& folder, const std::string
                   .height = pixels.size().height,
                   .pathBytes = static_cast<std::uint32_t>(path.size()),
                   .png = stamp.value_or(FileStamp{})};
+    RowsChecksum checksum;
+    checksum.add(pixels.bytes());
+    header.rowsChecksum = checksum.value();
     if (!stamp || path.size() > header.path.size()) {
         throw std::system_error(stamp ? ENAMETOOLONG : ENOENT, std::generic_category());
     }
     path.copy(header.path.data(), path.size());
     header.checksum = checksumOf(header);
     createDirectories(folder, 0700);
-    removeUnfinished(folder, rowsFile(folder, key));
     AtomicFile file(rowsFile(folder, key), 0600, Durability::reproducible);
     file.append({reinterpret_cast<const std::uint8_t*>(&header), sizeof header});
     file.append(pixels.bytes());
     file.commit();
+}
+
+void LastShownRows::remove(const std::filesystem::path& folder, const std::string& key) {
+    std::error_code ignored;
+    std::filesystem::remove(rowsFile(folder, key), ignored);
 }
 
 std::optional<LastShownRows> LastShownRows::open(const std::filesystem::path& folder,
@@ -124,18 +151,21 @@ std::optional<LastShownRows> LastShownRows::open(const std::filesystem::path& fo
         stampOf(png) != header.png) {
         return std::nullopt;
     }
-    return LastShownRows(std::move(file), size, png);
+    return LastShownRows(std::move(file), size, png, header.rowsChecksum);
 }
 
-void LastShownRows::fetch() {
-    mapping_ = std::make_unique<Mapping>(descriptor(), firstRow + rowsBytes(size_));
-}
-
-LastShownRows::Mapping::Mapping(int file, std::size_t bytes)
-    : address(::mmap(nullptr, bytes, PROT_READ, MAP_SHARED | MAP_POPULATE, file, 0)), length(bytes) {}
-
-LastShownRows::Mapping::~Mapping() {
-    if (address != MAP_FAILED) ::munmap(address, length);
+bool LastShownRows::fetch() const {
+    constexpr std::size_t pieceBytes = 1 << 18;
+    std::vector<std::uint8_t> piece(pieceBytes);
+    RowsChecksum checksum;
+    const std::size_t end = firstRow + rowsBytes(size_);
+    for (std::size_t at = firstRow; at < end; at += piece.size()) {
+        piece.resize(std::min(pieceBytes, end - at));
+        const ssize_t count = ::pread(file_.get(), piece.data(), piece.size(), static_cast<off_t>(at));
+        if (count != std::ssize(piece)) return false;  // a disk that cannot be read any more
+        checksum.add(piece);
+    }
+    return checksum.value() == checksum_;
 }
 
 }  // namespace quillmar

@@ -23,31 +23,26 @@ public:
     /// or not those of the PNG file as it is now.
     static std::optional<LastShownRows> open(const std::filesystem::path& folder, const std::string& key);
 
+    /// The next start does not paint that screen. What cannot be removed stays.
+    static void remove(const std::filesystem::path& folder, const std::string& key);
+
     const std::filesystem::path& png() const { return png_; }
     PixelSize size() const { return size_; }
     /// Of a file that has the rows from `firstRow` on, as a `PixelBuffer` has them; stays this one's.
     int descriptor() const { return file_.get(); }
     static constexpr std::uint32_t firstRow = 4096;
-    /// Fetches the rows from the disk and keeps them in memory, so that nobody who is handed the file has to
-    /// wait for it. What cannot be fetched is left to them.
-    void fetch();
+    /// Reads the rows from the disk, so that nobody who is handed the file has to wait for it: whether they
+    /// are those that were written, as after a power cut they may not be.
+    bool fetch() const;
 
 private:
-    struct Mapping {
-        Mapping(int file, std::size_t length);
-        Mapping(const Mapping&) = delete;
-        Mapping& operator=(const Mapping&) = delete;
-        ~Mapping();
-        void* address;
-        std::size_t length;
-    };
-    LastShownRows(FileDescriptor file, PixelSize size, std::filesystem::path png)
-        : file_(std::move(file)), size_(size), png_(std::move(png)) {}
+    LastShownRows(FileDescriptor file, PixelSize size, std::filesystem::path png, std::uint64_t checksum)
+        : file_(std::move(file)), size_(size), png_(std::move(png)), checksum_(checksum) {}
 
     FileDescriptor file_;
     PixelSize size_;
     std::filesystem::path png_;
-    std::unique_ptr<Mapping> mapping_;
+    std::uint64_t checksum_;  ///< of the rows
 };
 
 }  // namespace quillmar

@@ -67,4 +67,8 @@ fs::path userPicturesFolder(const Environment& environment) {
     return named.empty() ? home / "Pictures" : named;
 }
 
+fs::path favouritesFolder(const Environment& environment) {
+    return userPicturesFolder(environment) / "Quillmar";
+}
+
 }  // namespace quillmar

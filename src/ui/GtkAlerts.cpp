@@ -6,6 +6,7 @@
 #include "async/WaitList.h"
 #include "linux/glib/Ref.h"
 #include "linux/glib/Signal.h"
+#include "ui/FrontWindow.h"
 
 namespace quillmar {
 
@@ -89,7 +90,12 @@ public:
 
     void showInFront() {
         gtk_window_set_modal(window(), TRUE);
-        gtk_window_set_position(window(), GTK_WIN_POS_CENTER);
+        if (GtkWindow* front = frontWindow(); front && front != window()) {
+            gtk_window_set_transient_for(window(), front);
+            gtk_window_set_position(window(), GTK_WIN_POS_CENTER_ON_PARENT);
+        } else {
+            gtk_window_set_position(window(), GTK_WIN_POS_CENTER);
+        }
         gtk_window_set_keep_above(window(), TRUE);
         gtk_window_set_urgency_hint(window(), TRUE);
         gtk_widget_show_all(dialog_.get());

@@ -123,7 +123,11 @@ std::string imageFingerprint(const std::filesystem::path& source, const std::str
 std::string imageFileName(const DisplayInfo& display, PixelSize size, ImagePresentationLayout layout,
                           const std::string& normalizedBackground, const std::string& fingerprint) {
     // A text that is no colour is in the name as it stands, and must not lead to another folder.
-    std::string background = normalizedBackground;
+    // File systems take names of up to 255 bytes.
+    constexpr std::size_t longestText = 64;
+    std::string background = normalizedBackground.size() > longestText
+                                 ? hexadecimal(fnv1a64(normalizedBackground))
+                                 : normalizedBackground;
     std::ranges::replace_if(background, [](char c) { return c == '/' || c == 0; }, '-');
     return fmt::format("image-v2-{}-{}x{}-{}-{}-{}.png", replacingNonAlphanumerics(display.id, '-'),
                        size.width, size.height, enumName(layout), background, fingerprint);

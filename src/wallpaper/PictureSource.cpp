@@ -47,8 +47,18 @@ bool isFaultOfFile(const std::exception_ptr& failure) {
         std::rethrow_exception(failure);
     } catch (const Error& error) {
         return error.errorCase() == Error::Case::unreadableImage;
-    } catch (const PictureRenderingError&) {
-        return true;
+    } catch (const PictureRenderingError& error) {
+        return error.errorCase() != PictureRenderingError::Case::noDecoder;
+    } catch (...) {
+        return false;
+    }
+}
+
+bool mayPassWithTime(const std::exception_ptr& failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const PictureRenderingError& error) {
+        return error.errorCase() == PictureRenderingError::Case::decoderFailed;
     } catch (...) {
         return false;
     }

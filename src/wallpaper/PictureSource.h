@@ -28,5 +28,8 @@ PictureSource pictureSource(const SlideshowPresentationSettings& settings, const
 
 /// Whether a picture was not made because of its file, so that another one may do.
 bool isFaultOfFile(const std::exception_ptr& failure);
+/// Whether the same file may do the next time: a decoder is also ended by others, such as a system short of
+/// memory.
+bool mayPassWithTime(const std::exception_ptr& failure);
 
 }  // namespace quillmar

@@ -94,8 +94,9 @@ Task<StaticPictures::Prepared> StaticPictures::fromSlideshow(WallpaperApplyReque
     const auto look = request.mode.imagePresentation();
     auto slideshow = std::get<SlideshowPresentationSettings>(request.mode.value);
     WallpaperApplyOutcome outcome;
+    UnreadablePictures passedOver;
     for (;;) {
-        const PictureSource source = co_await nextOf(slideshow);
+        const PictureSource source = co_await nextOf(slideshow, passedOver);
         std::exception_ptr failure;
         try {
             GeneratedPicture picture = co_await services_.renderer.image(
@@ -110,19 +111,21 @@ Task<StaticPictures::Prepared> StaticPictures::fromSlideshow(WallpaperApplyReque
         }
         if (!isFaultOfFile(failure)) std::rethrow_exception(failure);
         slideshow.lastImageURL = source.selectedSlideshowImageURL;
-        unreadable_ = co_await services_.executor.run(
-            [known = unreadable_, url = *slideshow.lastImageURL] { return known.with(url); });
+        UnreadablePictures& known = mayPassWithTime(failure) ? passedOver : unreadable_;
+        known = co_await services_.executor.run(
+            [known, url = *slideshow.lastImageURL] { return known.with(url); });
         outcome.leftOut.push_back(failure);
         if (outcome.leftOut.size() == maximumUnreadable) std::rethrow_exception(failure);
     }
 }
 
-Task<PictureSource> StaticPictures::nextOf(SlideshowPresentationSettings slideshow) {
+Task<PictureSource> StaticPictures::nextOf(SlideshowPresentationSettings slideshow,
+                                           UnreadablePictures passedOver) {
     co_return co_await services_.executor.run([settings = std::move(slideshow),
                                                random = services_.randomIndex, unreadable = unreadable_,
-                                               banned = services_.memory.banned()] {
+                                               passedOver, banned = services_.memory.banned()] {
         return pictureSource(settings, random, [&](const Url& image) {
-            return banned.contains(image) || unreadable.contains(image);
+            return banned.contains(image) || unreadable.contains(image) || passedOver.contains(image);
         });
     });
 }

@@ -41,7 +41,7 @@ public:
 private:
     Task<Prepared> fromFile(WallpaperApplyRequest request);
     Task<Prepared> fromSlideshow(WallpaperApplyRequest request);
-    Task<PictureSource> nextOf(SlideshowPresentationSettings slideshow);
+    Task<PictureSource> nextOf(SlideshowPresentationSettings slideshow, UnreadablePictures passedOver);
     Task<Prepared> again(ShownPicture picture, DisplayInfo display);
     Task<Prepared> fromService(WallpaperApplyRequest request);
     bool isBanned(const std::filesystem::path& file) const;

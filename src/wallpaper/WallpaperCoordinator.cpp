@@ -3,12 +3,27 @@
 #include <algorithm>
 
 #include "modes/WallpaperApplicationError.h"
+#include "platform/DesktopPictureError.h"
 #include "wallpaper/PictureSource.h"
 
 namespace quillmar {
 namespace {
 
 using Error = WallpaperApplicationError;
+
+/// Whether the display was away or on the move, and may show its picture when it is back.
+bool isFaultOfArrangement(const std::exception_ptr& failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const Error& error) {
+        return error.errorCase() == Error::Case::unavailableDisplay;
+    } catch (const DesktopPictureError& error) {
+        return error.errorCase() == DesktopPictureError::Case::disconnected ||
+               error.errorCase() == DesktopPictureError::Case::rearranged;
+    } catch (...) {
+        return false;
+    }
+}
 
 }  // namespace
 
@@ -35,7 +50,6 @@ Task<WallpaperApplyBatchResult> WallpaperCoordinator::enqueue(std::optional<Disp
     if (gate_.isLockScreenOverrideActive) co_return suppressedBatch(displayIDs, reason);
     const auto ticket = ticketFor(displayIDs);
     for (const std::string& id : ticket->displayIDs) queue_.add(id, WallpaperPass{reason, {ticket}});
-    if (ticket->displayIDs.empty()) ticket->answer();
     co_return co_await WallpaperTicket::wait(ticket);
 }
 
@@ -76,7 +90,7 @@ Task<WallpaperApplyBatchResult> WallpaperCoordinator::addChange(WallpaperSetting
     progress->change = std::move(change);
     progress->ticket = ticketFor(displayIDs);
     for (const std::string& id : progress->ticket->displayIDs) queue_.add(id, progress);
-    if (progress->ticket->displayIDs.empty() && co_await changes_.save(progress)) progress->ticket->answer();
+    if (progress->ticket->displayIDs.empty()) co_await changes_.save(progress);
     WallpaperApplyBatchResult batch = co_await WallpaperTicket::wait(progress->ticket);
     std::ranges::sort(batch.displays, {}, [&](const WallpaperDisplayApplyResult& result) {
         const auto place = std::ranges::find(progress->ticket->displayIDs, result.displayID);
@@ -85,7 +99,25 @@ Task<WallpaperApplyBatchResult> WallpaperCoordinator::addChange(WallpaperSetting
     co_return batch;
 }
 
+DisplayIDs WallpaperCoordinator::outOfDate() const {
+    DisplayIDs ids;
+    for (const DisplayInfo& display : displayProvider_.displays()) {
+        // Work that is in line looks at the display by itself.
+        if (!queue_.isWorking(display.id) && isOutOfDate(display)) ids.insert(display.id);
+    }
+    return ids;
+}
+
+bool WallpaperCoordinator::isOutOfDate(const DisplayInfo& display) const {
+    const auto* entry = findEntry(settingsModel_.settings().wallpaper.displays, display.id);
+    if (!entry || entry->mode.kind() == WallpaperModeKind::disabled) return false;
+    const auto made = madeFor_.find(display.id);
+    return made == madeFor_.end() || made->second != display.pixelSize;
+}
+
 Task<void> WallpaperCoordinator::work(std::string displayID, WallpaperWork work) {
+    const auto before = display(displayID);
+    madeFor_.insert_or_assign(displayID, before ? before->pixelSize : std::nullopt);
     if (auto* pass = std::get_if<WallpaperPass>(&work)) {
         const WallpaperDisplayApplyResult result = co_await applyCurrent(displayID, pass->reason);
         for (const auto& ticket : pass->tickets) ticket->deliver(result);
@@ -96,6 +128,11 @@ Task<void> WallpaperCoordinator::work(std::string displayID, WallpaperWork work)
                              std::get<std::shared_ptr<WallpaperSettingsChangeInProgress>>(std::move(work)));
     }
     if (changeHandler_) changeHandler_(displayID);
+    // It may have its former size back before anybody looks, and then nothing seems to have changed.
+    const auto after = display(displayID);
+    if (before && after && before->pixelSize != after->pixelSize && isOutOfDate(*after)) {
+        queue_.add(displayID, WallpaperPass{WallpaperApplyReason::userInitiated, {}});
+    }
 }
 
 Task<WallpaperDisplayApplyResult> WallpaperCoordinator::applyCurrent(std::string displayID,
@@ -125,7 +162,9 @@ Task<std::exception_ptr> WallpaperCoordinator::tryApplying(WallpaperApplyRequest
     } catch (const CancellationError&) {
         throw;
     } catch (const std::exception&) {
-        co_return std::current_exception();
+        const auto failure = std::current_exception();
+        if (isFaultOfArrangement(failure)) madeFor_.insert_or_assign(request.display.id, std::nullopt);
+        co_return failure;
     }
     co_return nullptr;
 }

@@ -39,6 +39,9 @@ public:
     void setChangeHandler(std::function<void(const std::string& displayID)> handler) {
         changeHandler_ = std::move(handler);
     }
+    /// The connected displays whose picture was made for another size, or that were away when it was their
+    /// turn: they came back too soon to be another arrangement.
+    DisplayIDs outOfDate() const;
     /// True from the start of work until nothing is left to do.
     bool isApplying() const { return queue_.isWorking(); }
     /// What each display fails of at present, by display ID.
@@ -48,6 +51,7 @@ public:
 
 private:
     Task<void> work(std::string displayID, WallpaperWork work);
+    bool isOutOfDate(const DisplayInfo& display) const;
     Task<WallpaperDisplayApplyResult> applyCurrent(std::string displayID, WallpaperApplyReason reason);
     Task<WallpaperDisplayApplyResult> applyAgain(std::string displayID, HistoryStep step);
     Task<std::exception_ptr> tryApplying(WallpaperApplyRequest request);
@@ -71,6 +75,8 @@ private:
     PictureMemory& pictures_;
     const WallpaperApplicationGate& gate_;
     std::function<void(const std::string&)> changeHandler_;
+    std::map<std::string, std::optional<PixelSize>>
+        madeFor_;  ///< by display: its size at its last turn; nothing when it was away
     WallpaperNotices notices_;
     WallpaperSelectionMemory memory_;
     WallpaperSettingsChanges changes_;

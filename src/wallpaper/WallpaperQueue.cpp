@@ -22,6 +22,7 @@ void WallpaperTicket::answer() {
 }
 
 Task<WallpaperApplyBatchResult> WallpaperTicket::wait(std::shared_ptr<WallpaperTicket> ticket) {
+    if (ticket->displayIDs.empty()) ticket->answer();
     while (!ticket->isAnswered) co_await ticket->answered.wait();
     co_return std::move(ticket->batch);
 }

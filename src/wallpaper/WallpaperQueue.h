@@ -57,6 +57,7 @@ public:
     void add(const std::string& displayID, WallpaperWork work);
     /// True from the start of work until every line is empty.
     bool isWorking() const { return !lines_.empty(); }
+    bool isWorking(const std::string& displayID) const { return lines_.contains(displayID); }
 
 private:
     Task<void> drain(std::string displayID);

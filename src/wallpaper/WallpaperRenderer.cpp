@@ -25,14 +25,17 @@ void createCacheDirectory(const fs::path& directory) {
     }
 }
 
-/// Stamps a file that can be used, so that no sweep takes it for forgotten.
-bool isUsable(const fs::path& file, PixelSize size, WallTime now) {
-    if (!isValidGeneratedPng(file, size)) return false;
-    stampLastUsed(file, now);
-    return true;
-}
-
 }  // namespace
+
+/// Stamps a file that can be used, so that no sweep takes it for forgotten.
+WallpaperRenderer::Found WallpaperRenderer::lookFor(const CacheFileProtection& cacheFiles,
+                                                    const fs::path& file, PixelSize size, WallTime now) {
+    createCacheDirectory(file.parent_path());
+    Found found{CacheFileLease(cacheFiles, file), file};
+    found.isThere = isValidGeneratedPng(file, size);
+    if (found.isThere) stampLastUsed(file, now);
+    return found;
+}
 
 Task<GeneratedPicture> WallpaperRenderer::solidColor(std::string hexColor, DisplayInfo display) {
     const std::string normalized = normalizedHexColor(hexColor);
@@ -41,9 +44,8 @@ Task<GeneratedPicture> WallpaperRenderer::solidColor(std::string hexColor, Displ
     const PixelSize size = canvasSize(display);
     const fs::path file = services_.cacheDirectory / solidColorFileName(display, size, normalized);
     const Found found = co_await services_.executor.run(
-        [file, size, now = services_.clock.now(), directory = services_.cacheDirectory] {
-            createCacheDirectory(directory);
-            return Found{file, isUsable(file, size, now)};
+        [cacheFiles = &services_.cacheFiles, file, size, now = services_.clock.now()] {
+            return lookFor(*cacheFiles, file, size, now);
         });
     if (auto cached = co_await fromCache(found, display)) co_return *std::move(cached);
     SharedPixels pixels;
@@ -56,7 +58,7 @@ Task<GeneratedPicture> WallpaperRenderer::solidColor(std::string hexColor, Displ
     } catch (const std::system_error&) {  // the message of the case says all that helps the user
         throw Error(Error::Case::solidColorRenderingFailed);
     }
-    co_return madeNew(file, std::move(pixels));
+    co_return madeNew(found, std::move(pixels));
 }
 
 Task<GeneratedPicture> WallpaperRenderer::image(fs::path source, ImagePresentationLayout layout,
@@ -64,24 +66,24 @@ Task<GeneratedPicture> WallpaperRenderer::image(fs::path source, ImagePresentati
                                                 DisplayInfo display) {
     const Canvas canvas = Canvas::of(display);
     const std::string background = normalizedHexColor(backgroundHexColor);
-    const Found found = co_await services_.executor.run([=, size = canvas.size, now = services_.clock.now(),
-                                                         directory = services_.cacheDirectory] {
-        createCacheDirectory(directory);
-        const fs::path file =
-            directory / imageFileName(display, size, layout, background, imageFingerprint(source, caption));
-        return Found{file, isUsable(file, size, now)};
-    });
+    const Found found =
+        co_await services_.executor.run([=, cacheFiles = &services_.cacheFiles, size = canvas.size,
+                                         now = services_.clock.now(), directory = services_.cacheDirectory] {
+            const std::string fingerprint = imageFingerprint(source, caption);
+            const std::string name = imageFileName(display, size, layout, background, fingerprint);
+            return lookFor(*cacheFiles, directory / name, size, now);
+        });
     if (auto cached = co_await fromCache(found, display)) co_return *std::move(cached);
     const RgbColor color = parseHexColor(background).value_or(RgbColor{});
     SharedPixels pixels = co_await render(
         source, [=](PixelSize picture) { return compositionOf(layout, canvas, color, caption, picture); });
-    co_return madeNew(found.file, std::move(pixels));
+    co_return madeNew(found, std::move(pixels));
 }
 
 /// Nothing when there is none, or when it turns out to be damaged: then it makes room for a new one.
 Task<std::optional<GeneratedPicture>> WallpaperRenderer::fromCache(Found found, DisplayInfo display) {
     if (!found.isThere) co_return std::nullopt;
-    GeneratedPicture picture{.lease = CacheFileLease(services_.cacheFiles, found.file), .file = found.file};
+    GeneratedPicture picture{.lease = found.lease, .file = found.file};
     if (co_await services_.desktop.isShown(display.id, found.file)) co_return picture;
     if (co_await services_.desktop.takesPixels()) {
         picture.pixels = co_await services_.rendering.load(found.file, canvasSize(display));
@@ -96,9 +98,8 @@ Task<std::optional<GeneratedPicture>> WallpaperRenderer::fromCache(Found found, 
     co_return std::nullopt;
 }
 
-GeneratedPicture WallpaperRenderer::madeNew(fs::path file, SharedPixels pixels) const {
-    CacheFileLease lease(services_.cacheFiles, file);
-    return {std::move(lease), std::move(file), std::move(pixels), true};
+GeneratedPicture WallpaperRenderer::madeNew(const Found& found, SharedPixels pixels) {
+    return {found.lease, found.file, std::move(pixels), true};
 }
 
 Task<SharedPixels> WallpaperRenderer::render(fs::path source, PictureComposer composer) {

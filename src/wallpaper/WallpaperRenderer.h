@@ -42,13 +42,16 @@ public:
                                  std::string backgroundHexColor, std::string caption, DisplayInfo display);
 
 private:
-    /// A file of the cache and whether it can be what its name says.
+    /// A file of the cache and whether it can be what its name says. The lease is older than the look.
     struct Found {
+        CacheFileLease lease;
         std::filesystem::path file;
         bool isThere = false;
     };
+    static Found lookFor(const CacheFileProtection& cacheFiles, const std::filesystem::path& file,
+                         PixelSize size, WallTime now);
     Task<std::optional<GeneratedPicture>> fromCache(Found found, DisplayInfo display);
-    GeneratedPicture madeNew(std::filesystem::path file, SharedPixels pixels) const;
+    static GeneratedPicture madeNew(const Found& found, SharedPixels pixels);
     Task<SharedPixels> render(std::filesystem::path source, PictureComposer composer);
 
     Services services_;

@@ -80,11 +80,30 @@ TEST_F(AppDelegateTest, aFirstStartMakesTheSettingsAndTouchesNoDesktop) {
     launch();
     EXPECT_EQ(decodeSettings(readFile(machine.settingsFile(), 1 << 20)), delegate->subsystems()->defaults);
     EXPECT_EQ(machine.desktop.setCount, 0);
-    EXPECT_THAT(log.lines,
-                ElementsAre("information [lifecycle] Application diagnostics started. version=1.2.3",
-                            "information [lifecycle] Primary application instance acquired.",
-                            "information [lifecycle] Application startup completed."));
-    EXPECT_THAT(machine.usage.messages, ElementsAre("Quillmar@1.2.3", "app_launch", "display_count_2"));
+    EXPECT_THAT(
+        log.lines,
+        ElementsAre("information [lifecycle] Application diagnostics started. version=1.2.3",
+                    "information [updates] Software updates are disabled for this build. reason=disabled",
+                    "information [lifecycle] Primary application instance acquired.",
+                    "information [lifecycle] Application startup completed."));
+    EXPECT_THAT(machine.usage.messages,
+                ElementsAre("Quillmar@1.2.3", "app_launch", "display_count_2", "app_first_install"));
+    EXPECT_EQ(machine.loginItem.present, LoginItemRegistrationStatus::enabled);
+}
+
+TEST_F(AppDelegateTest, aNewerVersionIsNoticedOnceAndTheLoginItemIsTheUsersBusinessByThen) {
+    AppSettings settings = twoColors();
+    settings.lastLaunchedAppVersion = "1.2.2";
+    putSettings(settings);
+    launch();
+    EXPECT_THAT(machine.usage.messages, Contains("app_updated"));
+    EXPECT_THAT(log.lines, Contains("information [lifecycle] This is the first start of a newer version. "
+                                    "former_version=1.2.2 shows_changelog=true"));
+    EXPECT_EQ(decodeSettings(readFile(machine.settingsFile(), 1 << 20)).lastLaunchedAppVersion, "1.2.3");
+    EXPECT_EQ(machine.loginItem.changeCount, 0);
+    EXPECT_EQ(answer({"update"}).output, "This build of Quillmar does not look for newer versions.\n");
+    machine.loginItem.error = "read-only";
+    EXPECT_EQ(answer({"backup", "reset"}).output, "Settings Reset with Warnings: read-only\n");
 }
 
 TEST_F(AppDelegateTest, untilAServiceAnswersItsDisplaysShowWhatTheyShowedLast) {
@@ -267,7 +286,11 @@ TEST_F(AppDelegateTest, withTheSettingsWindowOpenOnlyAnExplicitWishOrTheSystemEn
     EXPECT_FALSE(machine.settingsWindow.visible);
     EXPECT_THAT(log.lines, Contains("information [lifecycle] External quit request closed Settings without "
                                     "terminating the program."));
-    machine.settingsWindow.visible = true;
+    machine.runningInstances.onActivate();
+    machine.loop.settle();
+    EXPECT_EQ(answer({"settings", "about"}).status, 0);
+    EXPECT_THAT(machine.settingsWindow.opened, ElementsAre("", "about"));
+    EXPECT_TRUE(machine.settingsWindow.content);
     delegate->quitController().requestQuit();
     machine.loop.settle();
     EXPECT_THAT(machine.process.exits, ElementsAre(0));

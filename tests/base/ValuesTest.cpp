@@ -4,6 +4,7 @@
 #include "base/Bytes.h"
 #include "base/Hash.h"
 #include "base/HexColor.h"
+#include "base/SemanticVersion.h"
 #include "base/Uuid.h"
 #include "base/WallTime.h"
 
@@ -85,6 +86,22 @@ TEST(WallTimeTest, refusesWhatIsNoMoment) {
           "2026-13-01T00:00:00Z", "2026-05-04T24:00:00Z", "2026-05-04T09:60:00Z", "2026-05-04T09:30:00.Z",
           "2026-05-04T09:30:00Zx", "2026-05-04T09:30:00+25:00", "2026-5-4T09:30:00Z"}) {
         EXPECT_FALSE(parseISO8601(text)) << text;
+    }
+}
+
+TEST(SemanticVersionTest, areOrderedByPrecedenceAndReadInOneForm) {
+    const char* rising[] = {
+        "0.9.99",       "1.0.0-2",    "1.0.0-11", "1.0.0-alpha", "1.0.0-alpha.1", "1.0.0-alpha.beta",
+        "1.0.0-beta.2", "1.0.0-rc.1", "1.0.0",    "1.2.0",       "1.10.0",        "18446744073709551616.0.0"};
+    for (std::size_t i = 1; i < std::size(rising); ++i) {
+        const auto lower = SemanticVersion::parse(rising[i - 1]), higher = SemanticVersion::parse(rising[i]);
+        ASSERT_TRUE(lower && higher) << rising[i];
+        EXPECT_LT(*lower, *higher) << rising[i];
+    }
+    EXPECT_EQ(SemanticVersion::parse("1.2.0+7"), SemanticVersion::parse("1.2.0+8"));
+    for (const char* text : {"", "1", "1.2", "1.2.3.4", "v1.2.3", "01.2.3", "1.2.3-", "1.2.3-01",
+                             "1.2.3-a..b", "1.2.3+", "1.2.3 ", "-1.2.3", "1.2.x"}) {
+        EXPECT_FALSE(SemanticVersion::parse(text)) << text;
     }
 }
 

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# What bash offers behind "quillmar".
-# usage: completion_test.sh COMPLETION_SCRIPT PROGRAM
+# What the shells offer behind "quillmar", and whether its help, its manual page and they know the same commands.
+# usage: completion_test.sh FOLDER_OF_SCRIPTS PROGRAM MANUAL_PAGE
 set -euo pipefail
+scripts=$(realpath "$1") real=$(realpath "$2") manual=$3
+here=$(realpath "${BASH_SOURCE[0]%/*}")
 # shellcheck source=packaging/completions/quillmar.bash
-source "$1"
-real=$2
+source "$scripts/quillmar.bash"
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -36,30 +37,37 @@ PROGRAM
 chmod +x "$program"
 
 failures=0
+# shellcheck disable=SC2317
 # Stands in for the shell's own, which works only while a key is pressed.
 compopt() { asked=${*: -1}; }
+
+# compare WHAT EXPECTED WORD...: the words, sorted, with blanks between, against what is expected.
+compare() {
+    local found
+    found=$(printf '%s\n' "${@:3}" | LC_ALL=C sort | paste -sd ' ')
+    [[ $found != "$2" ]] || return 0
+    echo "$1: expected \"$2\", found \"$found\"" >&2
+    failures=$((failures + 1))
+}
 
 # offers EXPECTED WORD...: what is offered for the last of the words, sorted, with blanks between; "<option>" where
 # the shell is asked to complete by itself.
 offers() {
-    local expected=$1 asked='' found
+    local expected=$1 asked=''
     shift
     COMP_WORDS=("$program" "$@")
     COMP_CWORD=$#
     _quillmar
-    found=$(printf '%s\n' "${COMPREPLY[@]}" | LC_ALL=C sort | paste -sd ' ')
-    [[ -n $found || -z $asked ]] || found="<$asked>"
-    if [[ $found != "$expected" ]]; then
-        echo "quillmar $*: expected \"$expected\", found \"$found\"" >&2
-        failures=$((failures + 1))
-    fi
+    ((${#COMPREPLY[@]} > 0)) || [[ -z $asked ]] || COMPREPLY=("<$asked>")
+    compare "quillmar $*" "$expected" "${COMPREPLY[@]}"
 }
 
 # As an interactive shell has it.
 COMP_WORDBREAKS=$' \t\n"\'><=;|&(:'
 
-offers '--help --version backup displays general help quit status wallpaper watch' ''
+offers '--help --version backup displays general help quit settings status update wallpaper watch' ''
 offers 'backup' b
+offers 'about backup general' settings ''
 offers '--help --version' --
 offers '--json' displays ''
 offers '--json' status ''
@@ -111,5 +119,54 @@ offers 'search' wallpaper set main unsplash --filter s
 offers 'smithsonian smkDenmark' wallpaper set main museums --sources sm
 offers '' wallpaper set main spotlight --locale ''
 offers '<default>' wallpaper set main apod --apiKeyFile ''
+
+# What the other shells offer, by the line that is typed; of files the last part.
+typed=(
+    'backup re' 'reset restore'
+    'quit ' ''
+    'help wallpaper pre' 'previous'
+    'wallpaper set ' 'Dell U2720Q The "small" one all main'
+    'wallpaper next "Dell' 'Dell U2720Q'
+    'wallpaper next Dell\ U' 'Dell U2720Q'
+    'wallpaper set display:1' 'display:16fd2706-8baf-433b-82eb-8c7fada847da display:1b4e28ba-2fa1-11d2-883f-0016d3cca427'
+    'wallpaper set "Dell U2720Q" image files/' 'folder picture.png'
+    'wallpaper set main slideshow files/' 'folder'
+    'wallpaper set main image a.png --layout=c' '--layout=center'
+    'backup export file --sections general,h' 'general,hotCorners'
+)
+mkdir -p "$folder/files/folder" "$folder/zsh"
+touch "$folder/files/picture.png"
+lines=()
+for ((i = 0; i < ${#typed[@]}; i += 2)); do lines+=("${typed[i]}"); done
+
+# Called by their names.
+# shellcheck disable=SC2016,SC2317  # the script is fish's
+fish_offers() {
+    fish --no-config -c 'source $argv[1]; for line in $argv[2..-1]; complete -C "quillmar $line"; echo END; end' \
+        "$scripts/quillmar.fish" "$@"
+}
+# shellcheck disable=SC2317
+zsh_offers() { zsh -f "$here/zsh_offers.zsh" "$scripts/quillmar.zsh" "$folder/zsh" "$@"; }
+
+for shell in fish zsh; do
+    command -v "$shell" >/dev/null || { echo "there is no $shell: not tried" && continue; }
+    words=() i=0
+    while IFS= read -r word; do
+        [[ $word == END ]] || { words+=("$word") && continue; }
+        compare "$shell: quillmar ${typed[i]}" "${typed[i + 1]}" "${words[@]}"
+        words=() i=$((i + 2))
+    done < <(cd "$folder" && PATH=$folder:$PATH "${shell}_offers" "${lines[@]}" | sed 's|/$||; s|.*/||')
+    compare "lines that $shell answered" "${#lines[@]}" $((i / 2))
+done
+
+# Every command of the help stands in the manual page and is offered.
+commands=0
+while read -r -a words; do
+    commands=$((commands + 1))
+    grep -q "^\.It Cm ${words[*]}\( \|\$\)" "$manual" || compare "manual page" "${words[*]}"
+    compare "quillmar ${words[*]}" "${words[-1]}" "$("$real" --complete "${words[@]}" | grep -x "${words[-1]}")"
+done < <(LC_ALL=C "$real" help | sed -n '/^  [a-z]/{s/^  //; s/  .*//; s/ [^a-z].*//; p}')
+kinds=$("$real" --complete wallpaper set all '' | grep -vc '^:')
+compare "commands and kinds of the manual page" $((commands + kinds)) "$(grep -c '^\.It Cm' "$manual")"
 
 exit $((failures > 0))

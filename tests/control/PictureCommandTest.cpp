@@ -6,6 +6,7 @@
 #include "fakes/FakeControlChannel.h"
 #include "fakes/FakeRemoteImageProvider.h"
 #include "fakes/FakeSettingsStore.h"
+#include "fakes/ProgramServices.h"
 #include "wallpaper/StaticPictures.h"
 #include "wallpaper/WallpaperService.h"
 
@@ -46,6 +47,7 @@ struct PictureCommandTest : ::testing::Test, DesktopWorld {
     WallpaperSettingsTransactionService transactions{service};
     WallpaperCoordinator coordinator{loop, displays, service, &transactions, model, memory, gate, clock};
     WallpaperRotationCoordinator rotation{loop, notifications, model, coordinator, clock};
+    ProgramServices program{loop, clock, model};
     WallpaperCommand wallpapers{{.settingsModel = model,
                                  .coordinator = coordinator,
                                  .rotation = rotation,
@@ -54,6 +56,8 @@ struct PictureCommandTest : ::testing::Test, DesktopWorld {
                                  .displays = displays,
                                  .desktop = *pictures,
                                  .pictures = memory,
+                                 .loginItem = program.loginItem,
+                                 .updates = program.updates,
                                  .files = executor}};
     FakeAddresses addresses;
     PictureCommand command{{.settingsModel = model,
@@ -127,7 +131,7 @@ TEST_F(PictureCommandTest, formerPicturesAreWalkedBackAndForthAndTheGoneOnesPass
 }
 
 TEST_F(PictureCommandTest, aFileThatIsNoPictureIsPassedOverAndSaidOnce) {
-    rendering.noPictures = {put("show/2.jpg"), put("show/4.jpg")};
+    rendering.noPictures = {put("show/2.jpg"), put("show/2b.jpg"), put("show/4.jpg")};
     showsSlideshow({"1.jpg", "3.jpg"});
     EXPECT_THAT(after("next", 3), ElementsAre("3.jpg", "1.jpg", "3.jpg"));
     const std::string status = answer({"status"}).output;
@@ -199,6 +203,13 @@ TEST_F(PictureCommandTest, aPictureIsExplainedOpenedAndKept) {
     const ControlReply refused = wallpaper("favourite");
     EXPECT_EQ(refused.status, 1);
     EXPECT_THAT(refused.errors, HasSubstr("Not a directory"));
+    remoteImages.caption = "Sea, by Ann";
+    answer({"wallpaper", "set", "main", "museums"});
+    answer({"wallpaper", "set", "main", "colour", "#112233"});
+    fs::remove_all(cache);
+    wallpaper("previous");
+    ASSERT_TRUE(rendering.lastComposition.caption);
+    EXPECT_EQ(rendering.lastComposition.caption->text, "Sea, by Ann");
 }
 
 TEST_F(PictureCommandTest, aDisplayThatIsNoLongerOursGetsBackWhatItShowedBefore) {
@@ -221,6 +232,15 @@ TEST_F(PictureCommandTest, aDisplayThatIsNoLongerOursGetsBackWhatItShowedBefore)
     const std::string ours = shown(1);
     disable();
     EXPECT_EQ(shown(1), ours) << "what is gone cannot come back";
+    const fs::path captured = put("Cache/GeneratedWallpapers/captured-1.png");
+    desktop.shown[1] = captured;
+    for (int time = 0; time < 2; ++time) {
+        color();
+        fs::remove(captured);
+        disable();
+        EXPECT_EQ(desktop.shown[1], folder.path() / "Desktop/Former/captured-1.png")
+            << "a copy that is not swept";
+    }
 }
 
 TEST_F(PictureCommandTest, whoFollowsIsToldOfEachChangeOnceAndNeverWaitedFor) {
@@ -240,17 +260,26 @@ TEST_F(PictureCommandTest, whoFollowsIsToldOfEachChangeOnceAndNeverWaitedFor) {
     events();
     channel.hold();
     for (int i = 0; i < 1000; ++i) wallpaper("next");
-    model.update([](AppSettings& settings) { settings.general.pauseRotations = true; });
+    model.update([](AppSettings& settings) {
+        settings.general.pauseRotations = true;
+        settings.wallpaper.displays.push_back(
+            {.displayID = id(2), .mode = {UnsplashSettings{.accessKey = "tell-nobody"}}});
+    });
     loop.settle();
     EXPECT_THAT(events(), ElementsAre("display"));
     channel.letThrough();
     loop.settle();
     EXPECT_THAT(channel.told.back().json, HasSubstr("\"areRotationsPaused\":true"));
+    EXPECT_THAT(channel.told.back().json, HasSubstr("\"accessKey\":\"[redacted]\""));
     EXPECT_THAT(events(), ElementsAre("status"));
     desktop.refuses(1, "no");
     put("show/3.jpg");
     wallpaper("next");
     EXPECT_THAT(channel.told.back().text, HasSubstr("failed: "));
+    events();
+    changes.displayDidChange("display:gone meanwhile");
+    loop.settle();
+    EXPECT_THAT(events(), ElementsAre());
 }
 
 }  // namespace

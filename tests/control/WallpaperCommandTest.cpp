@@ -6,6 +6,7 @@
 #include "fakes/DesktopWorld.h"
 #include "fakes/FakeSettingsStore.h"
 #include "fakes/FakeWallpaperApplier.h"
+#include "fakes/ProgramServices.h"
 
 namespace quillmar {
 namespace {
@@ -24,6 +25,7 @@ struct WallpaperCommandTest : ::testing::Test, DesktopWorld {
     PictureMemory memory{executor, folder.path() / "state", clock};
     WallpaperCoordinator coordinator{loop, displays, applier, &transactions, model, memory, gate, clock};
     WallpaperRotationCoordinator rotation{loop, notifications, model, coordinator, clock};
+    ProgramServices program{loop, clock, model};
     WallpaperCommand command{{.settingsModel = model,
                               .coordinator = coordinator,
                               .rotation = rotation,
@@ -32,6 +34,8 @@ struct WallpaperCommandTest : ::testing::Test, DesktopWorld {
                               .displays = displays,
                               .desktop = *pictures,
                               .pictures = memory,
+                              .loginItem = program.loginItem,
+                              .updates = program.updates,
                               .files = executor}};
 
     void SetUp() override {

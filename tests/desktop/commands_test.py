@@ -9,7 +9,7 @@ import signal
 import subprocess
 import unittest
 
-from quillmar_desktop import COMPLETED, PROGRAM, DesktopTest, run, wait_until
+from quillmar_desktop import COMPLETED, PATIENCE, PROGRAM, DesktopTest, run, wait_until
 
 FIRST, SECOND = "#1F6F8B", "#D98E04"
 NAME = "com.quillmar.Quillmar"
@@ -52,6 +52,23 @@ class CommandsTest(DesktopTest):
         self.assertEqual(program.status(), 0)
         self.environment["LANGUAGE"] = "pt_PT"
         self.assertIn("O Quillmar não está em execução.", self.quillmar("status", status=1))
+
+    def test_a_follower_is_told_what_is_and_what_changes_until_the_program_or_its_reader_is_gone(self):
+        program = self.start_and_wait()
+        followers = [
+            subprocess.Popen([PROGRAM, "watch", "--json"], env=self.environment, stdout=subprocess.PIPE) for _ in range(2)
+        ]
+        self.assertEqual([json.loads(one.stdout.readline())["event"] for one in followers], ["status"] * 2)
+        followers[1].stdout.close()
+        self.assertEqual(followers[1].wait(PATIENCE), 0)
+        self.quillmar("wallpaper", "set", "DUMMY1", "colour", FIRST)
+        self.quillmar("quit")
+        self.assertEqual(program.status(), 0)
+        told = [json.loads(line) for line in followers[0].communicate(timeout=PATIENCE)[0].splitlines()]
+        self.assertEqual(followers[0].returncode, 0)
+        self.assertEqual(told[-1]["event"], "display")
+        self.assertEqual([display["picture"]["color"] for display in told[-1]["displays"]], [FIRST])
+        self.assertIn("not running", self.quillmar("watch", status=1))
 
     def test_a_program_that_starts_or_hangs_is_not_said_to_be_gone(self):
         lock = pathlib.Path(self.environment["XDG_RUNTIME_DIR"], NAME + ".instance.lock")

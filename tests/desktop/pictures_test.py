@@ -123,6 +123,29 @@ class PicturesTest(DesktopTest):
         listed = run(PROGRAM, "wallpaper", env=self.environment).stdout
         self.assertIn("DUMMY1", listed)
         self.assertIn("Disabled", listed)
+        self.assertNotIn("failed", run(PROGRAM, "status", env=self.environment).stdout, "it was taken back")
+        self.quit(program)
+
+    def test_a_session_in_which_nobody_would_see_a_picture_is_called_that(self):
+        for name in ("WAYLAND_DISPLAY", "XDG_SESSION_TYPE"):
+            self.environment = self.environment | {name: "wayland"}
+            program = self.start_and_wait()
+            self.wait_for_log("No display can be given a picture in this session.", program)
+            self.assertIn("Wayland", self.set("all", "colour", GROUND, status=1))
+            self.assertIn("Wayland", run(PROGRAM, "status", env=self.environment).stdout)
+            self.assert_untouched_desktop()
+            self.quit(program)
+            del self.environment[name]
+
+    def test_rows_of_the_last_picture_that_were_damaged_are_not_shown(self):
+        self.make_settings(DUMMY0=LEFT, DUMMY1=RIGHT)
+        self.quit(self.start_and_wait())
+        for rows in (self.folder / "Cache/LastShown").glob("*.rows"):
+            whole = rows.read_bytes()
+            rows.write_bytes(whole[:4096] + bytes(len(whole) - 4096))
+        self.paint(BEFORE)
+        program = self.start_and_wait()
+        self.wait_for_colors(program, LEFT, RIGHT)
         self.quit(program)
 
     def paint_second_by_hand(self):

@@ -35,7 +35,7 @@ TEST_F(DesktopPicturesTest, whatTheDesktopForgotWithAPlugIsShownAgainAndWhatOthe
     screens.unplug(2);
     screens.plugIn(2, {1920, 0, 1280, 1024});
     desktop.forgets(2);
-    desktop.shown[1] = "/of/another/program.png";
+    desktop.shown.erase(1);  // of another program: no file is known
     desktop.set.clear();
     EXPECT_EQ(run(pictures->repaintForgotten()), "done");
     EXPECT_THAT(desktop.set, ElementsAre(2u));
@@ -47,6 +47,20 @@ TEST_F(DesktopPicturesTest, whatTheDesktopForgotWithAPlugIsShownAgainAndWhatOthe
     EXPECT_EQ(run(pictures->repaintForgotten()), "done");
     EXPECT_THAT(log.lines, Contains(HasSubstr("A display could not be given its picture again.")));
     EXPECT_EQ(shown(2), "two.png") << "one display that fails holds up no other";
+}
+
+TEST_F(DesktopPicturesTest, whatAnotherDisplayWasGivenInTheSamePlaceMeanwhileIsPaintedOver) {
+    set(1, "one.png");
+    set(2, "two.png");
+    desktop.shown[1] = folder.path() / "two.png";  // as the root window has it: by the place
+    run(pictures->repaintForgotten());
+    EXPECT_EQ(shown(1), "one.png");
+    desktop.wantsPixels = false;
+    restart();
+    set(1, "one.png");
+    desktop.shown[1] = "/home/ana/holiday.jpg";
+    run(pictures->repaintForgotten());
+    EXPECT_EQ(shown(1), "holiday.jpg") << "her desktop knows its displays: that was her";
 }
 
 TEST_F(DesktopPicturesTest, aChangeThatMeetsARepaintIsTheOneThatStays) {
@@ -111,6 +125,25 @@ TEST_F(DesktopPicturesTest, aCapturedDisplayComesBackWithItsOptionsAndAfterItsFi
     EXPECT_EQ(waiting->text, "done");
     screens.unplug(1);
     EXPECT_EQ(run(pictures->restore(*snapshot)), "The display with ID " + id(1) + " is no longer connected.");
+}
+
+TEST_F(DesktopPicturesTest, aDisplayGetsBackWhatItShowedBeforeTheFirstPictureInALaterProcessAndMoreThanOnce) {
+    desktop.shown[1] = put("Cache/captured-1.png");
+    put("Desktop/Former/captured-forgotten.png");
+    for (const char* round : {"the first", "the second"}) {
+        run(pictures->keepFormer(id(1), desktop.shown[1], {}));
+        set(1, "one.png");
+        run(pictures->keepFormer(id(1), desktop.shown[1], {}));
+        restart();
+        set(1, "two.png");
+        run(pictures->removeForgottenFormer());
+        fs::remove(folder.path() / "Cache/captured-1.png");  // as a sweep does
+        run(pictures->giveBack(id(1)));
+        EXPECT_EQ(desktop.shown[1], folder.path() / "Desktop/Former/captured-1.png") << round;
+        run(pictures->removeForgottenFormer());
+    }
+    EXPECT_TRUE(fs::exists(desktop.shown[1])) << "it is shown";
+    EXPECT_FALSE(fs::exists(folder.path() / "Desktop/Former/captured-forgotten.png"));
 }
 
 TEST_F(DesktopPicturesTest, aFileIsKeptWhileItIsShownAndNoLonger) {
@@ -208,6 +241,12 @@ TEST_F(DesktopPicturesTest, whatHasStoodForAWhileOrIsShownAtTheEndIsKeptForTheNe
     EXPECT_EQ(kept(), "two.png");
     set(1, "last.png");
     EXPECT_EQ(run(keeper.stop()), "done");
+    EXPECT_EQ(kept(), "last.png");
+    keeper.start();
+    run(pictures->giveBack(id(1)));
+    EXPECT_EQ(kept(), "") << "the next start leaves the display alone";
+    set(1, "last.png");
+    run(keeper.stop());
     EXPECT_EQ(kept(), "last.png");
     const int loaded = rendering.loaded;
     LastShownKeeper next({.loop = loop,

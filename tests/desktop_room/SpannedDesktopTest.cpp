@@ -134,6 +134,10 @@ TEST_F(SpannedDesktopTest, monitorsThatAreMovedNeedAnotherPicture) {
     screens.plugIn(2, {1920, 56, 1280, 1024});
     EXPECT_TRUE(present(1).isForgotten);
     EXPECT_FALSE(present(2).isForgotten) << "nothing of ours was there";
+    rendering.damaged.insert(folder.path() / "one.png");
+    set(2, "two.png", {4, 5, 6});
+    EXPECT_TRUE(present(1).isForgotten) << "its part could not be had";
+    EXPECT_FALSE(present(2).isForgotten);
 }
 
 TEST_F(SpannedDesktopTest, aPictureOfTheUsersThatCannotBeDrawnIsItsColour) {

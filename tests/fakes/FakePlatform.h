@@ -7,7 +7,9 @@
 #include "fakes/FakeControlChannel.h"
 #include "fakes/FakeDesktopPicture.h"
 #include "fakes/FakeExecutors.h"
+#include "fakes/FakeFileChooser.h"
 #include "fakes/FakeHTTPSession.h"
+#include "fakes/FakeLoginItem.h"
 #include "fakes/FakeNotificationCenter.h"
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeScreens.h"
@@ -65,6 +67,8 @@ class FakeSettingsWindow final : public SettingsWindowing {
 public:
     bool visible = false;
     std::vector<std::string> opened;
+    SettingsContent* content = nullptr;
+    void setContent(SettingsContent* shown) override { content = shown; }
     bool isVisible() const override { return visible; }
     void performClose() override { visible = false; }
     void open(const std::string& section) override {
@@ -94,6 +98,9 @@ struct FakePlatform {
     FakeHTTPSession web{loop};
     FakeNotificationCenter notificationCenter;
     FakeAddresses addresses;
+    FakeFileChooser files;
+    FakeClipboard clipboard;
+    FakeLoginItem loginItem;
     FakeSettingsWindow settingsWindow;
     std::vector<std::string> preferredLanguages{"en_GB"};
     int flushes = 0;
@@ -121,7 +128,10 @@ struct FakePlatform {
                 .notificationCenter = notificationCenter,
                 .webSession = web,
                 .addresses = addresses,
-                .settingsWindow = &settingsWindow,
+                .loginItem = loginItem,
+                .files = files,
+                .clipboard = clipboard,
+                .settingsWindow = settingsWindow,
                 .flushLog = [this] { return flush(); }};
     }
     Task<void> flush() {

@@ -17,6 +17,7 @@ public:
     std::vector<std::string>
         calls;  ///< "apply A #111111", "prepare A", "set A #111111", "capture A", "restore A"
     WallpaperApplyOutcome outcome;  ///< of every application
+    bool isAway = false;            ///< no display is there any more when it is set
 
     void preparingFails(std::string displayID) { unprepared_.insert(std::move(displayID)); }
     /// Setting this colour on this display fails after the display was changed.
@@ -36,6 +37,9 @@ public:
     Task<WallpaperApplyOutcome> apply(WallpaperApplyRequest request) override {
         calls.push_back("apply " + request.display.id + " " + color(request.mode));
         while (isHeld(request)) co_await held_.wait();
+        if (isAway)
+            throw WallpaperApplicationError(WallpaperApplicationError::Case::unavailableDisplay,
+                                            request.display.id);
         set(request);
         co_return outcome;
     }

@@ -5,6 +5,7 @@
 #include "base/FileError.h"
 #include "base/Files.h"
 #include "fakes/FakePictureRendering.h"
+#include "fakes/FullDisk.h"
 #include "fakes/TemporaryFolder.h"
 #include "history/PictureMetadata.h"
 #include "storage/PicturesFolder.h"
@@ -78,6 +79,8 @@ TEST_F(FavouritePicturesTest, otherFilesAreCopiedAsTheyAre) {
     write("holiday 1.jpg", jpeg);
     EXPECT_EQ(kept(), jpeg) << "nothing is known of it";
     EXPECT_THAT(keepFavourite(picture, target).file.filename().string(), StartsWith("holiday 1 "));
+    picture.credit.title = "../../etc";
+    EXPECT_THAT(keepFavourite(picture, target).file.filename().string(), StartsWith("etc "));
 }
 
 TEST_F(FavouritePicturesTest, whatCannotBeCopiedIsNamed) {
@@ -87,6 +90,10 @@ TEST_F(FavouritePicturesTest, whatCannotBeCopiedIsNamed) {
     fs::remove(folder.path() / "a.jpg");
     EXPECT_THROW(keepFavourite(picture, target), FileError);
     EXPECT_FALSE(fs::exists(target));
+    write("a.webp", std::string(2000, 'x'));
+    const FullDisk room(1999);
+    EXPECT_THROW(keepFavourite(picture, target), FileError);
+    EXPECT_TRUE(fs::is_empty(target)) << "nothing half";
 }
 
 TEST_F(FavouritePicturesTest, theUsersOwnFolderIsWhereTheDesktopSaysItIs) {

@@ -122,6 +122,15 @@ TEST_F(ProcessPictureRenderingTest, aDiskThatDoesNotAnswerIsGivenUpToo) {
     EXPECT_NE(failureOf(rendered(waiting, folder.path() / "missing")), Case::tookTooLong);
 }
 
+TEST_F(ProcessPictureRenderingTest, aReaderThatWasEndedByOthersIsStartedOnceMore) {
+    const auto ended = (folder.path() / "ended").string();
+    const std::string exec = "exec " + ProcessPictureRendering::installedProgram().string();
+    ProcessPictureRendering unlucky(
+        pool, reader("[ -e " + ended + " ] || { touch " + ended + "; kill -KILL $$; }; " + exec));
+    EXPECT_FALSE(failureOf(rendered(unlucky, picture)));
+    EXPECT_TRUE(std::filesystem::exists(ended));
+}
+
 #if !__has_feature(address_sanitizer)
 TEST_F(ProcessPictureRenderingTest, aPictureForWhichThereIsNoMemorySaysSo) {
     // Turned on its side, it is held whole before it is on its canvas.

@@ -9,6 +9,7 @@
 #include "storage/CacheFileLease.h"
 #include "storage/CacheMaintenanceScheduler.h"
 #include "storage/LastUsedStamp.h"
+#include "storage/Leftovers.h"
 
 namespace quillmar {
 namespace {
@@ -110,6 +111,47 @@ TEST_F(CacheMaintenanceTest, protectedFilesMayKeepTheTotalAboveTheLimit) {
     put("GeneratedWallpapers/b.png", 1h, mebibyte);
     EXPECT_EQ(periodicSweep(), (CacheSweepResult{1, mebibyte}));
     EXPECT_THAT(left("GeneratedWallpapers"), ElementsAre("a.png"));
+}
+
+TEST_F(CacheMaintenanceTest, whatIsWrittenBetweenTheSweepsKeepsWithinTheLimitWhoeverPreparesAPicture) {
+    periodicSweep();
+    const CacheFileLease preparing(protection, cache / "GeneratedWallpapers", true);
+    std::int64_t most = 0;
+    int sweeps = 0;
+    for (int i = 0; i < 200; ++i) {
+        const fs::path file =
+            put("GeneratedWallpapers/" + std::to_string(1000 + i), -1min * i, 10 * mebibyte);
+        const CacheFileLease shown(protection, file);
+        most = std::max<std::int64_t>(most, std::ssize(left("GeneratedWallpapers")));
+        if (outcomeOf(loop, tasks, service.hasRoomAfter(file))->value.value()) continue;
+        ++sweeps;
+        resultOf(service.makeRoom(referenced, protectedFiles, clock.now()));
+    }
+    EXPECT_EQ(most, 52) << "512 MiB and one picture";
+    EXPECT_LT(sweeps, 60) << "not one for each picture";
+}
+
+TEST_F(CacheMaintenanceTest, halfFilesOfKilledProcessesGoAndNothingElse) {
+    const Environment environment{{"HOME", folder.path()}, {"XDG_DATA_HOME", folder.path() / "data"}};
+    cache = folder.path();
+    std::vector<fs::path> ours;
+    std::vector<fs::path> others;
+    for (const char* name :
+         {"data/Quillmar/.settings.json.aB3dEf", "data/Quillmar/.settings.json.unsaved.aB3dEf",
+          "data/Quillmar/Desktop/.composed-1.png.aB3dEf", "data/Quillmar/Desktop/Former/.former.json.aB3dEf",
+          "data/Quillmar/Cache/GeneratedWallpapers/.a.png.aB3dEf",
+          "data/Quillmar/Cache/LastShown/.a.rows.aB3dEf", ".local/state/Quillmar/.history.aB3dEf",
+          "Pictures/Quillmar/.Blue. Hour 0c499432.png.xmp.aB3dEf"})
+        ours.push_back(put(name, 1s));
+    for (const char* name : {"data/Quillmar/.settings.json.swp", "data/Quillmar/.notes.txt.aB3dEf",
+                             "data/Quillmar/Desktop/.former.json.backup", ".local/state/Quillmar/.aB3dEf",
+                             "Pictures/Quillmar/.holiday.png.aB3dEf"})
+        others.push_back(put(name, 1s));
+    others.push_back(put(".local/state/Quillmar/.trash.aB3dEf", -1s));  // written just now
+    removeLeftovers(environment, clock.now());
+    const auto isThere = [](const fs::path& file) { return fs::exists(file); };
+    EXPECT_TRUE(std::ranges::none_of(ours, isThere));
+    EXPECT_TRUE(std::ranges::all_of(others, isThere));
 }
 
 TEST_F(CacheMaintenanceTest, importsThatNothingRefersToGoAtTheStartAndAtNoOtherTime) {

@@ -36,7 +36,6 @@ protected:
 };
 
 TEST_F(LastShownRowsTest, theLastPictureOfAScreenAloneIsReadBack) {
-    std::ofstream(rows_ / ".DP-2.rows.killed") << "half";
     LastShownRows::write(rows_, "DP-2", png_, PixelBuffer({1, 1}));
     LastShownRows::write(rows_, "DP-2", png_, PixelBuffer({2, 2}));
     const auto count = std::distance(fs::directory_iterator(rows_), fs::directory_iterator());
@@ -45,7 +44,7 @@ TEST_F(LastShownRowsTest, theLastPictureOfAScreenAloneIsReadBack) {
 
     auto opened = LastShownRows::open(rows_, key_);
     ASSERT_TRUE(opened);
-    opened->fetch();
+    EXPECT_TRUE(opened->fetch());
     EXPECT_EQ(opened->png(), png_);
     EXPECT_EQ(opened->size(), pixels_.size());
     std::vector<std::uint8_t> read(pixels_.byteCount());
@@ -53,6 +52,16 @@ TEST_F(LastShownRowsTest, theLastPictureOfAScreenAloneIsReadBack) {
     EXPECT_TRUE(std::ranges::equal(read, pixels_.bytes()));
     EXPECT_FALSE(LastShownRows::open(rows_, "DP-3"));
     EXPECT_THROW(LastShownRows::write(rows_, key_, folder_.path() / "none.png", pixels_), std::system_error);
+}
+
+TEST_F(LastShownRowsTest, rowsThatAreNotThoseThatWereWrittenAreFoundWhenTheyAreFetched) {
+    const PixelBuffer large({300, 400});
+    for (const std::streamoff at : {0, 63, 64, 1 << 18, 300 * 400 * 4 - 1}) {
+        LastShownRows::write(rows_, key_, png_, large);
+        EXPECT_TRUE(LastShownRows::open(rows_, key_)->fetch());
+        overwrite(LastShownRows::firstRow + at, "\1");
+        EXPECT_FALSE(LastShownRows::open(rows_, key_)->fetch()) << at;
+    }
 }
 
 TEST_F(LastShownRowsTest, whatIsNotWholeOrNotOursIsNotShown) {
@@ -68,7 +77,7 @@ TEST_F(LastShownRowsTest, whatIsNotWholeOrNotOursIsNotShown) {
         {"cut header", [&] { fs::resize_file(name, 100); }},
         {"empty", [&] { fs::resize_file(name, 0); }},
         {"foreign", [&] { overwrite(0, "PNG"); }},
-        {"another version", [&] { overwrite(8, "\2"); }},
+        {"another version", [&] { overwrite(8, "\1"); }},
         {"another size", [&] { overwrite(12, "\3"); }},
         {"another path", [&] { overwrite(56, "x"); }},
         {"writable for others", [&] { fs::permissions(name, fs::perms(0622)); }},

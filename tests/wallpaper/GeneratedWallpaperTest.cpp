@@ -37,6 +37,8 @@ TEST(ImageFileNameTest, theNameHoldsAllThatThePictureDependsOn) {
               "image-v2-display-aa-01-1920x1080-center-NO COLOUR-c0ffee.png");
     EXPECT_EQ(name(ImagePresentationLayout::tile, "../X"),
               "image-v2-display-aa-01-1920x1080-tile-..-X-c0ffee.png");
+    constexpr std::size_t longestName = 255 - 8;  // a file that is not whole yet has eight bytes more
+    EXPECT_LE(name(ImagePresentationLayout::tile, std::string(300, 'X').c_str()).size(), longestName);
 }
 
 TEST(ImageFingerprintTest, itFollowsPathTimeSizeAndCaption) {

@@ -206,6 +206,35 @@ TEST_F(WallpaperCoordinatorTest, theLockScreenRefusesWhatComesAndWhatIsNotYetRea
     EXPECT_TRUE(store.saves.empty());
 }
 
+TEST_F(WallpaperCoordinatorTest, whatIsAskedOfNoDisplayIsAnsweredToo) {
+    displays.present.clear();
+    EXPECT_EQ(outcomeOf(loop, tasks, coordinator->enqueue(std::nullopt, rotation))->text, "done");
+    EXPECT_EQ(outcomeOf(loop, tasks, coordinator->showNext({}))->text, "done");
+    EXPECT_EQ(outcomeOf(loop, tasks, coordinator->showPrevious({}))->text, "done");
+    EXPECT_EQ(outcomeOf(loop, tasks, coordinator->apply(colors({})))->text, "done");
+}
+
+TEST_F(WallpaperCoordinatorTest, aDisplayThatWasAwayOrOfAnotherSizeAtItsTurnIsOutOfDate) {
+    const auto resized = [&](int width) { displays.present[0].pixelSize = PixelSize{width, 600}; };
+    resized(800);
+    result(enqueue(std::nullopt));
+    EXPECT_TRUE(coordinator->outOfDate().empty());
+    resized(640);
+    EXPECT_THAT(coordinator->outOfDate(), ElementsAre("A"));
+    applier.hold();
+    const auto change = enqueue(DisplayIDs{"A"}, rotation);
+    EXPECT_TRUE(coordinator->outOfDate().empty()) << "it is its turn";
+    resized(800);
+    applier.letThrough();
+    applier.calls.clear();
+    result(change);
+    EXPECT_THAT(applier.calls, ElementsAre("apply A #aaaaaa")) << "again, in the size that it has by now";
+    EXPECT_TRUE(coordinator->outOfDate().empty());
+    applier.isAway = true;
+    result(enqueue(DisplayIDs{"A"}));
+    EXPECT_THAT(coordinator->outOfDate(), ElementsAre("A"));
+}
+
 TEST_F(WallpaperCoordinatorTest, aTransactionSavesFirstAndThenApplies) {
     const auto batch = apply(colors({{"A", "#cccccc"}, {"B", "#dddddd"}}));
     EXPECT_THAT(lines(batch), ElementsAre("A: applied", "B: applied"));

@@ -291,6 +291,35 @@ TEST_F(WallpaperServiceTest, aSlideshowGoesOnFromItsLastImageAndSaysWhichItChose
     fs::rename(folder.path() / "show", folder.path() / "moved");
     apply(request({slideshow}));
     EXPECT_EQ(source(), "1.jpg") << "the folder was found, its last image is at another place";
+    rendering.failure = PictureRenderingError::Case::decoderFailed;
+    outcome = {};
+    fs::remove_all(cache);
+    EXPECT_THAT(apply(request({slideshow}), &outcome), StartsWith("Every image in "));
+    rendering.failure.reset();
+    EXPECT_EQ(apply(request({slideshow})), "done") << "the decoder was ended, the files are pictures";
+}
+
+TEST_F(WallpaperServiceTest, aFileOfASlideshowThatIsNoPictureIsPassedOverAndSaidOnceUntilItIsChanged) {
+    put("show/1.jpg");
+    const fs::path broken = put("show/2.jpg");
+    put("show/3.jpg");
+    rendering.noPictures.insert(broken);
+    SlideshowPresentationSettings slideshow;
+    slideshow.folderURL = Url::fromFilePath(folder.path() / "show");
+    std::string seen;
+    std::size_t leftOut = 0;
+    for (int i = 0; i < 5; ++i) {
+        WallpaperApplyOutcome outcome;
+        ASSERT_EQ(apply(request({slideshow}), &outcome), "done");
+        slideshow.lastImageURL = outcome.selectedSlideshowImageURL;
+        seen += slideshow.lastImageURL.value().filePath().value().filename().string()[0];
+        leftOut += outcome.leftOut.size();
+        if (i != 2) continue;
+        rendering.noPictures.clear();
+        fs::last_write_time(broken, fs::last_write_time(broken) + std::chrono::seconds(1));
+    }
+    EXPECT_EQ(seen, "13123");
+    EXPECT_EQ(leftOut, 1u);
 }
 
 struct WallpaperServiceRemoteTest : WallpaperServiceTest {

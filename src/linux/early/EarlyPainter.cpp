@@ -19,6 +19,7 @@ namespace {
 struct Part {
     PixelRect area;
     LastShownRows rows;
+    bool isSound = false;
 };
 
 std::vector<Part> partsToShow(const std::filesystem::path& folder, const std::filesystem::path& identities,
@@ -30,18 +31,22 @@ std::vector<Part> partsToShow(const std::filesystem::path& folder, const std::fi
         if (!area) continue;
         auto rows = LastShownRows::open(folder, uuids[i].lowercaseString());
         if (!rows || rows->size().width != area->width || rows->size().height != area->height) continue;
-        parts.push_back({*area, *std::move(rows)});
+        parts.push_back({.area = *area, .rows = *std::move(rows)});
     }
     return parts;
 }
 
-/// The disk is waited for here: the X server, which everybody waits for, must find the rows in memory.
+/// The disk is waited for here: the X server, which everybody waits for, must find the rows in memory. What
+/// is damaged is left to the program.
 void fetchAll(std::vector<Part>& parts) {
-    std::vector<std::jthread> threads;
-    for (std::size_t i = 1; i < parts.size(); ++i) {
-        threads.emplace_back([&part = parts[i]] { part.rows.fetch(); });
+    {
+        std::vector<std::jthread> threads;
+        for (std::size_t i = 1; i < parts.size(); ++i) {
+            threads.emplace_back([&part = parts[i]] { part.isSound = part.rows.fetch(); });
+        }
+        parts.front().isSound = parts.front().rows.fetch();
     }
-    parts.front().rows.fetch();
+    std::erase_if(parts, [](const Part& part) { return !part.isSound; });
 }
 
 std::vector<DesktopImageTable::Entry> entriesOf(const std::vector<Part>& parts) {
@@ -64,10 +69,11 @@ int paint(const std::filesystem::path& folder, const std::filesystem::path& iden
     const auto outputs = connectedOutputs(server);
     auto parts = partsToShow(folder, identities, outputs);
     if (parts.empty()) return 0;
-    const auto entries = entriesOf(parts);
     const RootGeometry root = rootGeometry(server);
-    if (isShown(server, root, entries)) return static_cast<int>(parts.size());
+    if (isShown(server, root, entriesOf(parts))) return static_cast<int>(parts.size());
     fetchAll(parts);
+    if (parts.empty()) return 0;
+    const auto entries = entriesOf(parts);
     const std::uint32_t pixmap = newRootPixmap(server, root);
     for (const Part& part : parts) {
         const X11Picture picture(connection,

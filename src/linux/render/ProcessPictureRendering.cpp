@@ -98,13 +98,24 @@ fs::path ProcessPictureRendering::installedProgram() {
     return fs::exists(folder / name) ? folder / name : folder.parent_path() / name;
 }
 
+/// A process is also ended by others, such as a system that is short of memory.
 template <class T>
-Task<T> ProcessPictureRendering::inTurn(fs::path file, Task<T> work) {
+Task<T> ProcessPictureRendering::triedTwice(std::function<Task<T>()> work) {
+    try {
+        co_return co_await work();
+    } catch (const PictureRenderingError& error) {
+        if (error.errorCase() != Case::decoderFailed) throw;
+    }
+    co_return co_await work();
+}
+
+template <class T>
+Task<T> ProcessPictureRendering::inTurn(fs::path file, std::function<Task<T>()> work) {
     // Asked again after the wait: someone may have come at the very turn of the loop in which one left.
     while (running_ >= limits_.requests) co_await line_.wait();
     const Turn turn(*this);
     try {
-        co_return co_await withinTime(limits_.time, std::move(work));
+        co_return co_await withinTime(limits_.time, triedTwice(std::move(work)));
     } catch (const TimeoutError&) {
         const auto seconds = std::chrono::ceil<std::chrono::seconds>(limits_.time);
         throw PictureRenderingError(Case::tookTooLong, file.string(), seconds.count());
@@ -112,12 +123,14 @@ Task<T> ProcessPictureRendering::inTurn(fs::path file, Task<T> work) {
 }
 
 Task<SharedPixels> ProcessPictureRendering::render(fs::path source, PictureComposer composer) {
-    return inTurn(source, renderNow(source, std::move(composer)));
+    return inTurn<SharedPixels>(source, [=, this] { return renderNow(source, composer); });
 }
 Task<SharedPixels> ProcessPictureRendering::load(fs::path png, PixelSize size) {
-    return inTurn(png, loadNow(png, size));
+    return inTurn<SharedPixels>(png, [=, this] { return loadNow(png, size); });
 }
-Task<bool> ProcessPictureRendering::isPicture(fs::path file) { return inTurn(file, checkNow(file)); }
+Task<bool> ProcessPictureRendering::isPicture(fs::path file) {
+    return inTurn<bool>(file, [=, this] { return checkNow(file); });
+}
 
 Task<SharedPixels> ProcessPictureRendering::renderNow(fs::path source, PictureComposer composer) {
     const FileDescriptor file = co_await executor_.run([source] { return opened(source); });

@@ -31,7 +31,9 @@ public:
 private:
     class Turn;
     template <class T>
-    Task<T> inTurn(std::filesystem::path file, Task<T> work);
+    Task<T> inTurn(std::filesystem::path file, std::function<Task<T>()> work);
+    template <class T>
+    static Task<T> triedTwice(std::function<Task<T>()> work);
     Task<SharedPixels> renderNow(std::filesystem::path source, PictureComposer composer);
     Task<SharedPixels> loadNow(std::filesystem::path png, PixelSize size);
     Task<bool> checkNow(std::filesystem::path file);

@@ -1,0 +1,125 @@
+"""The Settings window as assistive technology sees and uses it."""
+
+import json
+import os
+import pathlib
+import unittest
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402  (the version is asked for first)
+
+from quillmar_desktop import PROGRAM, DesktopTest, run, run_checked, wait_until
+
+MOST_GROWTH = 10 << 10  # KiB that an opened and closed window may leave behind
+
+
+def below(root):
+    """Every accessible object below one; those that go meanwhile are left out."""
+    try:
+        for i in range(root.get_child_count()):
+            if child := root.get_child_at_index(i):
+                yield child
+                yield from below(child)
+    except GLib.Error:
+        return
+
+
+def is_shown(item):
+    return item.get_state_set().contains(Atspi.StateType.SHOWING)
+
+
+class SettingsWindowTest(DesktopTest):
+    def setUp(self):
+        super().setUp()
+        del self.environment["NO_AT_BRIDGE"]
+
+    def find(self, role, name, program):
+        def seen():
+            desktop = Atspi.get_desktop(0)
+            for i in range(desktop.get_child_count()):
+                application = desktop.get_child_at_index(i)
+                try:
+                    if not application or application.get_process_id() != program.pid:
+                        continue
+                    for item in below(application):
+                        if item.get_role_name() == role and item.get_name() == name and is_shown(item):
+                            return item
+                except GLib.Error:
+                    pass
+            return None
+
+        return wait_until(f"the {role} “{name}”", seen, program)
+
+    def press(self, role, name, program):
+        self.assertTrue(self.find(role, name, program).do_action(0))
+
+    def general(self):
+        return json.loads(self.settings.read_bytes())["general"]
+
+    def wait_for_setting(self, name, value, program):
+        wait_until(f"{name} {value}", lambda: self.general()[name] == value, program)
+
+    def take_picture(self, name):
+        if pictures := os.environ.get("QUILLMAR_SCREENSHOTS"):
+            run_checked("import", "-window", "root", f"{pictures}/settings-{name}.png")
+
+    def close(self, program, title="Definições do Quillmar"):
+        self.answer(program, title, "key", "Escape")
+        search = ("xdotool", "search", "--onlyvisible", "--name", f"^{title}$")
+        wait_until("a closed window", lambda: not run(*search).stdout, program)
+
+    @staticmethod
+    def memory(program):
+        """KiB of its own: what libraries share depends on who else runs."""
+        lines = pathlib.Path(f"/proc/{program.pid}/smaps_rollup").read_text().splitlines()
+        return int(next(line.split()[1] for line in lines if line.startswith("Pss_Anon:")))
+
+    def export_backup(self, file, program):
+        self.find("list item", "Exportar uma cópia de segurança", program).grab_focus()
+        run_checked("xdotool", "key", "space")
+        self.press("push button", "Exportar…, Exportar as secções escolhidas", program)
+        self.find("file chooser", "Exportar cópia de segurança do Quillmar", program)
+        self.take_picture("backup")
+        self.answer(program, "Exportar cópia de segurança do Quillmar", "key", "ctrl+a", "type", str(file))
+        run_checked("xdotool", "key", "Return")
+        self.answer(program, "Cópia de segurança exportada", "key", "Return")
+        self.assertEqual(json.loads(file.read_bytes())["contents"]["general"], self.general())
+
+    @staticmethod
+    def answer(program, title, *keys):
+        """Presses keys once the dialog of that title has the focus."""
+        question = ("xdotool", "getwindowfocus", "getwindowname")
+        wait_until(f"“{title}” with the focus", lambda: run(*question).stdout.strip() == title, program)
+        run_checked("xdotool", *keys)
+
+    def test_a_person_changes_settings_and_keeps_a_backup(self):
+        program = self.start_and_wait()
+        before = self.memory(program)
+        for _ in range(3):
+            run(PROGRAM, "settings", env=self.environment, check=True)
+            self.close(program, "Quillmar Settings")
+        self.assertLess(self.memory(program), before + MOST_GROWTH)
+        run(PROGRAM, "settings", env=self.environment, check=True)
+        self.press("toggle button", "Pause", program)
+        self.wait_for_setting("pauseRotations", True, program)
+        self.find("combo box", "Language", program).get_selection_iface().select_child(1)
+        self.wait_for_setting("language", "portuguese", program)
+        self.find("frame", "Definições do Quillmar", program)
+        self.find("combo box", "Tema", program).get_selection_iface().select_child(2)
+        self.wait_for_setting("appTheme", "dark", program)
+        self.take_picture("general")
+
+        run(PROGRAM, "settings", "backup", env=self.environment, check=True)
+        self.export_backup(self.home / "kept.json", program)
+        self.close(program)
+        # Starting the program again brings the window back.
+        self.assertEqual(run(PROGRAM, env=self.environment).returncode, 0)
+        self.find("list item", "Exportar uma cópia de segurança", program)
+        self.close(program)
+        self.quit(program)
+
+
+if __name__ == "__main__":
+    unittest.main()
