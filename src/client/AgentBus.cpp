@@ -161,7 +161,10 @@ void waitForEither(sd_bus* bus, FollowedOutput& output) {
     pollfd descriptors[] = {{sd_bus_get_fd(bus), static_cast<short>(sd_bus_get_events(bus)), 0},
                             {STDOUT_FILENO, static_cast<short>(output.isEmpty() ? 0 : POLLOUT), 0}};
     if (::poll(descriptors, 2, -1) < 0) return;
-    if ((descriptors[1].revents & (POLLERR | POLLNVAL)) != 0) return output.fail(EPIPE);
+    if ((descriptors[1].revents & (POLLERR | POLLNVAL)) != 0) {
+        // A reader that has all and leaves is how a following ends.
+        return output.isEmpty() ? output.end() : output.fail(EPIPE);
+    }
     if ((descriptors[1].revents & POLLOUT) != 0) output.writeSome();
 }
 

@@ -29,7 +29,7 @@ public:
         : sentence_([sentence, values = std::move(values)](GeneralLanguage language) {
               return sentenceIn(language, sentence, values);
           }) {}
-    explicit UsageError(WallpaperApplicationError refusal)
+    explicit UsageError(const WallpaperApplicationError& refusal)
         : sentence_([refusal](GeneralLanguage language) { return refusal.message(language); }) {}
 
     /// What was wrong, in one sentence.
