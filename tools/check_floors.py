@@ -35,6 +35,7 @@ LINUX = {
     "session": [],
     "dbus": ["glib"],
     "soup": ["glib"],
+    "xsmp": ["glib"],
     "picture": ["glib"],
     "render": ["glib", "picture"],
     "x11": ["glib"],

@@ -8,7 +8,7 @@ declare -A packages=(
     [build]="
         clang-19 lld-19 cmake ninja-build ccache pkg-config python3
         libfmt-dev nlohmann-json3-dev libglib2.0-dev libgtk-3-dev libhandy-1-dev libgtk-3-bin libsoup-3.0-dev libsodium-dev ca-certificates
-        libx11-dev libx11-xcb-dev libxcb1-dev libxcb-randr0-dev libxcb-shm0-dev libxau-dev
+        libx11-dev libx11-xcb-dev libxcb1-dev libxcb-randr0-dev libxcb-shm0-dev libxau-dev libsm-dev
         libsystemd-dev libpng-dev libisal-dev zlib1g-dev libjpeg62-turbo-dev liblcms2-dev libpango1.0-dev libvips-dev libseccomp-dev
     "
     [desktop]="

@@ -69,7 +69,11 @@ NoAnswer reasonOf(const CallError& error) {
 Held<sd_bus> openedBus() {
     sd_bus* opened = nullptr;
     sd_bus_open_user(&opened);
-    return Held<sd_bus>(opened);
+    Held<sd_bus> bus(opened);
+    // The call would wait for its welcome too, but not tell a bus that lets nobody in from an agent that
+    // ended.
+    const char* name = nullptr;
+    return bus && sd_bus_get_unique_name(bus.get(), &name) >= 0 ? std::move(bus) : nullptr;
 }
 
 std::variant<ControlReply, NoAnswer> asked(sd_bus* bus, const ControlCall& call) {
@@ -99,14 +103,17 @@ public:
     bool isEmpty() const { return text_.waiting().empty(); }
     bool hasEnded() const { return hasEnded_; }
     void end() { hasEnded_ = true; }
+    void fail(int reason) {
+        failure_ = {reason, std::generic_category()};
+        end();
+    }
     void add(std::string_view text) { text_.add(text); }
     /// As much as certainly does not have to be waited for, once the reader has room.
     void writeSome() {
         const std::string& text = text_.waiting();
         const ssize_t written = ::write(STDOUT_FILENO, text.data(), std::min(text.size(), atOnce));
         if (written < 0 && errno != EINTR && errno != EAGAIN) {
-            failure_ = {errno, std::generic_category()};
-            return end();
+            return fail(errno);
         }
         text_.remove(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
     }
@@ -154,7 +161,10 @@ void waitForEither(sd_bus* bus, FollowedOutput& output) {
     pollfd descriptors[] = {{sd_bus_get_fd(bus), static_cast<short>(sd_bus_get_events(bus)), 0},
                             {STDOUT_FILENO, static_cast<short>(output.isEmpty() ? 0 : POLLOUT), 0}};
     if (::poll(descriptors, 2, -1) < 0) return;
-    if ((descriptors[1].revents & (POLLERR | POLLNVAL)) != 0) return output.end();
+    if ((descriptors[1].revents & (POLLERR | POLLNVAL)) != 0) {
+        // A reader that has all and leaves is how a following ends.
+        return output.isEmpty() ? output.end() : output.fail(EPIPE);
+    }
     if ((descriptors[1].revents & POLLOUT) != 0) output.writeSome();
 }
 

@@ -4,6 +4,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <array>
 
 #include "commandline/SettingsArguments.h"
 #include "commandline/WallpaperModeArguments.h"
@@ -187,9 +188,23 @@ std::string CommandLine::helpWords() const {
     return kind ? command->words + " " + kind->words : command->words;
 }
 
+namespace {
+
+/// Files and saved keys are left to the running program: it alone knows what it may read and has.
+void judgeMode(const WallpaperMode& mode) {
+    using Case = WallpaperApplicationError::Case;
+    const auto problem = mode.validationError([](const auto&) { return true; });
+    if (!problem) return;
+    constexpr std::array keys{Case::missingUnsplashAccessKey, Case::missingWallhavenNSFWAPIKey,
+                              Case::missingSmithsonianAPIKey};
+    if (std::ranges::find(keys, problem->errorCase()) == keys.end()) throw UsageError(*problem);
+}
+
+}  // namespace
+
 void judge(const CommandLine& line) {
     try {
-        if (line.kind) parseWallpaperMode(line, "/");
+        if (line.kind) judgeMode(parseWallpaperMode(line, "/").mode);
         if (line.is("general set")) {
             GeneralSettings settings;
             applyGeneralOptions(line, settings);

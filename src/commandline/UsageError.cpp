@@ -2,11 +2,12 @@
 
 namespace quillmar {
 
-std::string UsageError::message(GeneralLanguage language) const {
+std::string UsageError::sentenceIn(GeneralLanguage language, TextKey sentence,
+                                   const std::vector<UsageValue>& values) {
     const auto value = [&](std::size_t at) {
-        return at < values_.size() ? values_[at].in(language) : std::string();
+        return at < values.size() ? values[at].in(language) : std::string();
     };
-    return localized(sentence_, language, {value(0), value(1)});
+    return localized(sentence, language, {value(0), value(1)});
 }
 
 std::string UsageError::complaint(GeneralLanguage language) const {

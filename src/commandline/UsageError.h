@@ -1,9 +1,11 @@
 #pragma once
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "base/Localization.h"
+#include "modes/WallpaperApplicationError.h"
 
 namespace quillmar {
 
@@ -19,23 +21,29 @@ private:
     std::optional<TextKey> text_;
 };
 
-/// A command line that was not understood.
+/// A command line that was not understood, or asks for what cannot be.
 class UsageError final : public AppLocalizableError {
 public:
     /// `values` fill in the sentence; two at most.
     explicit UsageError(TextKey sentence, std::vector<UsageValue> values = {})
-        : sentence_(sentence), values_(std::move(values)) {}
+        : sentence_([sentence, values = std::move(values)](GeneralLanguage language) {
+              return sentenceIn(language, sentence, values);
+          }) {}
+    explicit UsageError(const WallpaperApplicationError& refusal)
+        : sentence_([refusal](GeneralLanguage language) { return refusal.message(language); }) {}
 
     /// What was wrong, in one sentence.
-    std::string message(GeneralLanguage language) const override;
+    std::string message(GeneralLanguage language) const override { return sentence_(language); }
     /// The sentence, and the line that says which help to read.
     std::string complaint(GeneralLanguage language) const;
     /// The words of the command whose help tells more: "wallpaper set"; empty for that of all.
     UsageError& under(std::string command);
 
 private:
-    TextKey sentence_;
-    std::vector<UsageValue> values_;
+    static std::string sentenceIn(GeneralLanguage language, TextKey sentence,
+                                  const std::vector<UsageValue>& values);
+
+    std::function<std::string(GeneralLanguage)> sentence_;
     std::string command_;
 };
 

@@ -1,5 +1,6 @@
 #include "control/PictureCommand.h"
 
+#include "base/FileError.h"
 #include "control/CommandError.h"
 #include "control/DisplayList.h"
 #include "history/FavouritePictures.h"
@@ -85,7 +86,14 @@ Task<void> PictureCommand::trash(Target target, ControlReply* reply) {
     }
     const Url file = *target.picture.fileURL;
     services_.pictures.ban(file);
-    reply->output += localized("%@: in the trash"_key, language(), {file.displayPath()}) + "\n";
+    try {
+        co_await services_.pictures.bansAreKept();
+        reply->output += localized("%@: in the trash"_key, language(), {file.displayPath()}) + "\n";
+    } catch (const FileError& error) {
+        // It is left out until the next start at least, so the display goes on.
+        reply->status = 1;
+        reply->errors += error.message(language()) + "\n";
+    }
     DisplayIDs showing;
     for (const DisplayInfo& display : services_.displays.displays()) {
         const ShownPicture* now = services_.pictures.history().current(display.id);

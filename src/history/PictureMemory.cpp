@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "base/FileDescriptor.h"
+#include "base/FileError.h"
 #include "base/Files.h"
 #include "diagnostics/Log.h"
 
@@ -112,22 +113,37 @@ std::optional<ShownPicture> PictureMemory::bannedNow(const std::string& displayI
 void PictureMemory::ban(const Url& fileURL) {
     if (!isLoaded_) waiting_.emplace_back([this, fileURL] { ban(fileURL); });
     const bool isNew = banned_.add(fileURL);
-    if (isNew && isLoaded_) append(trashFile, fileURL.string() + "\n");
+    if (isNew && isLoaded_) {
+        files_.submit([file = folder_ / trashFile, line = fileURL.string() + "\n", failure = banFailure_] {
+            *failure = nullptr;
+            try {
+                appendLine(file, line);
+            } catch (const std::system_error& error) {
+                *failure = std::make_exception_ptr(FileError(file, error));
+            }
+        });
+    }
     history_.forgetFiles([this](const Url& file) { return banned_.contains(file); });
 }
 
+Task<void> PictureMemory::bansAreKept() const {
+    co_await files_.run([failure = banFailure_] {
+        if (*failure) std::rethrow_exception(*failure);
+    });
+}
+
 void PictureMemory::keep(const std::string& displayID) {
-    if (++written_ < maximumLines)
-        return append(historyFile, PictureHistory::lineOf(displayID, *history_.current(displayID)));
+    if (++written_ < maximumLines) {
+        files_.submit([file = folder_ / historyFile,
+                       line = PictureHistory::lineOf(displayID, *history_.current(displayID))] {
+            keeping([&] { appendLine(file, line); });
+        });
+        return;
+    }
     written_ = 0;
     files_.submit([file = folder_ / historyFile, text = history_.text()] {
         keeping([&] { writeFileAtomically(file, text, 0600, Durability::reproducible); });
     });
-}
-
-void PictureMemory::append(const char* file, std::string line) {
-    files_.submit(
-        [path = folder_ / file, text = std::move(line)] { keeping([&] { appendLine(path, text); }); });
 }
 
 }  // namespace quillmar

@@ -34,9 +34,11 @@ public:
     const BannedPictures& banned() const { return banned_; }
     /// Never again, unless somebody asks for the file by its name. The file itself stays.
     void ban(const Url& fileURL);
+    /// Waits until the latest of them is on disk. Throws `FileError` where it cannot be: it comes again with
+    /// the next start.
+    Task<void> bansAreKept() const;
 
 private:
-    void append(const char* file, std::string line);
     void keep(const std::string& displayID);
     std::optional<ShownPicture> bannedNow(const std::string& displayID) const;
 
@@ -47,6 +49,8 @@ private:
     /// What came before the files were read.
     std::vector<std::function<void()>> waiting_;
     std::size_t written_ = 0;  ///< lines of the history since it was written anew
+    /// Why the latest banned picture is not on disk. Touched by the jobs of `files_` alone.
+    std::shared_ptr<std::exception_ptr> banFailure_ = std::make_shared<std::exception_ptr>();
     PictureHistory history_;
     BannedPictures banned_;
 };

@@ -33,6 +33,7 @@
 #include "linux/render/ProcessPictureRendering.h"
 #include "linux/soup/SoupHTTPSession.h"
 #include "linux/x11/OutputMemory.h"
+#include "linux/xsmp/XsmpSessionEnd.h"
 #include "storage/InstalledProgram.h"
 
 namespace quillmar {
@@ -47,10 +48,12 @@ std::size_t randomIndex(std::size_t count) {
 /// due by it is due now.
 class AllSystemEvents final : public SystemEventsObserving {
 public:
-    explicit AllSystemEvents(MainLoop& loop) : sessionEnd_(loop) {}
+    AllSystemEvents(MainLoop& loop, Executor& background)
+        : sessionEnd_(loop), xsmpSessionEnd_(loop, background) {}
     void setQuitHandler(std::function<void(SystemQuitReason)> handler) override {
         signals_.setQuitHandler(handler);
-        sessionEnd_.setQuitHandler(std::move(handler));
+        sessionEnd_.setQuitHandler(handler);
+        xsmpSessionEnd_.setQuitHandler(std::move(handler));
     }
     void setReloadHandler(std::function<void()> handler) override {
         signals_.setReloadHandler(std::move(handler));
@@ -68,6 +71,7 @@ public:
 private:
     UnixSignals signals_;
     DBusSessionEnd sessionEnd_;
+    XsmpSessionEnd xsmpSessionEnd_;
     std::optional<ClockJumps> clockJumps_;
     std::optional<NetworkReturn> networkReturn_;
 };
@@ -128,7 +132,7 @@ struct LinuxPlatform::Adapters {
     LogInstallation logInstallation{log};
     LoopControl process{loop};
     DBusControl controlChannel{loop};
-    AllSystemEvents systemEvents{loop};
+    AllSystemEvents systemEvents{loop, pool};
     InotifyFileWatch settingsWatch;
     DBusRunningInstances instances;
     NoUsageReporting usageReporting;

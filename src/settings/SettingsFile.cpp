@@ -103,6 +103,13 @@ SettingsFileChange SettingsFile::reload() {
 }
 
 void SettingsFile::save(const AppSettings& settings) {
+    std::error_code unknown;
+    // What it leads to may be on a disk that comes back: only who replaces the settings makes a file there.
+    if (fs::is_symlink(path_, unknown) && !identityOf(path_)) throw SettingsFileChangedError();
+    write(settings);
+}
+
+void SettingsFile::write(const AppSettings& settings) {
     const std::string text = encoded(settings);
     try {
         createDirectories(path_.parent_path(), folderMode);
@@ -133,7 +140,7 @@ std::optional<fs::path> SettingsFile::replace(const AppSettings& settings) {
     } catch (const std::system_error& error) {
         throw FileError(path_, error);
     }
-    save(settings);
+    write(settings);
     return copy;
 }
 

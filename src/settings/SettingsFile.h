@@ -21,7 +21,8 @@ public:
         : path_(std::move(path)), defaults_(std::move(defaults)), writesFirstRun_(writesFirstRun) {}
 
     SettingsLoadResult load();
-    /// Throws `SettingsFileChangedError` where another program wrote the file; it stays as it is then.
+    /// Throws `SettingsFileChangedError` where another program wrote the file, or made it a link to nothing;
+    /// it stays as it is then.
     void save(const AppSettings& settings);
     SettingsFileChange reload();
     std::optional<std::filesystem::path> replace(const AppSettings& settings);
@@ -29,6 +30,7 @@ public:
 
 private:
     AppSettings read();
+    void write(const AppSettings& settings);
     std::optional<std::filesystem::path> keepCopy(const std::filesystem::path& target) const;
 
     std::filesystem::path path_;

@@ -72,6 +72,10 @@ TEST(CommandLineTest, whatIsWrongIsSaidInOneSentence) {
          "\"spotlight\" does not take \"--lastSelection\"."},
         {{"wallpaper", "set", "all", "slideshow", "--", "--odd"}, "understood"},
         {{"wallpaper", "set", "all", "color", "#112233"}, "understood"},
+        {{"wallpaper", "set", "all", "color", "puce"}, "puce is not a valid six-digit hex color."},
+        {{"wallpaper", "set", "all", "slideshow", "a", "--interval", "0"},
+         "Set the slideshow interval between one second and 23:59:59."},
+        {{"wallpaper", "set", "all", "unsplash", "--topicSlug", "sea"}, "understood"},
         {{"general", "set", "--pauseRotations=false"}, "understood"}};
     for (const auto& [words, sentence] : rows) {
         const std::string complaint = complaintAbout(words);

@@ -90,10 +90,16 @@ class CommandsTest(DesktopTest):
         self.quit(self.start_and_wait())
 
     def test_an_answer_that_cannot_be_written_is_a_failure(self):
-        with open("/dev/full", "w") as full:
-            answer = subprocess.run([PROGRAM, "--version"], env=self.environment, stdout=full, stderr=subprocess.PIPE)
-        self.assertEqual(answer.returncode, 1)
-        self.assertIn(b"The output could not be written: No space left on device.", answer.stderr)
+        reader, unread = os.pipe()
+        os.close(reader)
+        program = self.start_and_wait()
+        for output, reason in ((os.open("/dev/full", os.O_WRONLY), b"No space left on device"), (unread, b"Broken pipe")):
+            for verb in ("--version", "status", "watch"):
+                answer = subprocess.run([PROGRAM, verb], env=self.environment, stdout=output, stderr=subprocess.PIPE)
+                self.assertEqual(answer.returncode, 1, verb)
+                self.assertIn(b"The output could not be written: %s." % reason, answer.stderr, verb)
+            os.close(output)
+        self.quit(program)
 
     def test_two_starts_at_once_are_one_program(self):
         for _ in range(5):

@@ -124,6 +124,12 @@ TEST_F(PictureMemoryTest, whatIsInTheTrashIsForgottenOnceItIsNoLongerShown) {
     memory->ban(url("6"));
     restart();
     for (const char* banned : {"4", "5", "6"}) EXPECT_TRUE(memory->banned().contains(url(banned))) << banned;
+    EXPECT_EQ(outcomeOf(loop, tasks, memory->bansAreKept())->text, "done");
+    std::filesystem::remove(folder.path() / "trash");
+    std::filesystem::create_directory(folder.path() / "trash");
+    memory->ban(url("7"));
+    EXPECT_THAT(outcomeOf(loop, tasks, memory->bansAreKept())->text,
+                testing::HasSubstr("trash: Is a directory"));
 }
 
 TEST_F(PictureMemoryTest, aHistoryThatNobodyCanReadBeginsAnew) {

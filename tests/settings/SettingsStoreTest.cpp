@@ -96,6 +96,9 @@ TEST_F(SettingsStoreTest, aFileThatIsALinkStaysOne) {
     EXPECT_EQ(save(changed), "");
     EXPECT_TRUE(fs::is_symlink(file));
     EXPECT_EQ(decodeSettings(readFile(kept, 1 << 20)), changed);
+    fs::remove(kept);
+    EXPECT_NE(save(defaults), "") << "the disk that it is on may come back";
+    EXPECT_FALSE(fs::exists(kept));
 }
 
 TEST_F(SettingsStoreTest, aSaveThatRunsOutOfSpaceLeavesTheOldFileAndNoLitter) {
