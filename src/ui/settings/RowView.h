@@ -26,11 +26,11 @@ public:
     }
 
 private:
-    void make(const SettingsRow::Text&) {}
+    void make(const auto&) {}
     void make(const SettingsRow::Toggle& toggle);
     void make(const SettingsRow::Choice& choice);
     void make(const SettingsRow::Action& action);
-    void fill(const SettingsRow::Text&) {}
+    void fill(const auto&) {}
     void fill(const SettingsRow::Toggle& toggle);
     void fill(const SettingsRow::Choice& choice);
     void fill(const SettingsRow::Action& action);
