@@ -74,10 +74,10 @@ struct PictureCommandTest : ::testing::Test, DesktopWorld {
                           .wallpapers = wallpapers,
                           .channel = channel,
                           .version = "1.2.3"}};
+    EventBus::Observation following = coordinator.observeChanges(
+        [this](const std::string& display) { changes.displayDidChange(display); });
 
     void SetUp() override {
-        coordinator.setChangeHandler(
-            [this](const std::string& display) { changes.displayDidChange(display); });
         run(memory.load());
         desktop.shown = {{1, own("before.jpg")}, {2, own("before.jpg")}};
     }

@@ -55,10 +55,10 @@ Task<SharedPixels> DraftPreview::drawn(Subject subject) {
     const auto& [display, mode] = subject;
     if (const auto* color = std::get_if<SolidColorPresentationSettings>(&mode.value))
         co_return co_await renderer_.smallColor(color->hexColor, display, longestSide);
-    const PictureSource source = co_await files_.run([mode = mode] {
-        if (const auto* image = std::get_if<ImagePresentationSettings>(&mode.value))
+    const PictureSource source = co_await files_.run([chosen = mode] {
+        if (const auto* image = std::get_if<ImagePresentationSettings>(&chosen.value))
             return pictureSource(*image);
-        return firstPicture(std::get<SlideshowPresentationSettings>(mode.value));
+        return firstPicture(std::get<SlideshowPresentationSettings>(chosen.value));
     });
     const auto look = mode.imagePresentation();
     co_return co_await renderer_.smallImage(source.file, look->layout, look->backgroundHexColor, display,

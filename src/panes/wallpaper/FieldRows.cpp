@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/IsAmong.h"
 #include "base/Text.h"
 #include "modes/SourceOptions.h"
 
@@ -25,7 +26,7 @@ FieldOptions labeled(std::span<const LabeledValue> values, GeneralLanguage langu
 
 /// The same with what stands in the settings, though it is offered no more.
 FieldOptions with(FieldOptions options, const std::string& value) {
-    if (!std::ranges::contains(options.values, value)) {
+    if (!isAmong(value, options.values)) {
         options.values.push_back(value);
         options.labels.push_back(value);
     }
@@ -85,7 +86,7 @@ void FieldRows::add(const std::vector<std::string>& value) {
     FieldOptions options = optionsOf(text_.field, language_);
     for (const std::string& each : value) options = with(std::move(options), each);
     for (std::size_t i = 0; i < options.values.size(); ++i)
-        member(options.values[i], options.labels[i], std::ranges::contains(value, options.values[i]));
+        member(options.values[i], options.labels[i], isAmong(options.values[i], value));
 }
 
 void FieldRows::add(const std::optional<std::string>& value) {
@@ -132,7 +133,7 @@ void FieldChange::set(std::vector<std::string>& value) const {
     const bool* isOn = wished<bool>();
     if (!isOn) return;
     std::erase(value, member_);
-    if (*isOn && std::ranges::contains(optionsOf(field_, GeneralLanguage::english).values, member_))
+    if (*isOn && isAmong(member_, optionsOf(field_, GeneralLanguage::english).values))
         value.emplace_back(member_);
 }
 
@@ -146,7 +147,7 @@ void FieldChange::set(std::optional<std::string>& value) const {
     } else if (const auto* text = wished<std::string>()) {
         chosen = lowercased(text->starts_with('#') ? text->substr(1) : *text);
         if (chosen->empty()) chosen.reset();
-        if (chosen && !std::ranges::contains(options.values, *chosen)) return;
+        if (chosen && !isAmong(*chosen, options.values)) return;
     } else {
         return;
     }

@@ -12,6 +12,11 @@
 
 namespace quillmar {
 
+/// An enumeration whose cases a person can choose from.
+template <class E>
+concept LabeledEnum =
+    NamedEnum<E> && requires(E value, GeneralLanguage language) { labelOf(value, language); };
+
 /// What a text or a list of texts can hold. Empty: anything.
 struct FieldOptions {
     std::vector<std::string> values;
@@ -48,18 +53,18 @@ private:
     void add(const std::vector<std::string>& value);
     void add(const std::optional<std::string>& value);
     void add(const std::optional<Url>& value);
-    template <NamedEnum E>
-    void add(E value) {
+    template <LabeledEnum E>
+    void add(const E& value) {
         SettingsRow::Choice choice{.choices = {}, .chosen = static_cast<std::size_t>(value)};
         for (const E each : allCases<E>()) choice.choices.push_back(labelOf(each, language_));
         row(std::move(choice));
     }
-    template <NamedEnum E>
+    template <LabeledEnum E>
     void add(const std::set<E>& value) {
         for (const E each : allCases<E>())
             member(enumName(each), labelOf(each, language_), value.contains(each));
     }
-    /// What the program remembers has no rows.
+    /// What the program remembers has no rows, and what has no editor yet.
     template <class T>
     void add(const T&) {}
 
@@ -138,7 +143,7 @@ public:
 private:
     bool has(bool value) const { return need_.value == (value ? "true" : "false"); }
     template <NamedEnum E>
-    bool has(E value) const {
+    bool has(const E& value) const {
         return enumName(value) == need_.value;
     }
     template <NamedEnum E>

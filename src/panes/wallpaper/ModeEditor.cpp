@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/HexColor.h"
+#include "base/IsAmong.h"
 #include "panes/wallpaper/FieldRows.h"
 
 namespace quillmar {
@@ -54,8 +55,7 @@ std::optional<ModeProblem> problemOf(const WallpaperMode& mode, GeneralLanguage 
     ModeProblem problem{error->message(language), {}};
     for (const FieldGroupText& group : fieldGroups(mode.kind())) {
         for (const FieldText& text : group.fields) {
-            if (problem.row.empty() && std::ranges::contains(text.problems, error->errorCase()) &&
-                isShown(text, mode))
+            if (problem.row.empty() && isAmong(error->errorCase(), text.problems) && isShown(text, mode))
                 problem.row = rowFor(mode, text);
         }
     }
@@ -77,7 +77,8 @@ std::vector<SettingsGroup> editorGroups(const WallpaperMode& mode, GeneralLangua
         for (SettingsRow& row : group.rows) {
             if (problem && row.id == problem->row) row.error = problem->message;
         }
-        const bool hasProblem = std::ranges::any_of(group.rows, [](const auto& r) { return !r.error.empty(); });
+        const bool hasProblem =
+            std::ranges::any_of(group.rows, [](const auto& r) { return !r.error.empty(); });
         if (texts.isFolded) group.isExpanded = hasProblem || !isFolded(group.id);
         groups.push_back(std::move(group));
     }

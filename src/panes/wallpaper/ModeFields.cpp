@@ -16,14 +16,13 @@ constexpr auto ownFields = std::to_array<std::string_view>(
 
 /// How the picture is laid out; `note` is the field that writes something over it.
 FieldGroupText pictureGroup(std::optional<FieldText> note = {}) {
-    FieldGroupText group{
-        "picture",
-        "Picture"_key,
-        {{.field = "layout", .title = "Layout"_key},
-         {.field = "backgroundHexColor",
-          .title = "Background"_key,
-          .subtitle = "Shows wherever the picture does not reach."_key,
-          .control = FieldControl::color}}};
+    FieldGroupText group{"picture",
+                         "Picture"_key,
+                         {{.field = "layout", .title = "Layout"_key},
+                          {.field = "backgroundHexColor",
+                           .title = "Background"_key,
+                           .subtitle = "Shows wherever the picture does not reach."_key,
+                           .control = FieldControl::color}}};
     if (note) group.fields.push_back(*std::move(note));
     return group;
 }
@@ -99,28 +98,27 @@ Groups apodGroups() {
 
 Groups nasaEpicGroups() {
     const Need rotates{"presentation", "rotateThroughDays"};
-    return {
-        {"service",
-         "NASA EPIC"_key,
-         {{.field = "presentation", .title = "Show"_key},
-          {.field = "secondsPerObservation",
-           .title = "Each picture for"_key,
-           .subtitle = "Hours, minutes, seconds."_key,
-           .control = FieldControl::duration,
-           .need = rotates,
-           .problems = {Case::invalidNasaEpicObservationDuration},
-           .minimum = 10},
-          {.field = "recentDays",
-           .title = "Days back"_key,
-           .need = rotates,
-           .problems = {Case::invalidNasaEpicRecentDays},
-           .maximum = 7},
-          {.field = "imageProduct", .title = "Colors"_key},
-          {.field = "usesFullResolutionPNG",
-           .title = "Full resolution"_key,
-           .subtitle = "Several times as much to download."_key}}},
-        pictureGroup(
-            FieldText{.field = "showsCreditAndObservationTime", .title = "Show credit and time"_key})};
+    return {{"service",
+             "NASA EPIC"_key,
+             {{.field = "presentation", .title = "Show"_key},
+              {.field = "secondsPerObservation",
+               .title = "Each picture for"_key,
+               .subtitle = "Hours, minutes, seconds."_key,
+               .control = FieldControl::duration,
+               .need = rotates,
+               .problems = {Case::invalidNasaEpicObservationDuration},
+               .minimum = 10},
+              {.field = "recentDays",
+               .title = "Days back"_key,
+               .need = rotates,
+               .problems = {Case::invalidNasaEpicRecentDays},
+               .maximum = 7},
+              {.field = "imageProduct", .title = "Colors"_key},
+              {.field = "usesFullResolutionPNG",
+               .title = "Full resolution"_key,
+               .subtitle = "Several times as much to download."_key}}},
+            pictureGroup(
+                FieldText{.field = "showsCreditAndObservationTime", .title = "Show credit and time"_key})};
 }
 
 Groups wallhavenGroups() {
@@ -167,29 +165,27 @@ Groups wallhavenGroups() {
 
 Groups unsplashGroups() {
     const std::vector<Case> value{Case::missingUnsplashFilterValue};
-    return {{"service",
-             "Unsplash"_key,
-             {{.field = "accessKey",
-               .title = "Access key"_key,
-               .subtitle = "Of an application that you registered with Unsplash."_key,
-               .control = FieldControl::secret,
-               .problems = {Case::missingUnsplashAccessKey}},
-              {.field = "filter", .title = "Photos of"_key},
-              {.field = "topicSlug",
-               .title = "Topic"_key,
-               .subtitle = "As in its address, such as “wallpapers”."_key,
-               .need = Need{"filter", "topic"},
-               .problems = value},
-              {.field = "username",
-               .title = "User name"_key,
-               .need = Need{"filter", "user"},
-               .problems = value},
-              {.field = "searchQuery",
-               .title = "Search for"_key,
-               .need = Need{"filter", "search"},
-               .problems = value}}},
-            changeGroup(),
-            pictureGroup(FieldText{.field = "showsAttribution", .title = "Show the photographer"_key})};
+    return {
+        {"service",
+         "Unsplash"_key,
+         {{.field = "accessKey",
+           .title = "Access key"_key,
+           .subtitle = "Of an application that you registered with Unsplash."_key,
+           .control = FieldControl::secret,
+           .problems = {Case::missingUnsplashAccessKey}},
+          {.field = "filter", .title = "Photos of"_key},
+          {.field = "topicSlug",
+           .title = "Topic"_key,
+           .subtitle = "As in its address, such as “wallpapers”."_key,
+           .need = Need{"filter", "topic"},
+           .problems = value},
+          {.field = "username", .title = "User name"_key, .need = Need{"filter", "user"}, .problems = value},
+          {.field = "searchQuery",
+           .title = "Search for"_key,
+           .need = Need{"filter", "search"},
+           .problems = value}}},
+        changeGroup(),
+        pictureGroup(FieldText{.field = "showsAttribution", .title = "Show the photographer"_key})};
 }
 
 Groups bingGroups() {

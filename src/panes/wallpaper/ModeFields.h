@@ -27,7 +27,7 @@ struct FieldText {
     FieldControl control = FieldControl::ofItsType;
     std::optional<Need> need = {};  ///< without it the field has no effect, and is not shown
     std::vector<WallpaperApplicationError::Case> problems = {};  ///< those that are mended here
-    double minimum = 1;  ///< of a number, with the next
+    double minimum = 1;                                          ///< of a number, with the next
     double maximum = 86399;
 };
 

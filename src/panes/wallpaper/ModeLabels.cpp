@@ -54,9 +54,8 @@ std::string labelOf(UnsplashFilter value, GeneralLanguage language) {
 std::string labelOf(MuseumsSource value, GeneralLanguage) { return std::string(displayText(value)); }
 
 std::string labelOf(MuseumsArtworkCategory value, GeneralLanguage language) {
-    return pick(
-        std::array{"Paintings"_key, "Photography"_key, "Drawings and prints"_key, "Sculpture"_key}, value,
-        language);
+    return pick(std::array{"Paintings"_key, "Photography"_key, "Drawings and prints"_key, "Sculpture"_key},
+                value, language);
 }
 
 }  // namespace quillmar

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/IsAmong.h"
 #include "diagnostics/Log.h"
 
 namespace quillmar {
@@ -31,9 +32,8 @@ Task<void> ShownThumbnails::look() {
         looksAgain_ = false;
         const auto files = co_await services_.desktop.shown();
         const std::vector<DisplayInfo> displays = services_.displays.displays();
-        std::erase_if(thumbnails_, [&](const auto& each) {
-            return !std::ranges::contains(displays, each.first, &DisplayInfo::id);
-        });
+        std::erase_if(thumbnails_,
+                      [&](const auto& each) { return !isAmong(each.first, displays, &DisplayInfo::id); });
         for (const DisplayInfo& display : displays) {
             const auto file = files.find(display.id);
             if (file != files.end()) co_await draw(display, file->second);

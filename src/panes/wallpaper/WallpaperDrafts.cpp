@@ -80,18 +80,26 @@ void WallpaperDrafts::rebase(const std::string& displayID) {
     }
 }
 
-WallpaperSettingsChange WallpaperDrafts::change(const std::vector<std::string>& displayIDs) const {
+WallpaperDrafts::Change WallpaperDrafts::change(const std::vector<std::string>& displayIDs) const {
     std::vector<Draft> drafts;
     for (const std::string& id : displayIDs) {
         if (const auto draft = drafts_.find(id); draft != drafts_.end()) drafts.push_back(draft->second);
     }
-    return [drafts = std::move(drafts)](WallpaperSettings& settings) {
-        for (const Draft& draft : drafts) put(draft, settings);
-    };
+    auto passedOver = std::make_shared<DisplayIDs>();
+    // It may be made more than once, each time on other settings.
+    return {[drafts = std::move(drafts), passedOver](WallpaperSettings& settings) {
+                passedOver->clear();
+                for (const Draft& draft : drafts) {
+                    if (!put(draft, settings)) passedOver->insert(draft.wanted.displayID);
+                }
+            },
+            passedOver};
 }
 
-void WallpaperDrafts::put(const Draft& draft, WallpaperSettings& settings) {
+bool WallpaperDrafts::put(const Draft& draft, WallpaperSettings& settings) {
     const std::string& id = draft.wanted.displayID;
+    const DisplayWallpaperSettings* present = findEntry(settings.displays, id);
+    if (differ(present ? present->mode : WallpaperMode{}, draft.base.mode)) return false;
     settings.ensureEntries(std::vector<std::string>{id});
     DisplayWallpaperSettings& entry = *findEntry(settings.displays, id);
     entry.mode = withMemoryOf(draft.wanted.mode, entry.mode);
@@ -100,6 +108,7 @@ void WallpaperDrafts::put(const Draft& draft, WallpaperSettings& settings) {
         // One that the draft left alone may have become another in the settings.
         if (before == draft.base.savedModes.end() || before->second != mode) entry.savedModes[kind] = mode;
     }
+    return true;
 }
 
 }  // namespace quillmar

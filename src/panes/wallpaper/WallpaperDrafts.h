@@ -1,6 +1,7 @@
 #pragma once
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -30,19 +31,26 @@ public:
     bool isOvertaken(const std::string& displayID) const;
 
     void discard(const std::string& displayID) { drafts_.erase(displayID); }
+    void discardAll() { drafts_.clear(); }
     /// To be told when the settings have changed: drafts that they have come to agree with are none any more.
     void settingsDidChange();
     /// What the settings say now is what the draft is a change of: it was applied, or is to go over that.
     void rebase(const std::string& displayID);
-    /// Puts the drafts of these displays into the settings, whatever those say by then otherwise.
-    WallpaperSettingsChange change(const std::vector<std::string>& displayIDs) const;
+    /// A change of the settings, with what became of it once it was made.
+    struct Change {
+        WallpaperSettingsChange change;
+        std::shared_ptr<DisplayIDs> passedOver;  ///< somebody was faster: their settings are another's
+    };
+    /// Puts the drafts of these displays into the settings.
+    Change change(const std::vector<std::string>& displayIDs) const;
 
 private:
     struct Draft {
         DisplayWallpaperSettings base;  ///< what it changes
         DisplayWallpaperSettings wanted;
     };
-    static void put(const Draft& draft, WallpaperSettings& settings);
+    /// False, and nothing is changed, where the settings are not what the draft is a change of.
+    static bool put(const Draft& draft, WallpaperSettings& settings);
 
     const AppSettingsModel& settingsModel_;
     std::map<std::string, Draft> drafts_;  ///< by display
