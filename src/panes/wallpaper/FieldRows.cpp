@@ -59,7 +59,7 @@ SettingsRow& FieldRows::row(decltype(SettingsRow::control) control) {
 void FieldRows::member(std::string_view name, std::string label, bool isOn) {
     SettingsRow& added = row(SettingsRow::Toggle{isOn});
     added.id += "." + std::string(name);
-    added.title = localized(text_.title, language_, {std::move(label)});
+    added.title = std::move(label);
 }
 
 void FieldRows::add(int value) {

@@ -74,6 +74,7 @@ std::vector<SettingsGroup> editorGroups(const WallpaperMode& mode, GeneralLangua
             describe(mode, rows);
             std::ranges::move(rows.rows, std::back_inserter(group.rows));
         }
+        if (group.rows.empty()) continue;
         for (SettingsRow& row : group.rows) {
             if (problem && row.id == problem->row) row.error = problem->message;
         }

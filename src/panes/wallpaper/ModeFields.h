@@ -22,7 +22,7 @@ struct FieldText {
         std::string_view value;
     };
     std::string_view field;  ///< its key in the settings document
-    TextKey title;
+    TextKey title;           ///< of a list or a set, whose members have rows of their own, none of these
     std::optional<TextKey> subtitle = {};
     FieldControl control = FieldControl::ofItsType;
     std::optional<Need> need = {};  ///< without it the field has no effect, and is not shown

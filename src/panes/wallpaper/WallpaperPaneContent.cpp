@@ -227,11 +227,11 @@ void WallpaperPane::addDraftNotes(SettingsGroup& group) const {
     if (drafts_.isOvertaken(selected_) && !isApplying_) {
         group.rows.push_back(
             {.id = "reload",
-             .title = localized("Changed elsewhere meanwhile"_key, language()),
-             .subtitle = localized("The settings of this display became others while you edited them. Your "
-                                   "changes still stand here, and are not applied."_key,
+             .title = localized("Changed elsewhere"_key, language()),
+             .subtitle = localized("The settings of this display were changed while you edited them here. "
+                                   "Your changes are kept, and not applied yet."_key,
                                    language()),
-             .control = SettingsRow::Action{.label = localized("Use the Others"_key, language())},
+             .control = SettingsRow::Action{.label = localized("Use Those"_key, language())},
              .isWarning = true});
     }
     const auto obstacle = firstObstacle();
