@@ -73,6 +73,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     ports_.screens.setChangeHandler([this] {
         running_->wallpapers.screenParametersDidChange();
         control_->displaysDidChange();
+        settingsWindow_->displaysDidChange();
     });
     const ApplicationWishes wishes{
         .quit = [this] { quitController_.requestQuit(); },
