@@ -9,6 +9,7 @@ RowView::RowView(const SettingsRow& row, std::function<void(SettingsIntent)> wis
     control_ =
         makeRowControl(row, [this, id = row.id](RowControl::Value value) { tell({id, std::move(value)}); });
     gtk_list_box_row_set_activatable(GTK_LIST_BOX_ROW(row_), control_ && control_->isActivatedByRow());
+    if (control_) sendFocusOn();
     hdy_preferences_row_set_use_underline(HDY_PREFERENCES_ROW(row_), FALSE);
     // The look of libhandy's own rows, which have no place for an error and never break into two lines.
     GtkWidget* lines = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
@@ -24,6 +25,18 @@ RowView::RowView(const SettingsRow& row, std::function<void(SettingsIntent)> wis
     gtk_widget_show(lines);
     gtk_widget_show(row_);
     show(row);
+}
+
+/// The control is what the Tab key stops at, not the row around it as well. A row without one stays a stop:
+/// it is there to be read.
+void RowView::sendFocusOn() {
+    gtk_widget_set_can_focus(row_, FALSE);
+    focusing_ = Signal::connect<gboolean, GtkDirectionType>(
+        GTK_LIST_BOX_ROW(row_), "focus", [](GtkListBoxRow* row, GtkDirectionType direction) -> gboolean {
+            const gboolean isTaken = gtk_widget_child_focus(gtk_bin_get_child(GTK_BIN(row)), direction);
+            g_signal_stop_emission_by_name(row, "focus");
+            return isTaken;
+        });
 }
 
 std::string RowView::shapeOf(const SettingsRow& row) {
