@@ -18,7 +18,7 @@ RowView::RowView(const SettingsRow& row, std::function<void(SettingsIntent)> wis
     GtkWidget* first = fitBoxNew(makeTitle(), makeEnd());
     error_ = wrappedLabel("error");
     setStyleClass(error_, "quillmar-field-error");
-    gtk_container_add(GTK_CONTAINER(lines), first);
+    gtk_box_pack_start(GTK_BOX(lines), first, TRUE, TRUE, 0);
     gtk_container_add(GTK_CONTAINER(lines), error_);
     gtk_container_add(GTK_CONTAINER(row_), lines);
     gtk_widget_show(first);
@@ -76,7 +76,9 @@ void RowView::show(const SettingsRow& row) {
     hdy_preferences_row_set_title(HDY_PREFERENCES_ROW(row_), row.title.c_str());
     setTextOrHide(title_, row.title);
     setTextOrHide(subtitle_, row.subtitle);
-    gtk_widget_set_visible(texts_, !row.title.empty() || !row.subtitle.empty());
+    // Cards need the whole width, and say what they are.
+    const bool isGallery = std::holds_alternative<SettingsRow::Gallery>(row.control);
+    gtk_widget_set_visible(texts_, !isGallery && (!row.title.empty() || !row.subtitle.empty()));
     setStyleClass(row_, "quillmar-warning", row.isWarning);
     nameForAccess(row_, row.title);
     describeForAccess(row_, row.subtitle);
