@@ -35,7 +35,8 @@ struct SettingsRow {
     struct Entry {
         std::string text;
         std::string placeholder = {};
-        bool isSecret = false;  ///< a key or a password: shown only when asked for
+        bool isSecret = false;    ///< a key or a password: shown only when asked for
+        std::string reveal = {};  ///< what asking for it is called
         bool operator==(const Entry&) const = default;
     };
     struct Number {
