@@ -400,7 +400,7 @@ TEST_F(WallpaperPaneTest, aServiceIsAskedInTheBackgroundAndItsFailureCanBeTriedA
         WallpaperApplicationError(WallpaperApplicationError::Case::remoteImagesInTrash));
     wish("next");
     EXPECT_THAT(row("retry").subtitle, HasSubstr("in the trash"));
-    EXPECT_THAT(row("now").subtitle, HasSubstr("Next change: 4 May 2026"));
+    EXPECT_THAT(row("retry").subtitle, HasSubstr("Next attempt: 4 May 2026"));
     wallpaper->remoteImages.failure = nullptr;
     wish("retry");
     EXPECT_EQ(row("retry").id, "none");
