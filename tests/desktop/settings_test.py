@@ -10,7 +10,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402  (the version is asked for first)
 
-from quillmar_desktop import PROGRAM, DesktopTest, run, run_checked, wait_until
+from quillmar_desktop import PROGRAM, DesktopTest, run, run_checked, wait_until, x11
 
 MOST_GROWTH = 10 << 10  # KiB that an opened and closed window may leave behind
 
@@ -120,6 +120,37 @@ class SettingsWindowTest(DesktopTest):
         self.find("list item", "Exportar uma cópia de segurança", program)
         self.close(program)
         self.quit(program)
+
+    def test_a_person_gives_a_display_a_color_and_a_picture(self):
+        program = self.start_and_wait()
+        run(PROGRAM, "settings", "wallpaper", env=self.environment, check=True)
+        self.press("radio button", "DUMMY1", program)
+        self.find("radio button", "DUMMY1, chosen", program)
+        self.choose_mode("Solid Color", program)
+        self.find("text", "Color", program).get_editable_text_iface().set_text_contents("#2F6B8F")
+        self.find("radio button", "DUMMY1, chosen, has changes that are not applied", program)
+        self.take_picture("wallpaper")
+        self.press("push button", "Apply", program)
+        self.wait_for_color(1, "#2F6B8F", program)
+        self.choose_mode("Image", program)
+        self.press("push button", "Choose…, Image file", program)
+        picture = self.home / "green.png"
+        run_checked("convert", "-size", "64x64", "xc:#20A040", str(picture))
+        self.answer(program, "Choose an Image", "key", "ctrl+l", "type", str(picture))
+        run_checked("xdotool", "key", "Return")
+        self.find("combo box", "Layout", program).get_selection_iface().select_child(4)
+        self.press("push button", "Apply", program)
+        self.wait_for_color(1, "#20A040", program)
+        self.close(program, "Quillmar Settings")
+        self.quit(program)
+
+    def choose_mode(self, title, program):
+        self.find("list item", title, program).grab_focus()
+        run_checked("xdotool", "key", "space")
+
+    def wait_for_color(self, display, color, program):
+        x, y = self.POINTS[display]
+        wait_until(f"{color} on display {display}", lambda: x11.color(x, y) == color, program)
 
 
 if __name__ == "__main__":
