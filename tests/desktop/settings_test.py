@@ -10,7 +10,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402  (the version is asked for first)
 
-from quillmar_desktop import PROGRAM, DesktopTest, run, run_checked, wait_until, x11
+from quillmar_desktop import PROGRAM, DesktopTest, run, run_checked, wait_until
 
 MOST_GROWTH = 10 << 10  # KiB that an opened and closed window may leave behind
 
@@ -53,7 +53,9 @@ class SettingsWindowTest(DesktopTest):
         return wait_until(f"the {role} “{name}”", seen, program)
 
     def press(self, role, name, program):
-        self.assertTrue(self.find(role, name, program).do_action(0))
+        item = self.find(role, name, program)
+        wait_until(f"an enabled “{name}”", lambda: item.get_state_set().contains(Atspi.StateType.SENSITIVE), program)
+        self.assertTrue(item.do_action(0))
 
     def general(self):
         return json.loads(self.settings.read_bytes())["general"]
@@ -131,26 +133,23 @@ class SettingsWindowTest(DesktopTest):
         self.find("radio button", "DUMMY1, chosen, has changes that are not applied", program)
         self.take_picture("wallpaper")
         self.press("push button", "Apply", program)
-        self.wait_for_color(1, "#2F6B8F", program)
+        self.wait_for_colors(program, "#2F6B8F", points=self.POINTS[1:])
         self.choose_mode("Image", program)
         self.press("push button", "Choose…, Image file", program)
         picture = self.home / "green.png"
         run_checked("convert", "-size", "64x64", "xc:#20A040", str(picture))
         self.answer(program, "Choose an Image", "key", "ctrl+l", "type", str(picture))
-        run_checked("xdotool", "key", "Return")
+        self.press("push button", "Choose", program)
         self.find("combo box", "Layout", program).get_selection_iface().select_child(4)
         self.press("push button", "Apply", program)
-        self.wait_for_color(1, "#20A040", program)
+        self.wait_for_colors(program, "#20A040", points=self.POINTS[1:])
+        self.take_picture("wallpaper-image")
         self.close(program, "Quillmar Settings")
         self.quit(program)
 
     def choose_mode(self, title, program):
         self.find("list item", title, program).grab_focus()
         run_checked("xdotool", "key", "space")
-
-    def wait_for_color(self, display, color, program):
-        x, y = self.POINTS[display]
-        wait_until(f"{color} on display {display}", lambda: x11.color(x, y) == color, program)
 
 
 if __name__ == "__main__":
