@@ -85,7 +85,7 @@ def is_unlisted_adapter(path):
     return parts[0] == "linux" and len(parts) > 2 and parts[1] not in LINUX
 
 # Each includer compiles their templates.
-RECORD_TEMPLATES = ("base/JsonRecord.h", "base/JsonReading.h", "base/JsonWriting.h")
+RECORD_TEMPLATES = ("base/JsonRecord.h", "base/JsonReading.h", "base/JsonReadingValues.h", "base/JsonWriting.h", "base/JsonWritingValues.h")
 
 
 def may_see(room, target):
