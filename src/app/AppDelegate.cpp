@@ -14,8 +14,9 @@ Task<void> ask(AlertPresenting* alerts, Alert alert, std::optional<std::size_t>*
 
 /// The start is in the order of the list. At the end the cache is left alone first, and nothing may follow
 /// the displays any more before what changes by itself stops.
-AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems)
+AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems, StatusItem::Ways ways)
     : edits(ports, subsystems),
+      statusItem(ports, subsystems, std::move(ways)),
       remembered(subsystems.pictureMemory),
       lastShown(subsystems.lastShownKeeper),
       lastPictures(subsystems),
@@ -25,6 +26,8 @@ AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems)
       network(ports, subsystems),
       lives({
           {.life = &edits, .stopPlace = 6, .resumePlace = 6},
+          // Nothing is asked for any more once the rest begins to stop.
+          {.life = &statusItem, .stopPlace = 0, .resumePlace = 6},
           // What must not come again is known before anything is shown.
           {.life = &remembered, .stopPlace = 6, .resumePlace = 6},
           {.life = &lastShown, .stopPlace = 5, .resumePlace = 5},
@@ -54,7 +57,10 @@ void AppDelegate::applicationWillFinishLaunching() {
         return;
     }
     subsystems_ = std::make_unique<Subsystems>(ports_);
-    running_.emplace(ports_, *subsystems_);
+    running_.emplace(
+        ports_, *subsystems_,
+        StatusItem::Ways{.carryOut = [this](ControlCall call) { return control_->handle(std::move(call)); },
+                         .quit = [this] { quitController_.requestQuit(); }});
     logInfo("Primary application instance acquired.", "lifecycle");
 }
 
@@ -68,6 +74,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     if (!isPrimary()) return;
     ports_.screens.setChangeHandler([this] {
         running_->wallpapers.screenParametersDidChange();
+        running_->statusItem.displaysDidChange();
         control_->displaysDidChange();
     });
     control_.emplace(controlServices(
@@ -77,6 +84,7 @@ void AppDelegate::applicationDidFinishLaunching() {
         [] { logInfo("Another start asked this instance to come to the front.", "lifecycle"); });
     // The loop's time stands still while the machine sleeps; what fell due meanwhile is due now.
     ports_.systemEvents.setWakeHandler([this] { subsystems_->wallpaperRotation.reschedule(); });
+    running_->statusItem.appear();
     startupTask_.start(startUp());
 }
 

@@ -10,6 +10,7 @@
 #include "app/Ports.h"
 #include "app/Rotation.h"
 #include "app/SettingsEdits.h"
+#include "app/StatusItem.h"
 #include "app/Subsystems.h"
 #include "control/ControlService.h"
 #include "storage/ApplicationInstanceLock.h"
@@ -46,8 +47,9 @@ public:
 private:
     /// What runs in the primary instance, and the one list of it.
     struct Running {
-        Running(const Ports& ports, Subsystems& subsystems);
+        Running(const Ports& ports, Subsystems& subsystems, StatusItem::Ways ways);
         SettingsEdits edits;
+        StatusItem statusItem;
         RememberedPictures remembered;
         LastShown lastShown;
         LastServicePictures lastPictures;

@@ -18,6 +18,7 @@
 #include "platform/RunningInstances.h"
 #include "platform/Screens.h"
 #include "platform/SettingsWindow.h"
+#include "platform/StatusIcon.h"
 #include "platform/SystemEvents.h"
 #include "storage/ApplicationDirectories.h"
 
@@ -47,6 +48,7 @@ struct Ports {
     RemoteNotificationCenter& notificationCenter;
     HTTPSession& webSession;  ///< for picture services
     AddressOpening& addresses;
+    StatusIconShowing& statusIcon;
     SettingsWindowing* settingsWindow = nullptr;  ///< absent where the program has none to show
     std::function<Task<void>()> flushLog;         ///< waits until every log line is in its file
 };

@@ -31,7 +31,9 @@
 #include "linux/picture/LinuxPictureEncoding.h"
 #include "linux/render/ProcessPictureRendering.h"
 #include "linux/soup/SoupHTTPSession.h"
+#include "linux/tray/TrayStatusIcon.h"
 #include "linux/x11/OutputMemory.h"
+#include "storage/InstalledProgram.h"
 
 namespace quillmar {
 namespace {
@@ -134,6 +136,7 @@ struct LinuxPlatform::Adapters {
     GioAddresses addresses;
     LinuxPictureEncoding encoding;
     ProcessPictureRendering rendering{pool, ProcessPictureRendering::installedProgram()};
+    TrayStatusIcon statusIcon{loop, iconThemesFolder()};
     GtkScreens screens{outputIdentitiesFile(environment), stateFiles};
     LinuxDesktopPicture desktopPicture{pool, encoding, environment,
                                        supportFolder / "Cache/GeneratedWallpapers"};
@@ -167,6 +170,7 @@ Ports LinuxPlatform::ports() {
             .notificationCenter = own.notifications,
             .webSession = own.webSession,
             .addresses = own.addresses,
+            .statusIcon = own.statusIcon,
             .settingsWindow = nullptr,
             .flushLog = [&own] { return own.pipeline.flush(); }};
 }

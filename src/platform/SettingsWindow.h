@@ -10,7 +10,7 @@ public:
     virtual bool isVisible() const = 0;
     /// Closes the window as its close button does; it may ask the user first.
     virtual void performClose() = 0;
-    /// Brings the window to the front at a section: "backup", "about", ...
+    /// Brings the window to the front at a section: "backup", "about", ... Empty: the one that was open last.
     virtual void open(const std::string& section) = 0;
 };
 

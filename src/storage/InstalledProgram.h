@@ -15,4 +15,8 @@ BundleInfo loadBundleInfo(const Environment& environment);
 /// nobody calls by hand. A path that is not there where it is missing.
 std::filesystem::path companionProgram(std::string_view name);
 
+/// The folder of icon themes that this program's own icons lie in: beside it where it was built, else the
+/// installed one.
+std::filesystem::path iconThemesFolder();
+
 }  // namespace quillmar

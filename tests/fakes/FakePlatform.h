@@ -12,6 +12,7 @@
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeScreens.h"
 #include "fakes/FakeServices.h"
+#include "fakes/FakeStatusIcon.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 
@@ -94,6 +95,7 @@ struct FakePlatform {
     FakeHTTPSession web{loop};
     FakeNotificationCenter notificationCenter;
     FakeAddresses addresses;
+    FakeStatusIcon statusIcon;
     FakeSettingsWindow settingsWindow;
     std::vector<std::string> preferredLanguages{"en_GB"};
     int flushes = 0;
@@ -121,6 +123,7 @@ struct FakePlatform {
                 .notificationCenter = notificationCenter,
                 .webSession = web,
                 .addresses = addresses,
+                .statusIcon = statusIcon,
                 .settingsWindow = &settingsWindow,
                 .flushLog = [this] { return flush(); }};
     }
