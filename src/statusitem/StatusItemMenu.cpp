@@ -76,10 +76,8 @@ private:
             item.items = pictureCommands(state_.displays.front());
         } else {
             for (const StatusItemDisplay& display : state_.displays) {
-                item.items.push_back({.kind = Kind::submenu,
-                                      .title = display.name,
-                                      .image = "video-display",
-                                      .items = pictureCommands(display)});
+                item.items.push_back(
+                    {.kind = Kind::submenu, .title = display.name, .items = pictureCommands(display)});
             }
         }
         if (!item.items.empty()) item.items.push_back(separator());

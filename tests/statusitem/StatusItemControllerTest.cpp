@@ -75,14 +75,14 @@ struct ClicksCase {
 TEST_F(StatusItemTest, clicksDoWhatTheSettingsSay) {
     beginReady();
     for (const auto& [name, clicks, outcome] : std::initializer_list<ClicksCase>{
-             {"one acts when no second can follow", "l.....", "....m."},
+             {"one acts when no second can follow", "l.....", "...m.."},
              {"a double click takes its place", "l..l.....", "..s....."},
-             {"clicks far apart are two", "l.....l.....", "....m.....m."},
+             {"clicks far apart are two", "l.....l.....", "...m.....m.."},
              {"the third of three is a double click too", "l.l.l.....", ".s.s....."},
              {"the right button", "r.", "m."},
              {"Control, and nothing follows", "l.c.....", ".m....."},
              {"the middle button does nothing, and nothing follows", "l.m.....", "......"},
-             {"another button between two clicks", "l.m.l.....", "......m."},
+             {"another button between two clicks", "l.m.l.....", ".....m.."},
              {"a menu that the panel draws", "l.p.....", "......"},
          }) {
         std::string seen;
