@@ -58,8 +58,8 @@ class StatusItemTest(DesktopTest):
         configuration.parent.mkdir(parents=True, exist_ok=True)
         configuration.write_text(PANEL)
 
-        tray = self.panel("trayer", "--edge", "top", "--align", "right", "--height", "32")
         program = self.start_and_wait()
+        tray = self.panel("trayer", "--edge", "top", "--align", "right", "--height", "32")
         wait_until("the icon in the tray", self.windows, program)
         place = self.center_of_tray_icon()
         twice = ("--repeat", "2", "--delay", "60", "1")

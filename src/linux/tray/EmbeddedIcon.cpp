@@ -55,6 +55,8 @@ void EmbeddedIcon::setStyle(StatusIconStyle style) {
     draw(gtk_status_icon_get_size(icon_.get()));
 }
 
+bool EmbeddedIcon::isInTray() const { return gtk_status_icon_is_embedded(icon_.get()); }
+
 /// Before a tray has taken it, it has no size; a tray leaves out what shows nothing.
 void EmbeddedIcon::draw(int size) {
     if (const auto picture = files_.pixels(style_, std::max(size, smallest))) {

@@ -16,6 +16,7 @@ public:
     EmbeddedIcon(const PanelIconFiles& files, StatusIconStyle style, ClickHandler clicked);
 
     void setStyle(StatusIconStyle style);
+    bool isInTray() const;
 
 private:
     void draw(int size);

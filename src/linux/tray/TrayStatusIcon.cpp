@@ -3,6 +3,7 @@
 #include "linux/tray/EmbeddedIcon.h"
 #include "linux/tray/PopupMenu.h"
 #include "linux/tray/StatusNotifierItem.h"
+#include "linux/tray/TrayArrival.h"
 
 namespace quillmar {
 
@@ -23,10 +24,17 @@ struct TrayStatusIcon::Shown {
         answering.clicked(click);
     }
     void notifierIsShown(bool isShown) {
+        isInPanel = isShown;
         embedded.reset();
-        if (!isShown)
-            embedded = std::make_unique<EmbeddedIcon>(
-                files, style, [this](StatusIconClick click, auto at) { clicked(click, at); });
+        embedWherePossible();
+    }
+    /// Where there is no tray the toolkit's icon would only take memory; one whose tray has died makes the
+    /// toolkit complain when it moves to the next.
+    void embedWherePossible() {
+        if (isInPanel || (embedded && embedded->isInTray()) || !TrayArrival::isThere()) return;
+        embedded.reset();
+        embedded = std::make_unique<EmbeddedIcon>(
+            files, style, [this](StatusIconClick click, auto at) { clicked(click, at); });
     }
 
     PanelIconFiles files;
@@ -34,7 +42,9 @@ struct TrayStatusIcon::Shown {
     StatusIconAnswering& answering;
     std::optional<PanelPlace> place;  ///< of the last click; none: the pointer's
     std::unique_ptr<PopupMenu> menu;
+    bool isInPanel = true;  ///< as far as is known
     std::unique_ptr<EmbeddedIcon> embedded;
+    TrayArrival arrival{[this] { embedWherePossible(); }};
     StatusNotifierItem notifier;
 };
 
