@@ -110,11 +110,7 @@ void StatusItemController::perform(StatusIconClickAction action) {
 }
 
 void StatusItemController::openSettings() {
-    if (!services_.openSettings) {
-        showContextMenu();
-    } else if (services_.settingsModel.isLoaded()) {
-        services_.openSettings();
-    }
+    if (services_.settingsModel.isLoaded()) services_.openSettings();
 }
 
 void StatusItemController::showContextMenu() { services_.icon.showMenu(contextMenu()); }
@@ -124,7 +120,6 @@ StatusMenu StatusItemController::contextMenu() {
     const ObservedSettings now = observe();
     StatusItemMenuState state{.readiness = now.readiness,
                               .language = now.language,
-                              .hasSettingsWindow = static_cast<bool>(services_.openSettings),
                               .pausesRotations = now.pausesRotations,
                               .displays = {}};
     for (const DisplayInfo& display : services_.displays.displays())

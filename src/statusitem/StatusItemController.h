@@ -26,8 +26,8 @@ public:
         const DisplayProviding& displays;
         const PictureMemory& pictures;
         std::function<Task<ControlReply>(ControlCall)> carryOut;
-        std::function<void()> quit;          ///< the user's explicit wish to end
-        std::function<void()> openSettings;  ///< empty where there is no such window: the menu opens instead
+        std::function<void()> quit;  ///< the user's explicit wish to end
+        std::function<void()> openSettings;
     };
     explicit StatusItemController(Services services);
     StatusItemController(const StatusItemController&) = delete;

@@ -41,7 +41,7 @@ public:
             menu.push_back(wallpaper());
             menu.push_back(separator());
         }
-        if (state_.hasSettingsWindow && state_.readiness != StatusItemReadiness::loading) {
+        if (state_.readiness != StatusItemReadiness::loading) {
             menu.push_back(
                 command(Action::openSettings, text("Settings"_key), "preferences-system", ",", {}));
             menu.push_back(separator());

@@ -47,7 +47,6 @@ enum class StatusItemReadiness { loading, recovery, ready };
 struct StatusItemMenuState {
     StatusItemReadiness readiness = StatusItemReadiness::loading;
     GeneralLanguage language = GeneralLanguage::english;
-    bool hasSettingsWindow = false;
     bool pausesRotations = false;
     std::vector<StatusItemDisplay> displays;
 };

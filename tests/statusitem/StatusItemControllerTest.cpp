@@ -36,7 +36,7 @@ struct StatusItemTest : ::testing::Test {
     std::string done;  ///< "s" for each opening of Settings, "q" for each quit
     std::optional<StatusItemController> item;
 
-    void begin(bool hasSettingsWindow = false) {
+    void begin() {
         model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
         item.emplace(StatusItemController::Services{
             .loop = loop,
@@ -48,7 +48,7 @@ struct StatusItemTest : ::testing::Test {
             .pictures = memory,
             .carryOut = [this](ControlCall call) { return carryOut(std::move(call)); },
             .quit = [this] { done += "q"; },
-            .openSettings = hasSettingsWindow ? [this] { done += "s"; } : std::function<void()>()});
+            .openSettings = [this] { done += "s"; }});
         item->show();
     }
     Task<ControlReply> carryOut(ControlCall call) {
@@ -58,7 +58,7 @@ struct StatusItemTest : ::testing::Test {
     void beginReady() {
         store.onDisk.general.statusIconClickBehavior = {Action::openCustomMenu, Action::openSettings,
                                                         Action::disabled};
-        begin(true);
+        begin();
         loop.settle();
     }
     std::string menu() { return outline(icon.answering->contextMenu()); }
@@ -118,7 +118,7 @@ TEST_F(StatusItemTest, aClickDoesWhatTheSettingsSaidWhenItWasMade) {
 TEST_F(StatusItemTest, theMenuSaysHowFarTheSettingsAre) {
     store.hold();
     store.loadFails("no");
-    begin(true);
+    begin();
     EXPECT_EQ(menu(), "(Loading…), -, Quit");
     icon.click(FakeStatusIcon::Button::middle);
     icon.click();
@@ -141,7 +141,7 @@ TEST_F(StatusItemTest, eachDisplayOffersWhatCanBeDoneWithItsPicture) {
     EXPECT_EQ(
         menu(),
         "Wallpaper[Next Picture, (Previous Picture), (Favourite), (Move to Trash), (Open Page), -, Pause], "
-        "-, Quit");
+        "-, Settings, -, Quit");
     displays.present.push_back({.id = "display:b", .localizedName = "Right"});
     item->displaysDidChange();
     const auto file = [](const char* path) { return ShownPicture{.fileURL = Url::fromFilePath(path)}; };
@@ -155,7 +155,7 @@ TEST_F(StatusItemTest, eachDisplayOffersWhatCanBeDoneWithItsPicture) {
         menu(),
         "Wallpaper[Left[Next Picture, Previous Picture, Favourite, Move to Trash, Open Page], "
         "Right[(Next Picture), (Previous Picture), Favourite, (Move to Trash), (Open Page)], -, Pause*], "
-        "-, Quit");
+        "-, Settings, -, Quit");
     EXPECT_EQ(icon.menuChanges, 3) << "loaded, displays, paused";
     icon.choose("Previous Picture");
     icon.choose("Pause");
