@@ -12,6 +12,7 @@
 #include "app/Rotation.h"
 #include "app/SettingsEdits.h"
 #include "app/SoftwareUpdates.h"
+#include "app/StatusItem.h"
 #include "app/Subsystems.h"
 #include "control/ControlService.h"
 #include "panes/SettingsWindowModel.h"
@@ -55,9 +56,10 @@ public:
 private:
     /// What runs in the primary instance, and the one list of it.
     struct Running {
-        Running(const Ports& ports, Subsystems& subsystems);
+        Running(const Ports& ports, Subsystems& subsystems, StatusItem::Ways ways);
         SettingsEdits edits;
         SoftwareUpdates updates;
+        StatusItem statusItem;
         RememberedPictures remembered;
         LastShown lastShown;
         LastServicePictures lastPictures;

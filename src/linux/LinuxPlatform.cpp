@@ -32,6 +32,7 @@
 #include "linux/picture/LinuxPictureEncoding.h"
 #include "linux/render/ProcessPictureRendering.h"
 #include "linux/soup/SoupHTTPSession.h"
+#include "linux/tray/TrayStatusIcon.h"
 #include "linux/x11/OutputMemory.h"
 #include "linux/xsmp/XsmpSessionEnd.h"
 #include "storage/InstalledProgram.h"
@@ -141,6 +142,7 @@ struct LinuxPlatform::Adapters {
     AutostartEntry loginItem{stateFiles, environment, calledProgram()};
     LinuxPictureEncoding encoding;
     ProcessPictureRendering rendering{pool, ProcessPictureRendering::installedProgram()};
+    TrayStatusIcon statusIcon{loop, iconThemesFolder()};
     GtkScreens screens{outputIdentitiesFile(environment), stateFiles};
     LinuxDesktopPicture desktopPicture{pool, encoding, environment,
                                        supportFolder / "Cache/GeneratedWallpapers"};
@@ -173,6 +175,7 @@ Ports LinuxPlatform::ports() {
             .notificationCenter = own.notifications,
             .webSession = own.webSession,
             .addresses = own.addresses,
+            .statusIcon = own.statusIcon,
             .loginItem = own.loginItem,
             .files = own.views.files,
             .clipboard = own.views.clipboard,
