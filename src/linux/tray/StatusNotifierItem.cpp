@@ -40,10 +40,11 @@ constexpr int patienceMilliseconds = 5000;
 void appendPixels(const GdkPixbuf* picture, GVariantBuilder* list) {
     const int width = gdk_pixbuf_get_width(picture);
     const int height = gdk_pixbuf_get_height(picture);
-    const int channels = gdk_pixbuf_get_n_channels(picture);
+    const std::ptrdiff_t channels = gdk_pixbuf_get_n_channels(picture);
+    const std::ptrdiff_t stride = gdk_pixbuf_get_rowstride(picture);
     std::vector<guint8> bytes;
     for (int y = 0; y < height; ++y) {
-        const guint8* row = gdk_pixbuf_read_pixels(picture) + y * gdk_pixbuf_get_rowstride(picture);
+        const guint8* row = gdk_pixbuf_read_pixels(picture) + y * stride;
         for (const guint8* pixel = row; pixel < row + width * channels; pixel += channels) {
             const guint8 alpha = channels == 4 ? pixel[3] : guint8{0xFF};
             bytes.insert(bytes.end(), {alpha, pixel[0], pixel[1], pixel[2]});
