@@ -11,6 +11,7 @@
 #include "fakes/FakeHTTPSession.h"
 #include "fakes/FakeLoginItem.h"
 #include "fakes/FakeNotificationCenter.h"
+#include "fakes/FakePageWindow.h"
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeScreens.h"
 #include "fakes/FakeServices.h"
@@ -102,6 +103,9 @@ struct FakePlatform {
     FakeClipboard clipboard;
     FakeLoginItem loginItem;
     FakeSettingsWindow settingsWindow;
+    FakePageWindow<WelcomePage> welcomeWindow;
+    FakePageWindow<ChangelogPage> changelogWindow;
+    bool isStartedByPerson = false;
     std::vector<std::string> preferredLanguages{"en_GB"};
     int flushes = 0;
 
@@ -132,6 +136,9 @@ struct FakePlatform {
                 .files = files,
                 .clipboard = clipboard,
                 .settingsWindow = settingsWindow,
+                .welcomeWindow = welcomeWindow,
+                .changelogWindow = changelogWindow,
+                .isStartedByPerson = isStartedByPerson,
                 .flushLog = [this] { return flush(); }};
     }
     Task<void> flush() {
