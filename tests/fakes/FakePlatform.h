@@ -11,10 +11,10 @@
 #include "fakes/FakeHTTPSession.h"
 #include "fakes/FakeLoginItem.h"
 #include "fakes/FakeNotificationCenter.h"
-#include "fakes/FakePageWindow.h"
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeScreens.h"
 #include "fakes/FakeServices.h"
+#include "fakes/FakeWindows.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 
@@ -62,20 +62,6 @@ public:
     std::vector<std::string> messages;
     void startCrashReporting(const std::string& releaseName) override { messages.push_back(releaseName); }
     void sendMessage(const std::string& message) override { messages.push_back(message); }
-};
-
-class FakeSettingsWindow final : public SettingsWindowing {
-public:
-    bool visible = false;
-    std::vector<std::string> opened;
-    SettingsContent* content = nullptr;
-    void setContent(SettingsContent* shown) override { content = shown; }
-    bool isVisible() const override { return visible; }
-    void performClose() override { visible = false; }
-    void open(const std::string& section) override {
-        visible = true;
-        opened.push_back(section);
-    }
 };
 
 /// A whole machine in memory, but for its files: these are real, in a folder of the test's own.

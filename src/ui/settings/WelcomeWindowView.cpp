@@ -59,8 +59,11 @@ void WelcomeWindowView::fill(const WelcomePage& page) {
     showTheme(page.theme);
     if (page == shown_) return;
     frame_.setTitle(page.title);
-    gtk_image_set_from_icon_name(frame_.object<GtkImage>("icon"), page.iconName.c_str(),
-                                 GTK_ICON_SIZE_DIALOG);
+    GtkWidget* icon = frame_.object<GtkWidget>("icon");
+    gtk_image_set_from_icon_name(GTK_IMAGE(icon), page.iconName.c_str(), GTK_ICON_SIZE_DIALOG);
+    // A program that is not installed has none.
+    gtk_widget_set_visible(
+        icon, gtk_icon_theme_has_icon(gtk_icon_theme_get_default(), page.iconName.c_str()) != FALSE);
     const auto say = [this](const char* label, const std::string& text) {
         gtk_label_set_text(frame_.object<GtkLabel>(label), text.c_str());
     };
