@@ -19,7 +19,7 @@ FLOORS = [
     ["settings/records"],
     ["diagnostics"],
     ["display", "storage"],
-    ["desktop", "settings", "remote/fetching"],
+    ["desktop", "settings", "imports", "remote/fetching"],
     ["commandline", "remote/services"],
     ["remote", "history"],
     ["wallpaper", "loginitem", "updates"],
@@ -50,7 +50,7 @@ LEVEL |= {f"linux/{room}": LEVEL["linux"] for room in LINUX}
 # The programs' own files may put anything together.
 PROGRAMS = ("agent.cpp", "quillmar.cpp")
 # What a person may read is a localisable error. Where an English one may be thrown nevertheless, and why.
-SPEAKING_ROOMS = ("app", "client", "commandline", "control", "desktop", "loginitem", "panes", "remote", "settings", "statusitem", "updates", "wallpaper")
+SPEAKING_ROOMS = ("app", "client", "commandline", "control", "desktop", "imports", "loginitem", "panes", "remote", "settings", "statusitem", "updates", "wallpaper")
 ENGLISH_ERROR = re.compile(r"\bstd::runtime_error\b(?!\s*&)(?!>)")
 ENGLISH_ERRORS = {
     "remote/fetching/RemoteServices.cpp": "a bundle key that is wrong is a fault of the installation",

@@ -16,6 +16,7 @@
 #include "platform/FileWatching.h"
 #include "platform/HTTPSession.h"
 #include "platform/LoginItemRegistering.h"
+#include "platform/PageWindow.h"
 #include "platform/PictureRendering.h"
 #include "platform/RemoteNotificationCenter.h"
 #include "platform/RunningInstances.h"
@@ -56,6 +57,9 @@ struct Ports {
     FileChoosing& files;
     ClipboardWriting& clipboard;
     SettingsWindowing& settingsWindow;
+    WelcomeWindowing& welcomeWindow;
+    ChangelogWindowing& changelogWindow;
+    bool isStartedByPerson;                ///< rather than by the session
     std::function<Task<void>()> flushLog;  ///< waits until every log line is in its file
 };
 

@@ -9,6 +9,8 @@
 #include "desktop/LastShownKeeper.h"
 #include "display/DisplayService.h"
 #include "history/PictureMemory.h"
+#include "imports/MediaImportCoordinator.h"
+#include "imports/MediaImportRepository.h"
 #include "loginitem/LoginItemService.h"
 #include "remote/RemoteImageResolver.h"
 #include "remote/fetching/RemoteImageFetcher.h"
@@ -37,6 +39,9 @@ public:
     std::unique_ptr<SettingsStoring> settingsStore;
     AppSettingsModel settingsModel;
     LoginItemService loginItem;
+    SerialExecutor importClaims;
+    MediaImportRepository mediaImportFiles;
+    MediaImportCoordinator mediaImports;
     SerialExecutor updateFiles;
     SoftwareUpdateController softwareUpdates;
     DisplayService displays;

@@ -31,6 +31,7 @@
 #include "linux/gtk/GtkScreens.h"
 #include "linux/picture/LinuxPictureEncoding.h"
 #include "linux/render/ProcessPictureRendering.h"
+#include "linux/session/SessionStart.h"
 #include "linux/soup/SoupHTTPSession.h"
 #include "linux/tray/TrayStatusIcon.h"
 #include "linux/x11/OutputMemory.h"
@@ -180,6 +181,9 @@ Ports LinuxPlatform::ports() {
             .files = own.views.files,
             .clipboard = own.views.clipboard,
             .settingsWindow = own.views.settingsWindow,
+            .welcomeWindow = own.views.welcomeWindow,
+            .changelogWindow = own.views.changelogWindow,
+            .isStartedByPerson = !isStartedBySession(own.environment, ::getpid()),
             .flushLog = [&own] { return own.pipeline.flush(); }};
 }
 

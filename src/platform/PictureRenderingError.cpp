@@ -2,6 +2,12 @@
 
 namespace quillmar {
 
+PictureRenderingError PictureRenderingError::about(std::string path) const {
+    // Where there is no decoder, the path is the decoder's.
+    return PictureRenderingError(case_, case_ == Case::noDecoder ? path_ : std::move(path), seconds_,
+                                 reason_);
+}
+
 std::string PictureRenderingError::message(GeneralLanguage language) const {
     switch (case_) {
         case Case::unreadable:

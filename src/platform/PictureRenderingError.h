@@ -22,6 +22,8 @@ public:
         : case_(errorCase), path_(std::move(path)), seconds_(seconds), reason_(std::move(reason)) {}
 
     Case errorCase() const { return case_; }
+    /// The same of a file with another name: of the one that a person knows.
+    PictureRenderingError about(std::string path) const;
     std::string message(GeneralLanguage language) const override;
 
 private:

@@ -14,8 +14,8 @@
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeScreens.h"
 #include "fakes/FakeServices.h"
-#include "fakes/FakeSettingsWindow.h"
 #include "fakes/FakeStatusIcon.h"
+#include "fakes/FakeWindows.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 
@@ -91,6 +91,9 @@ struct FakePlatform {
     FakeClipboard clipboard;
     FakeLoginItem loginItem;
     FakeSettingsWindow settingsWindow;
+    FakePageWindow<WelcomePage> welcomeWindow;
+    FakePageWindow<ChangelogPage> changelogWindow;
+    bool isStartedByPerson = false;
     std::vector<std::string> preferredLanguages{"en_GB"};
     int flushes = 0;
 
@@ -122,6 +125,9 @@ struct FakePlatform {
                 .files = files,
                 .clipboard = clipboard,
                 .settingsWindow = settingsWindow,
+                .welcomeWindow = welcomeWindow,
+                .changelogWindow = changelogWindow,
+                .isStartedByPerson = isStartedByPerson,
                 .flushLog = [this] { return flush(); }};
     }
     Task<void> flush() {

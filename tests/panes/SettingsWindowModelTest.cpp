@@ -69,7 +69,7 @@ struct SettingsWindowModelTest : ::testing::Test {
                         .mayNotify = [this] { return answered(&notificationsAreShown); }},
             .backup = {*settings, backups, following, clock, AppSettings{}, "1.2.3",
                        [](const std::string&) {}},
-            .about = {bundle, environment, displays, *settings, addresses, clipboard},
+            .about = {bundle, environment, displays, *settings, addresses, clipboard, [] {}},
             .quit = [] {},
             .isRecovering = [this] { return isRecovering; }});
         window->setChangeHandler([this] { ++changes; });
