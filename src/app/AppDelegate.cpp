@@ -83,6 +83,7 @@ void AppDelegate::applicationDidFinishLaunching() {
         running_->wallpapers.screenParametersDidChange();
         running_->statusItem.displaysDidChange();
         control_->displaysDidChange();
+        settingsWindow_->displaysDidChange();
     });
     const ApplicationWishes wishes{
         .quit = [this] { quitController_.requestQuit(); },
