@@ -54,7 +54,11 @@ struct WallpaperPaneTest : ::testing::Test, DesktopWorld {
     std::optional<WallpaperPane> pane;
     EventBus::Observation following;
 
-    void SetUp() override { begin(); }
+    void SetUp() override {
+        const auto before = put("before.jpg");
+        desktop.shown = {{1, before}, {2, before}};
+        begin();
+    }
     void begin() {
         pane.reset();
         model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
@@ -354,9 +358,6 @@ TEST_F(WallpaperPaneTest, aDisplayThatIsUnpluggedKeepsItsDraftApart) {
 }
 
 TEST_F(WallpaperPaneTest, picturesAreDrawnSmallAndLateOnesAreDropped) {
-    desktop.shown = {{1, own("shown.png")}};
-    pane->didAppear();
-    loop.settle();
     EXPECT_EQ(display(1).thumbnail.pixels->size(), (PixelSize{512, 288}));
     wish("mode", "image");
     chooser.answer = own("a.png");
