@@ -10,7 +10,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402  (the version is asked for first)
 
-from quillmar_desktop import PROGRAM, DesktopTest, run, run_checked, wait_until
+from quillmar_desktop import COMPLETED, DESKTOP, PROGRAM, DesktopTest, run, run_checked, wait_until
 
 MOST_GROWTH = 10 << 10  # KiB that an opened and closed window may leave behind
 
@@ -150,6 +150,28 @@ class SettingsWindowTest(DesktopTest):
     def choose_mode(self, title, program):
         self.find("list item", title, program).grab_focus()
         run_checked("xdotool", "key", "space")
+
+    def test_a_first_run_is_welcomed_and_an_update_is_told(self):
+        program = self.start(DESKTOP_AUTOSTART_ID=None)
+        self.find("push button", "Open Settings", program)
+        self.take_picture("welcome")
+        self.assertNotIn(COMPLETED, self.log())
+        run(PROGRAM, "general", "set", "--language", "portuguese", "--appTheme", "dark", env=self.environment, check=True)
+        self.find("frame", "Bem-vindo ao Quillmar", program)
+        self.take_picture("welcome-dark")
+        self.press("push button", "Abrir as definições", program)
+        self.wait_for_log(COMPLETED, program)
+        self.find("frame", "Definições do Quillmar", program)
+        self.close(program)
+        self.quit(program)
+
+        document = json.loads(self.settings.read_bytes())
+        self.settings.write_text(json.dumps(document | {"lastLaunchedAppVersion": "0.0.1"}))
+        program = self.start_and_wait()
+        self.find("label", "Versão " + (DESKTOP.parents[1] / "VERSION").read_text().strip(), program)
+        self.take_picture("changelog")
+        self.close(program, "Novidades do Quillmar")
+        self.quit(program)
 
 
 if __name__ == "__main__":

@@ -77,7 +77,7 @@ void FieldRows::add(const std::string& value) {
     } else if (const FieldOptions options = optionsOf(text_.field, language_); options.values.empty()) {
         row(SettingsRow::Entry{.text = value,
                                .isSecret = text_.control == FieldControl::secret,
-                               .reveal = localized("Show the key"_key, language_)});
+                               .reveal = localized("Show"_key, language_)});
     } else {
         const FieldOptions all = with(options, value);
         row(SettingsRow::Choice{.choices = all.labels, .chosen = indexOf(all, value)});

@@ -37,10 +37,10 @@ ArrangementView::ArrangementView(std::function<void(SettingsIntent)> act)
       absentScroller_(gtk_scrolled_window_new(nullptr, nullptr)),
       absentBox_(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0)),
       none_(gtk_radio_button_new(nullptr)) {
-    GtkWidget* ground = gtk_drawing_area_new();
+    GtkWidget* ground = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     gtk_widget_set_size_request(ground, -1, mapHeight);
     gtk_container_add(GTK_CONTAINER(map_), ground);
-    setStyleClass(map_, "quillmar-map");
+    setStyleClass(ground, "quillmar-map");
     gtk_widget_set_no_show_all(none_, TRUE);
     gtk_overlay_add_overlay(GTK_OVERLAY(map_), none_);
     placing_ = Signal::connect<gboolean, GtkWidget*, GdkRectangle*>(
@@ -53,6 +53,7 @@ ArrangementView::ArrangementView(std::function<void(SettingsIntent)> act)
     gtk_container_add(GTK_CONTAINER(absentScroller_), absentBox_);
     for (GtkWidget* part : {title_, map_, absentTitle_, absentScroller_})
         gtk_container_add(GTK_CONTAINER(box_), part);
+    gtk_widget_set_margin_bottom(box_, 6);
     gtk_widget_show_all(box_);
 }
 
