@@ -66,7 +66,8 @@ class Agent:
         self.folder = pathlib.Path(folder)
         self.support = self.folder / "data" / "Quillmar"
         self.probe = self.folder / "turns"
-        self.environment = os.environ | {"XDG_RUNTIME_DIR": str(self.folder), "QUILLMAR_LOOP_PROBE": str(self.probe)}
+        self.environment = os.environ | {"XDG_RUNTIME_DIR": str(self.folder), "QUILLMAR_LOOP_PROBE": str(self.probe),
+                                         "DESKTOP_AUTOSTART_ID": "bench"}  # nobody is there to be welcomed
         for name in ("data", "config", "cache", "state"):
             self.environment[f"XDG_{name.upper()}_HOME"] = str(self.folder / name)
         self.environment |= variables

@@ -20,6 +20,7 @@
 #include "ui/GtkAlerts.h"
 #include "ui/GtkFileDialogs.h"
 #include "ui/GtkTextClipboard.h"
+#include "ui/PageWindowModule.h"
 #include "ui/SettingsWindowModule.h"
 
 namespace quillmar {
@@ -36,8 +37,12 @@ int runApplication(const BundleInfo& bundle, const Environment& environment, con
     GtkAlerts alerts;
     GtkFileDialogs files;
     GtkTextClipboard clipboard;
-    SettingsWindowModule settingsWindow(companionProgram("quillmar-settings.so"));
-    LinuxPlatform platform(bundle, environment, {alerts, files, clipboard, settingsWindow});
+    const std::filesystem::path views = companionProgram("quillmar-settings.so");
+    SettingsWindowModule settingsWindow(views);
+    PageWindowModule<WelcomePage> welcomeWindow(views, "quillmarMakeWelcomeWindow");
+    PageWindowModule<ChangelogPage> changelogWindow(views, "quillmarMakeChangelogWindow");
+    LinuxPlatform platform(bundle, environment,
+                           {alerts, files, clipboard, settingsWindow, welcomeWindow, changelogWindow});
     AppDelegate delegate(platform.ports(), takeInstanceLock(bundle, environment));
     delegate.applicationWillFinishLaunching();
     delegate.applicationDidFinishLaunching();

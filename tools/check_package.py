@@ -3,8 +3,8 @@
 
 usage: check_package.py [--self-test]
 
-The version of debian/changelog and the newest release of the metainfo are that of VERSION, and the package is built
-with what tools/dependencies.sh installs for building. Prints one line per difference, and ends with status 1 then.
+The version of debian/changelog, the newest release of the metainfo and that of the program's own changelog are that of
+VERSION, and the package is built with what tools/dependencies.sh installs for building. Prints one line per difference, and ends with status 1 then.
 """
 import pathlib
 import re
@@ -15,10 +15,11 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 NOT_FOR_PACKAGES, ONLY_FOR_PACKAGES = {"ccache"}, {"debhelper-compat"}
 
 
-def faults(version, changelog, metainfo, dependencies, control):
+def faults(version, changelog, metainfo, notes, dependencies, control):
     found = []
     said = {"debian/changelog": re.match(r"quillmar \(([^)]*)\)", changelog),
-            "the metainfo": re.search(r'<release version="([^"]*)"', metainfo)}
+            "the metainfo": re.search(r'<release version="([^"]*)"', metainfo),
+            "the release notes": re.search(r'ChangelogRelease\{"([^"]*)"', notes)}
     for place, match in said.items():
         if not match or match[1] != version:
             found.append(f"{place}: the newest version is {match[1] if match else 'not there'}, not {version}")
@@ -31,18 +32,18 @@ def faults(version, changelog, metainfo, dependencies, control):
 
 
 def self_test():
-    found = faults("2.0", "quillmar (1.0) x\n", '<release version="2.0"', '[build]="a ccache b"',
+    found = faults("2.0", "quillmar (1.0) x\n", '<release version="2.0"', 'ChangelogRelease{"2.1"', '[build]="a ccache b"',
                    "Build-Depends:\n debhelper-compat (= 13),\n b (>= 1),\n c,\nX: y\n")
     places = [line.split(": ")[1].split()[0] for line in found]
-    assert places == ["the", "a", "c"], found
+    assert places == ["the", "the", "a", "c"], found
 
 
 if sys.argv[1:] == ["--self-test"]:
     self_test()
     sys.exit()
 texts = [(ROOT / path).read_text(encoding="utf-8") for path in (
-    "VERSION", "debian/changelog", "packaging/desktop/com.quillmar.Quillmar.metainfo.xml", "tools/dependencies.sh",
-    "debian/control")]
+    "VERSION", "debian/changelog", "packaging/desktop/com.quillmar.Quillmar.metainfo.xml", "src/panes/ReleaseNotes.cpp",
+    "tools/dependencies.sh", "debian/control")]
 differences = faults(texts[0].strip(), *texts[1:])
 print(*differences, sep="\n", end="\n" if differences else "")
 sys.exit(1 if differences else 0)

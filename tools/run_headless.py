@@ -96,6 +96,7 @@ class Run:
             "XDG_CONFIG_HOME": str(home / "config"),
             "XDG_CACHE_HOME": str(home / "cache"),
             "XDG_STATE_HOME": str(home / "state"),
+            "DESKTOP_AUTOSTART_ID": "run",  # as the session starts it: without a welcome that waits for somebody
         }
         self.settings = home / "data" / "Quillmar" / "settings.json"
         self.running = None

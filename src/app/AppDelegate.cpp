@@ -14,20 +14,24 @@ Task<void> ask(AlertPresenting* alerts, Alert alert, std::optional<std::size_t>*
 
 /// The start is in the order of the list. At the end the cache is left alone first, and nothing may follow
 /// the displays any more before what changes by itself stops.
-AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems)
+AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems, AuxiliaryWindows& windows,
+                              StatusItem::Ways ways)
     : edits(ports, subsystems),
       updates(subsystems.softwareUpdates),
+      statusItem(ports, subsystems, std::move(ways)),
       remembered(subsystems.pictureMemory),
       lastShown(subsystems.lastShownKeeper),
       lastPictures(subsystems),
       cache(ports, subsystems),
-      launch(ports, subsystems),
+      launch(ports, subsystems, windows),
       rotation(subsystems.wallpaperRotation, subsystems.restoreFollowing),
       wallpapers(ports, subsystems, lastPictures),
       network(ports, subsystems),
       lives({
           {.life = &edits, .stopPlace = 6, .resumePlace = 6},
           {.life = &updates, .stopPlace = 8, .resumePlace = 8},
+          // Nothing is asked for any more once the rest begins to stop.
+          {.life = &statusItem, .stopPlace = 0, .resumePlace = 6},
           // What must not come again is known before anything is shown.
           {.life = &remembered, .stopPlace = 6, .resumePlace = 6},
           {.life = &lastShown, .stopPlace = 5, .resumePlace = 5},
@@ -58,7 +62,12 @@ void AppDelegate::applicationWillFinishLaunching() {
         return;
     }
     subsystems_ = std::make_unique<Subsystems>(ports_);
-    running_.emplace(ports_, *subsystems_);
+    windows_.emplace(ports_, *subsystems_, [this](const std::string& section) { openSettings(section); });
+    running_.emplace(
+        ports_, *subsystems_, *windows_,
+        StatusItem::Ways{.carryOut = [this](ControlCall call) { return control_->handle(std::move(call)); },
+                         .quit = [this] { quitController_.requestQuit(); },
+                         .openSettings = [this] { openSettings({}); }});
     logInfo("Primary application instance acquired.", "lifecycle");
 }
 
@@ -72,26 +81,33 @@ void AppDelegate::applicationDidFinishLaunching() {
     if (!isPrimary()) return;
     ports_.screens.setChangeHandler([this] {
         running_->wallpapers.screenParametersDidChange();
+        running_->statusItem.displaysDidChange();
         control_->displaysDidChange();
         settingsWindow_->displaysDidChange();
     });
     const ApplicationWishes wishes{
         .quit = [this] { quitController_.requestQuit(); },
         .isRecovering = [this] { return isRecovering_; },
-        .openSettings = [this](const std::string& section) { bringSettingsToFront(section); }};
+        .openSettings = [this](const std::string& section) { bringSettingsToFront(section); },
+        .openChangelog =
+            [this] {
+                tasks_.spawn(
+                    showOrTell([this] { windows_->showChangelog(); }, "The changelog cannot be shown"_key));
+            }};
     control_.emplace(controlServices(ports_, *subsystems_, wishes));
     settingsWindow_.emplace(settingsWindowServices(ports_, *subsystems_, wishes));
     ports_.settingsWindow.setContent(&*settingsWindow_);
     ports_.control.serve([this](ControlCall call) { return control_->handle(std::move(call)); });
     ports_.runningInstances.publish([this] {
         logInfo("Another start asked this instance to come to the front.", "lifecycle");
-        openSettings({});
+        tasks_.spawn(comeToFront());
     });
     // The loop's time stands still while the machine sleeps; what fell due meanwhile is due now.
     ports_.systemEvents.setWakeHandler([this] {
         subsystems_->wallpaperRotation.reschedule();
         subsystems_->softwareUpdates.reschedule();
     });
+    running_->statusItem.appear();
     startupTask_.start(startUp());
 }
 
@@ -145,6 +161,7 @@ Task<void> AppDelegate::showSettingsRecoveryAlert() {
 
 void AppDelegate::bringSettingsToFront(const std::string& section) {
     ports_.settingsWindow.open(section);
+    windows_->settingsAreOpening();
     ports_.usageReporting.sendMessage("settings_opened");
 }
 
@@ -152,18 +169,29 @@ void AppDelegate::openSettings(std::string section) {
     if (isPrimary()) tasks_.spawn(showSettings(std::move(section)));
 }
 
+/// Somebody started the program again: to see it.
+Task<void> AppDelegate::comeToFront() {
+    co_await subsystems_->settingsModel.loaded();
+    if (!windows_->activate()) co_await showSettings({});
+}
+
 Task<void> AppDelegate::showSettings(std::string section) {
-    AppSettingsModel& model = subsystems_->settingsModel;
-    co_await model.loaded();
+    co_await subsystems_->settingsModel.loaded();
+    co_await showOrTell([this, section] { bringSettingsToFront(section); },
+                        "The Settings window cannot be shown"_key);
+}
+
+/// Shows a window that the user asked for, or says with that title why there is none.
+Task<void> AppDelegate::showOrTell(std::function<void()> show, TextKey title) {
     std::optional<std::string> failure;
-    const GeneralLanguage language = model.settings().general.language;
+    const GeneralLanguage language = subsystems_->settingsModel.settings().general.language;
     try {
-        bringSettingsToFront(section);
+        show();
     } catch (const AppLocalizableError& error) {
         failure = error.message(language);
     }
     if (!failure) co_return;
-    Alert alert{.title = localized("The Settings window cannot be shown"_key, language), .text = *failure};
+    Alert alert{.title = localized(title, language), .text = *failure};
     alert.buttons = {localized("OK"_key, language)};
     co_await ports_.alerts.runModal(std::move(alert));
 }

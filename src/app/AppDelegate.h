@@ -4,6 +4,7 @@
 
 #include "app/ApplicationQuitController.h"
 #include "app/ApplicationStartupTask.h"
+#include "app/AuxiliaryWindows.h"
 #include "app/CacheUpkeep.h"
 #include "app/ConfiguredWallpapers.h"
 #include "app/LaunchSteps.h"
@@ -12,6 +13,7 @@
 #include "app/Rotation.h"
 #include "app/SettingsEdits.h"
 #include "app/SoftwareUpdates.h"
+#include "app/StatusItem.h"
 #include "app/Subsystems.h"
 #include "control/ControlService.h"
 #include "panes/SettingsWindowModel.h"
@@ -55,9 +57,10 @@ public:
 private:
     /// What runs in the primary instance, and the one list of it.
     struct Running {
-        Running(const Ports& ports, Subsystems& subsystems);
+        Running(const Ports& ports, Subsystems& subsystems, AuxiliaryWindows& windows, StatusItem::Ways ways);
         SettingsEdits edits;
         SoftwareUpdates updates;
+        StatusItem statusItem;
         RememberedPictures remembered;
         LastShown lastShown;
         LastServicePictures lastPictures;
@@ -70,7 +73,9 @@ private:
     };
     Task<void> forwardActivation();
     Task<void> startUp();
+    Task<void> comeToFront();
     Task<void> showSettings(std::string section);
+    Task<void> showOrTell(std::function<void()> show, TextKey title);
     /// Throws where there is no window to be had.
     void bringSettingsToFront(const std::string& section);
     Task<void> showSettingsRecoveryAlert();
@@ -83,6 +88,7 @@ private:
     bool isPreparingToTerminate_ = false;
     bool isRecovering_ = false;  ///< the start is limited: the settings could not be read
     std::unique_ptr<Subsystems> subsystems_;
+    std::optional<AuxiliaryWindows> windows_;
     std::optional<ControlService> control_;
     std::optional<SettingsWindowModel> settingsWindow_;
     std::optional<Running> running_;

@@ -59,6 +59,7 @@ ControlService::Services controlServices(const Ports& ports, Subsystems& subsyst
 
 SettingsWindowModel::Services settingsWindowServices(const Ports& ports, Subsystems& subsystems,
                                                      ApplicationWishes wishes) {
+    auto openChangelog = wishes.openChangelog;
     ControlService::Services shared = controlServices(ports, subsystems, std::move(wishes));
     return {.loop = ports.loop,
             .notifications = subsystems.notifications,
@@ -83,7 +84,8 @@ SettingsWindowModel::Services settingsWindowServices(const Ports& ports, Subsyst
                       .displays = subsystems.displays,
                       .settingsModel = subsystems.settingsModel,
                       .addresses = ports.addresses,
-                      .clipboard = ports.clipboard},
+                      .clipboard = ports.clipboard,
+                      .openChangelog = std::move(openChangelog)},
             .quit = std::move(shared.quit),
             .isRecovering = std::move(shared.isRecovering)};
 }

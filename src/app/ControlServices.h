@@ -10,6 +10,7 @@ struct ApplicationWishes {
     std::function<void()> quit;                            ///< the user's explicit wish to end
     std::function<bool()> isRecovering;                    ///< the settings could not be read at the start
     std::function<void(const std::string&)> openSettings;  ///< at a section, or where it was
+    std::function<void()> openChangelog;
 };
 
 /// What the commands stand on, from the features.

@@ -12,14 +12,18 @@ Task<void> LaunchSteps::start() {
         logError("The first-run login item could not be enabled.", "login-item", nullptr,
                  {{"registration_status", std::string(enumName(subsystems_.loginItem.status()))}});
     }
-    detection_ = co_await UpdateDetectionService(currentVersion_).run(model, isFirstRun);
+    const UpdateDetection detection = co_await UpdateDetectionService(currentVersion_).run(model, isFirstRun);
     co_await throwIfCancelled();
-    if (isFirstRun) usageReporting_.sendMessage("app_first_install");
-    if (!detection_->isUpdate) co_return;
+    if (isFirstRun) {
+        usageReporting_.sendMessage("app_first_install");
+        co_await windows_.welcome();
+    }
+    if (!detection.isUpdate) co_return;
     usageReporting_.sendMessage("app_updated");
     logInfo("This is the first start of a newer version.", "lifecycle",
-            {{"former_version", detection_->formerVersion},
-             {"shows_changelog", detection_->showsChangelog ? "true" : "false"}});
+            {{"former_version", detection.formerVersion},
+             {"shows_changelog", detection.showsChangelog ? "true" : "false"}});
+    if (detection.showsChangelog) windows_.tellWhatIsNew();
 }
 
 }  // namespace quillmar

@@ -16,11 +16,13 @@
 #include "platform/FileWatching.h"
 #include "platform/HTTPSession.h"
 #include "platform/LoginItemRegistering.h"
+#include "platform/PageWindow.h"
 #include "platform/PictureRendering.h"
 #include "platform/RemoteNotificationCenter.h"
 #include "platform/RunningInstances.h"
 #include "platform/Screens.h"
 #include "platform/SettingsWindow.h"
+#include "platform/StatusIcon.h"
 #include "platform/SystemEvents.h"
 #include "storage/ApplicationDirectories.h"
 
@@ -50,10 +52,14 @@ struct Ports {
     RemoteNotificationCenter& notificationCenter;
     HTTPSession& webSession;  ///< for picture services
     AddressOpening& addresses;
+    StatusIconShowing& statusIcon;
     LoginItemRegistering& loginItem;
     FileChoosing& files;
     ClipboardWriting& clipboard;
     SettingsWindowing& settingsWindow;
+    WelcomeWindowing& welcomeWindow;
+    ChangelogWindowing& changelogWindow;
+    bool isStartedByPerson;                ///< rather than by the session
     std::function<Task<void>()> flushLog;  ///< waits until every log line is in its file
 };
 

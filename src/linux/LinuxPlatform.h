@@ -14,6 +14,8 @@ public:
         FileChoosing& files;
         ClipboardWriting& clipboard;
         SettingsWindowing& settingsWindow;
+        WelcomeWindowing& welcomeWindow;
+        ChangelogWindowing& changelogWindow;
     };
     LinuxPlatform(const BundleInfo& bundle, const Environment& environment, Views views);
     LinuxPlatform(const LinuxPlatform&) = delete;

@@ -50,6 +50,8 @@ SettingsPane AboutPane::content() const {
                               .subtitle = *address,
                               .control = SettingsRow::Action{localized("Open"_key, language())}});
     }
+    about.rows.push_back(
+        actionRow("changelog", "Changelog"_key, "What each version of Quillmar brought"_key, "Read"_key));
     SettingsGroup help{.id = "help", .title = localized("When Something Is Wrong"_key, language())};
     help.rows = {actionRow("copyDiagnostics", "Diagnostics"_key,
                            "Version, system and displays, to be pasted into a report"_key, "Copy"_key),
@@ -72,6 +74,7 @@ void AboutPane::act(const SettingsIntent& intent) {
         if (const auto address = text ? Url::parse(*text) : std::nullopt)
             tasks_.spawn(open(intent.row, *address));
     }
+    if (intent.row == "changelog") services_.openChangelog();
     if (intent.row == "openLogs") {
         const auto folder = applicationSupportDirectoryOrNowhere(services_.environment) / "Logs";
         tasks_.spawn(open(intent.row, Url::fromFilePath(folder)));

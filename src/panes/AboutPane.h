@@ -24,6 +24,7 @@ public:
         AppSettingsModel& settingsModel;
         AddressOpening& addresses;
         ClipboardWriting& clipboard;
+        std::function<void()> openChangelog;
     };
     AboutPane(MainLoop& loop, Services services, std::function<void()> changed)
         : services_(services), changed_(std::move(changed)), tasks_(loop) {}

@@ -3,21 +3,9 @@
 #include <utility>
 
 #include "base/Enum.h"
+#include "panes/WindowThemes.h"
 
 namespace quillmar {
-namespace {
-
-WindowTheme themeOf(AppTheme theme) {
-    switch (theme) {
-        case AppTheme::automatic: return WindowTheme::automatic;
-        case AppTheme::light: return WindowTheme::light;
-        case AppTheme::dark: return WindowTheme::dark;
-    }
-    return WindowTheme::automatic;
-}
-
-}  // namespace
-
 SettingsWindowModel::SettingsWindowModel(Services services)
     : loop_(services.loop),
       settingsModel_(services.backup.settingsModel),

@@ -27,8 +27,8 @@ struct FileQuestion {
 class FileChoosing {
 public:
     virtual ~FileChoosing() = default;
-    /// The chosen file or folder; for one to save, the user has agreed to its being replaced. Empty when the user
-    /// chose none. The dialog goes away when the waiting task is cancelled or destroyed.
+    /// The chosen file or folder; for one to save, the user has agreed to its being replaced. Empty when the
+    /// user chose none. The dialog goes away when the waiting task is cancelled or destroyed.
     virtual Task<std::optional<std::filesystem::path>> choose(FileQuestion question) = 0;
 };
 

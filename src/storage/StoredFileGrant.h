@@ -18,8 +18,8 @@ Bytes makeStoredFileGrant(const std::filesystem::path& file);
 /// in the same folder. Nothing when it is in neither place, or when the bytes are no grant.
 std::optional<std::filesystem::path> resolveStoredFileGrant(const Bytes& grant);
 
-/// The grant for a file that the user names, which may not be there: then there is none, and that is said when
-/// the file is read.
+/// The grant for a file that the user names, which may not be there: then there is none, and that is said
+/// when the file is read.
 Task<std::optional<Bytes>> grantIfThere(Executor& files, std::filesystem::path file);
 
 }  // namespace quillmar

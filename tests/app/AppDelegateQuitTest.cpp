@@ -43,6 +43,7 @@ TEST_F(AppDelegateQuitTest, aSecondQuitDuringTheShutDownChangesNothing) {
 }
 
 TEST_F(AppDelegateQuitTest, withTheSettingsWindowOpenOnlyAnExplicitWishOrTheSystemEndsTheProgram) {
+    putSettings(twoColors());
     launch();
     machine.settingsWindow.visible = true;
     EXPECT_EQ(delegate->applicationShouldTerminate(QuitSource::other), TerminateReply::terminateCancel);

@@ -138,6 +138,8 @@ class DesktopTest(unittest.TestCase):
         runtime = self.home / "runtime"  # of its own, so that a test meets no other instance
         runtime.mkdir(mode=0o700)
         self.environment = os.environ | {"XDG_RUNTIME_DIR": str(runtime), "LANG": "C.UTF-8", "LANGUAGE": "en"}
+        # As the session starts it: nobody is there to be welcomed.
+        self.environment["DESKTOP_AUTOSTART_ID"] = "test"
         for name in ("data", "config", "cache", "state"):
             self.environment[f"XDG_{name.upper()}_HOME"] = str(self.home / name)
         self.paint(BEFORE)

@@ -14,6 +14,8 @@
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeScreens.h"
 #include "fakes/FakeServices.h"
+#include "fakes/FakeStatusIcon.h"
+#include "fakes/FakeWindows.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
 
@@ -63,20 +65,6 @@ public:
     void sendMessage(const std::string& message) override { messages.push_back(message); }
 };
 
-class FakeSettingsWindow final : public SettingsWindowing {
-public:
-    bool visible = false;
-    std::vector<std::string> opened;
-    SettingsContent* content = nullptr;
-    void setContent(SettingsContent* shown) override { content = shown; }
-    bool isVisible() const override { return visible; }
-    void performClose() override { visible = false; }
-    void open(const std::string& section) override {
-        visible = true;
-        opened.push_back(section);
-    }
-};
-
 /// A whole machine in memory, but for its files: these are real, in a folder of the test's own.
 struct FakePlatform {
     VirtualLoop loop;
@@ -98,10 +86,14 @@ struct FakePlatform {
     FakeHTTPSession web{loop};
     FakeNotificationCenter notificationCenter;
     FakeAddresses addresses;
+    FakeStatusIcon statusIcon;
     FakeFileChooser files;
     FakeClipboard clipboard;
     FakeLoginItem loginItem;
     FakeSettingsWindow settingsWindow;
+    FakePageWindow<WelcomePage> welcomeWindow;
+    FakePageWindow<ChangelogPage> changelogWindow;
+    bool isStartedByPerson = false;
     std::vector<std::string> preferredLanguages{"en_GB"};
     int flushes = 0;
 
@@ -128,10 +120,14 @@ struct FakePlatform {
                 .notificationCenter = notificationCenter,
                 .webSession = web,
                 .addresses = addresses,
+                .statusIcon = statusIcon,
                 .loginItem = loginItem,
                 .files = files,
                 .clipboard = clipboard,
                 .settingsWindow = settingsWindow,
+                .welcomeWindow = welcomeWindow,
+                .changelogWindow = changelogWindow,
+                .isStartedByPerson = isStartedByPerson,
                 .flushLog = [this] { return flush(); }};
     }
     Task<void> flush() {

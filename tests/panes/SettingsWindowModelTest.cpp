@@ -68,7 +68,7 @@ struct SettingsWindowModelTest : ::testing::Test, DesktopWorld {
                           displays, *pictures, writer, wallpaper->renderer, imports, cacheFiles, executor},
             .backup = {*settings, backups, following, clock, AppSettings{}, "1.2.3",
                        [](const std::string&) {}},
-            .about = {bundle, environment, displays, *settings, addresses, clipboard},
+            .about = {bundle, environment, displays, *settings, addresses, clipboard, [] {}},
             .quit = [] {},
             .isRecovering = [this] { return isRecovering; }});
         window->setChangeHandler([this] { ++changes; });

@@ -54,7 +54,11 @@ struct WallpaperPaneTest : ::testing::Test, DesktopWorld {
     std::optional<WallpaperPane> pane;
     EventBus::Observation following;
 
-    void SetUp() override { begin(); }
+    void SetUp() override {
+        const auto before = put("before.jpg");
+        desktop.shown = {{1, before}, {2, before}};
+        begin();
+    }
     void begin() {
         pane.reset();
         model.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
@@ -354,9 +358,6 @@ TEST_F(WallpaperPaneTest, aDisplayThatIsUnpluggedKeepsItsDraftApart) {
 }
 
 TEST_F(WallpaperPaneTest, picturesAreDrawnSmallAndLateOnesAreDropped) {
-    desktop.shown = {{1, own("shown.png")}};
-    pane->didAppear();
-    loop.settle();
     EXPECT_EQ(display(1).thumbnail.pixels->size(), (PixelSize{512, 288}));
     wish("mode", "image");
     chooser.answer = own("a.png");
@@ -399,7 +400,7 @@ TEST_F(WallpaperPaneTest, aServiceIsAskedInTheBackgroundAndItsFailureCanBeTriedA
         WallpaperApplicationError(WallpaperApplicationError::Case::remoteImagesInTrash));
     wish("next");
     EXPECT_THAT(row("retry").subtitle, HasSubstr("in the trash"));
-    EXPECT_THAT(row("now").subtitle, HasSubstr("Next change: 4 May 2026"));
+    EXPECT_THAT(row("retry").subtitle, HasSubstr("Next attempt: 4 May 2026"));
     wallpaper->remoteImages.failure = nullptr;
     wish("retry");
     EXPECT_EQ(row("retry").id, "none");

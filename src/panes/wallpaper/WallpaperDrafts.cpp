@@ -24,7 +24,7 @@ WallpaperMode withMemoryOf(WallpaperMode mode, const WallpaperMode& other) {
 }  // namespace
 
 bool differ(const WallpaperMode& one, const WallpaperMode& other) {
-    return withMemoryOf(one, other) != withMemoryOf(other, one);
+    return withMemoryOf(one, other) != other;
 }
 
 DisplayWallpaperSettings WallpaperDrafts::saved(const std::string& displayID) const {

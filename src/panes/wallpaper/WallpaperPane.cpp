@@ -105,7 +105,9 @@ void WallpaperPane::act(const SettingsIntent& intent) {
     } else if (intent.row == "imageURL" || intent.row == "folderURL") {
         draftFiles_.choose(selected_);
     } else {
-        drafts_.edit(selected_, [&](DisplayWallpaperSettings& entry) { change(entry.mode, intent); });
+        WallpaperMode mode = drafts_.of(selected_).mode;
+        if (!change(mode, intent)) return;
+        drafts_.edit(selected_, [&](DisplayWallpaperSettings& entry) { entry.mode = mode; });
         edited(selected_);
     }
 }

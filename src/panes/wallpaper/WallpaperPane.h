@@ -65,6 +65,7 @@ private:
     std::vector<SettingsPaneAction> footer() const;
     std::string progress() const;
     std::string nowText() const;
+    std::string nextAttempt() const;
 
     // What is known.
     std::optional<DisplayInfo> connected(const std::string& displayID) const;

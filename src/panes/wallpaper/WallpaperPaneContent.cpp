@@ -179,17 +179,21 @@ std::vector<SettingsGroup> WallpaperPane::editor() const {
     return groups;
 }
 
+std::string WallpaperPane::nextAttempt() const {
+    const auto& entries = services_.rotation.schedule().entries;
+    const auto next = entries.find(selected_);
+    if (next == entries.end() || services_.settingsModel.settings().general.pauseRotations) return {};
+    return shortLocalText(next->second.nextAttemptDate, language());
+}
+
 std::string WallpaperPane::nowText() const {
     if (!connected(selected_))
         return localized("It is not connected. What you change is kept until it is back."_key, language());
     const WallpaperModeKind kind = drafts_.saved(selected_).mode.kind();
     std::string text =
         localized(title(kind), language()) + pictureTitle(services_.pictures.history().current(selected_));
-    const auto& entries = services_.rotation.schedule().entries;
-    const auto next = entries.find(selected_);
-    if (next != entries.end() && !services_.settingsModel.settings().general.pauseRotations)
-        text += "\n" + localized("Next change: %@"_key, language(),
-                                 {shortLocalText(next->second.nextAttemptDate, language())});
+    if (const std::string next = nextAttempt(); !next.empty())
+        text += "\n" + localized("Next change: %@"_key, language(), {next});
     return text;
 }
 
@@ -207,13 +211,16 @@ void WallpaperPane::addFailures(SettingsGroup& group) const {
     const auto applied = failures_.find(selected_);
     const auto standing = failures.find(selected_);
     if (applied != failures_.end() || standing != failures.end()) {
-        group.rows.push_back(
-            {.id = "retry",
-             .title = localized("This display does not show what it should"_key, language()),
-             .subtitle = applied != failures_.end() ? applied->second : standing->second.message,
-             .control = SettingsRow::Action{.label = localized("Retry"_key, language())},
-             .isEnabled = !isApplying_ && !working_.contains(selected_),
-             .isWarning = true});
+        std::string reason = applied != failures_.end() ? applied->second : standing->second.message;
+        // By itself it tries what the settings say, not what was not applied.
+        if (const std::string next = nextAttempt(); applied == failures_.end() && !next.empty())
+            reason += "\n" + localized("Next attempt: %@"_key, language(), {next});
+        group.rows.push_back({.id = "retry",
+                              .title = localized("This display does not show what it should"_key, language()),
+                              .subtitle = std::move(reason),
+                              .control = SettingsRow::Action{.label = localized("Retry"_key, language())},
+                              .isEnabled = !isApplying_ && !working_.contains(selected_),
+                              .isWarning = true});
     }
     const auto leftOut = services_.coordinator.leftOut().find(selected_);
     if (leftOut == services_.coordinator.leftOut().end() || leftOut->second.empty()) return;

@@ -1,11 +1,9 @@
 #include "ui/settings/SettingsWindowView.h"
 
-#include <gdk/gdkx.h>
 #include <malloc.h>
 
-#include <algorithm>
-
 #include "ui/SettingsWindowModule.h"
+#include "ui/settings/WindowLook.h"
 
 namespace quillmar {
 namespace {
@@ -14,15 +12,6 @@ constexpr int windowWidth = 900;
 constexpr int windowHeight = 800;
 constexpr const char* sidebarPage = "sidebar";
 constexpr const char* contentPage = "content";
-
-HdyColorScheme schemeOf(WindowTheme theme) {
-    switch (theme) {
-        case WindowTheme::automatic: return HDY_COLOR_SCHEME_PREFER_LIGHT;
-        case WindowTheme::light: return HDY_COLOR_SCHEME_FORCE_LIGHT;
-        case WindowTheme::dark: return HDY_COLOR_SCHEME_FORCE_DARK;
-    }
-    return HDY_COLOR_SCHEME_PREFER_LIGHT;
-}
 
 GtkWidget* sectionRow(const SettingsFrame::Section& section) {
     GtkWidget* line = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12);
@@ -38,21 +27,9 @@ GtkWidget* sectionRow(const SettingsFrame::Section& section) {
     return row;
 }
 
-template <class T>
-T* object(const Ref<GtkBuilder>& builder, const char* name) {
-    return reinterpret_cast<T*>(gtk_builder_get_object(builder.get(), name));
-}
-
 }  // namespace
 
-SettingsWindowView::SettingsWindowView() {
-    hdy_init();
-    gtk_icon_theme_add_resource_path(gtk_icon_theme_get_default(), "/com/quillmar/settings/icons");
-    const auto css = Ref<GtkCssProvider>::adopt(gtk_css_provider_new());
-    gtk_css_provider_load_from_resource(css.get(), "/com/quillmar/settings/window.css");
-    gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(css.get()),
-                                              GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-}
+SettingsWindowView::SettingsWindowView() { prepareLook(); }
 
 SettingsWindowView::~SettingsWindowView() { setContent(nullptr); }
 
@@ -95,14 +72,11 @@ void SettingsWindowView::open(const std::string& section) {
     refresh();
     if (!wasVisible) {
         hdy_leaflet_set_visible_child_name(widgets_.leaflet, contentPage);
-        fitScreen();
+        fitScreen(widgets_.window, windowWidth, windowHeight);
         gtk_window_set_position(widgets_.window, GTK_WIN_POS_CENTER);
         gtk_widget_show(GTK_WIDGET(widgets_.window));
     }
-    // Somebody asked for it, if not with this program: the server's own time says that it may come to the
-    // front.
-    GdkWindow* surface = gtk_widget_get_window(GTK_WIDGET(widgets_.window));
-    gtk_window_present_with_time(widgets_.window, gdk_x11_get_server_time(surface));
+    comeToFront(widgets_.window);
 }
 
 void SettingsWindowView::make() {
@@ -178,7 +152,7 @@ void SettingsWindowView::refresh() {
     isShowing_ = true;
     SettingsFrame frame = content_->frame();
     const SettingsPane pane = content_->pane();
-    hdy_style_manager_set_color_scheme(hdy_style_manager_get_default(), schemeOf(frame.theme));
+    showTheme(frame.theme);
     gtk_window_set_title(widgets_.window, frame.title.c_str());
     if (!shown_ || shown_->sections != frame.sections || shown_->current != frame.current)
         showSections(frame);
@@ -230,17 +204,6 @@ void SettingsWindowView::showMenu(const SettingsFrame& frame) {
 
 void SettingsWindowView::showFold() {
     gtk_widget_set_visible(widgets_.back, hdy_leaflet_get_folded(widgets_.leaflet));
-}
-
-/// Not larger than the screen that it comes up on.
-void SettingsWindowView::fitScreen() {
-    GdkDisplay* display = gdk_display_get_default();
-    GdkMonitor* monitor = gdk_display_get_primary_monitor(display);
-    if (!monitor) monitor = gdk_display_get_monitor(display, 0);
-    GdkRectangle area{0, 0, windowWidth, windowHeight};
-    if (monitor) gdk_monitor_get_workarea(monitor, &area);
-    gtk_window_resize(widgets_.window, std::min(windowWidth, area.width),
-                      std::min(windowHeight, area.height));
 }
 
 void SettingsWindowView::goTo(std::size_t section) {

@@ -44,7 +44,6 @@ private:
     void showSections(const SettingsFrame& frame);
     void showMenu(const SettingsFrame& frame);
     void showFold();
-    void fitScreen();
     bool keyPressed(const GdkEventKey& key);
     void goTo(std::size_t section);
 
