@@ -21,6 +21,8 @@ RowView::RowView(const SettingsRow& row, std::function<void(SettingsIntent)> wis
     gtk_box_pack_start(GTK_BOX(lines), first, TRUE, TRUE, 0);
     gtk_container_add(GTK_CONTAINER(lines), error_);
     gtk_container_add(GTK_CONTAINER(row_), lines);
+    revealing_ = Signal::connect<void, GdkRectangle*>(GTK_LABEL(error_), "size-allocate",
+                                                      [this](GtkLabel*, GdkRectangle*) { revealError(); });
     gtk_widget_show(first);
     gtk_widget_show(lines);
     gtk_widget_show(row_);
@@ -144,7 +146,22 @@ void RowView::showError(const std::string& error) {
         atk_object_remove_relationship(text, ATK_RELATION_ERROR_FOR, field);
     }
     atk_object_notify_state_change(field, ATK_STATE_INVALID_ENTRY, isWrong);
+    isErrorNew_ = isWrong && shownError_.empty();
     shownError_ = error;
+}
+
+/// An error that comes up under the field that is being typed in, below the edge of the window, is scrolled
+/// into sight. Once: the pane is the user's to scroll.
+void RowView::revealError() {
+    if (!isErrorNew_) return;
+    isErrorNew_ = false;
+    GtkWidget* scroller = gtk_widget_get_ancestor(row_, GTK_TYPE_SCROLLED_WINDOW);
+    if (!scroller || !gtk_widget_has_focus(control_->field())) return;
+    GtkWidget* pane = gtk_bin_get_child(GTK_BIN(gtk_bin_get_child(GTK_BIN(scroller))));
+    int top = 0;
+    gtk_widget_translate_coordinates(row_, pane, 0, 0, nullptr, &top);
+    gtk_adjustment_clamp_page(gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroller)), top,
+                              top + gtk_widget_get_allocated_height(row_));
 }
 
 void RowView::activate() {

@@ -36,6 +36,7 @@ private:
     GtkWidget* makeEnd();
     void showSides(const SettingsRow& row);
     void showError(const std::string& error);
+    void revealError();
     void tell(SettingsIntent intent) const;
 
     std::string shape_;
@@ -48,6 +49,8 @@ private:
     GtkWidget* end_ = nullptr;
     GtkWidget* error_ = nullptr;
     std::string shownError_;
+    bool isErrorNew_ = false;
+    Signal revealing_;
     std::vector<Side> sides_;
     Signal focusing_;
     bool isShowing_ = false;  ///< what changes now is no wish
