@@ -48,6 +48,7 @@ ArrangementView::ArrangementView(std::function<void(SettingsIntent)> act)
         [this](GtkOverlay*, GtkWidget* tile, GdkRectangle* room) -> gboolean { return place(tile, *room); });
     GtkScrolledWindow* scroller = GTK_SCROLLED_WINDOW(absentScroller_);
     gtk_scrolled_window_set_policy(scroller, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+    gtk_widget_set_can_focus(absentScroller_, FALSE);
     gtk_scrolled_window_set_propagate_natural_height(scroller, TRUE);
     gtk_scrolled_window_set_max_content_height(scroller, mostAbsentHeight);
     gtk_container_add(GTK_CONTAINER(absentScroller_), absentBox_);

@@ -50,7 +50,6 @@ DisplayTile::DisplayTile(GtkRadioButton* group, bool isOnMap, std::function<void
     : isOnMap_(isOnMap), button_(gtk_radio_button_new_from_widget(group)) {
     GtkWidget* content = nullptr;
     if (isOnMap_) {
-        gtk_toggle_button_set_mode(GTK_TOGGLE_BUTTON(button_), FALSE);
         setStyleClass(button_, "quillmar-display");
         content = picture_ = gtk_drawing_area_new();
         drawing_ = Signal::connect<gboolean, cairo_t*>(GTK_DRAWING_AREA(picture_), "draw",

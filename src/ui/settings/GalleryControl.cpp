@@ -60,8 +60,10 @@ public:
                                               if (const std::string chosen = chosenCard(); !chosen.empty())
                                                   wish(chosen);
                                           });
+        tabbing_ = makeOneTabStop(GTK_CONTAINER(box_), [this] { return GTK_WIDGET(chosenChild()); });
     }
     GtkWidget* widget() const override { return GTK_WIDGET(box_); }
+    bool fillsRow() const override { return true; }
     void show(const SettingsRow& row) override {
         const auto& gallery = std::get<SettingsRow::Gallery>(row.control);
         if (gallery.cards != shown_) fill(gallery.cards);
@@ -88,11 +90,16 @@ private:
         shown_ = cards;
         for (std::size_t i = 0; i < cards.size(); ++i) cards_[i].show(cards[i]);
     }
-    std::string chosenCard() const {
+    GtkFlowBoxChild* chosenChild() const {
         GList* chosen = gtk_flow_box_get_selected_children(box_);
-        const int index = chosen ? gtk_flow_box_child_get_index(GTK_FLOW_BOX_CHILD(chosen->data)) : -1;
+        auto* child = static_cast<GtkFlowBoxChild*>(chosen ? chosen->data : nullptr);
         g_list_free(chosen);
-        return index < 0 ? std::string() : shown_[static_cast<std::size_t>(index)].id;
+        return child;
+    }
+    std::string chosenCard() const {
+        GtkFlowBoxChild* child = chosenChild();
+        return child ? shown_[static_cast<std::size_t>(gtk_flow_box_child_get_index(child))].id
+                     : std::string();
     }
 
     GtkFlowBox* box_;
@@ -100,6 +107,7 @@ private:
     std::vector<Card> cards_;
     std::vector<SettingsRow::Gallery::Card> shown_;
     Signal choosing_;
+    Signal tabbing_;
 };
 
 }  // namespace

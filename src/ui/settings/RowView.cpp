@@ -9,6 +9,7 @@ RowView::RowView(const SettingsRow& row, std::function<void(SettingsIntent)> wis
     control_ =
         makeRowControl(row, [this, id = row.id](RowControl::Value value) { tell({id, std::move(value)}); });
     gtk_list_box_row_set_activatable(GTK_LIST_BOX_ROW(row_), control_ && control_->isActivatedByRow());
+    if (control_) sendFocusOn();
     hdy_preferences_row_set_use_underline(HDY_PREFERENCES_ROW(row_), FALSE);
     // The look of libhandy's own rows, which have no place for an error and never break into two lines.
     GtkWidget* lines = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
@@ -17,13 +18,25 @@ RowView::RowView(const SettingsRow& row, std::function<void(SettingsIntent)> wis
     GtkWidget* first = fitBoxNew(makeTitle(), makeEnd());
     error_ = wrappedLabel("error");
     setStyleClass(error_, "quillmar-field-error");
-    gtk_container_add(GTK_CONTAINER(lines), first);
+    gtk_box_pack_start(GTK_BOX(lines), first, TRUE, TRUE, 0);
     gtk_container_add(GTK_CONTAINER(lines), error_);
     gtk_container_add(GTK_CONTAINER(row_), lines);
     gtk_widget_show(first);
     gtk_widget_show(lines);
     gtk_widget_show(row_);
     show(row);
+}
+
+/// The control is what the Tab key stops at, not the row around it as well. A row without one stays a stop:
+/// it is there to be read.
+void RowView::sendFocusOn() {
+    gtk_widget_set_can_focus(row_, FALSE);
+    focusing_ = Signal::connect<gboolean, GtkDirectionType>(
+        GTK_LIST_BOX_ROW(row_), "focus", [](GtkListBoxRow* row, GtkDirectionType direction) -> gboolean {
+            const gboolean isTaken = gtk_widget_child_focus(gtk_bin_get_child(GTK_BIN(row)), direction);
+            g_signal_stop_emission_by_name(row, "focus");
+            return isTaken;
+        });
 }
 
 std::string RowView::shapeOf(const SettingsRow& row) {
@@ -63,7 +76,8 @@ void RowView::show(const SettingsRow& row) {
     hdy_preferences_row_set_title(HDY_PREFERENCES_ROW(row_), row.title.c_str());
     setTextOrHide(title_, row.title);
     setTextOrHide(subtitle_, row.subtitle);
-    gtk_widget_set_visible(texts_, !row.title.empty() || !row.subtitle.empty());
+    const bool isTitled = !control_ || !control_->fillsRow();
+    gtk_widget_set_visible(texts_, isTitled && (!row.title.empty() || !row.subtitle.empty()));
     setStyleClass(row_, "quillmar-warning", row.isWarning);
     nameForAccess(row_, row.title);
     describeForAccess(row_, row.subtitle);

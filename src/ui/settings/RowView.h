@@ -31,6 +31,7 @@ private:
         Signal pressing;
     };
     static std::string shapeOf(const SettingsRow& row);
+    void sendFocusOn();
     GtkWidget* makeTitle();
     GtkWidget* makeEnd();
     void showSides(const SettingsRow& row);
@@ -48,6 +49,7 @@ private:
     GtkWidget* error_ = nullptr;
     std::string shownError_;
     std::vector<Side> sides_;
+    Signal focusing_;
     bool isShowing_ = false;  ///< what changes now is no wish
 };
 

@@ -117,6 +117,9 @@ void SettingsWindowView::connect() {
         widgets_.sections, "row-selected", [this](GtkListBox*, GtkListBoxRow* row) {
             if (!isShowing_ && row) goTo(static_cast<std::size_t>(gtk_list_box_row_get_index(row)));
         }));
+    signals_.push_back(makeOneTabStop(GTK_CONTAINER(widgets_.sections), [this] {
+        return GTK_WIDGET(gtk_list_box_get_selected_row(widgets_.sections));
+    }));
     // In a narrow window the section that is shown already is chosen to come back to it.
     signals_.push_back(Signal::connect<void, GtkListBoxRow*>(
         widgets_.sections, "row-activated", [this](GtkListBox*, GtkListBoxRow*) {

@@ -41,4 +41,19 @@ Signal passScrolling(GtkWidget* widget) {
         });
 }
 
+Signal makeOneTabStop(GtkContainer* list, std::function<GtkWidget*()> taken) {
+    return Signal::connect<gboolean, GtkDirectionType>(
+        list, "focus",
+        [taken = std::move(taken)](GtkContainer* entered, GtkDirectionType direction) -> gboolean {
+            if (direction != GTK_DIR_TAB_FORWARD && direction != GTK_DIR_TAB_BACKWARD) return FALSE;
+            const bool isLeaving = gtk_container_get_focus_child(entered) != nullptr;
+            GtkWidget* first = isLeaving ? nullptr : taken();
+            if (!isLeaving && !first) return FALSE;
+            if (first) gtk_widget_grab_focus(first);
+            // What the list does by itself is to go to the neighbor.
+            g_signal_stop_emission_by_name(entered, "focus");
+            return first != nullptr;
+        });
+}
+
 }  // namespace quillmar

@@ -1,6 +1,7 @@
 #pragma once
 #include <handy.h>
 
+#include <functional>
 #include <string>
 
 #include "linux/glib/Signal.h"
@@ -21,5 +22,9 @@ void setTextOrHide(GtkWidget* label, const std::string& text);
 
 /// Has the wheel scroll the pane, where the widget would take it for a change of its value.
 [[nodiscard]] Signal passScrolling(GtkWidget* widget);
+
+/// Makes a list of choices one stop of the Tab key: that comes in at the choice that is taken, or at the
+/// first child that can have the focus, and leaves from any. The arrow keys go from one to the next.
+[[nodiscard]] Signal makeOneTabStop(GtkContainer* list, std::function<GtkWidget*()> taken);
 
 }  // namespace quillmar
