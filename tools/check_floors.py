@@ -23,7 +23,7 @@ FLOORS = [
     ["commandline", "remote/services"],
     ["remote", "history"],
     ["wallpaper", "loginitem", "updates"],
-    ["control"],
+    ["control", "statusitem"],
     ["panes"],
     ["app"],
     ["linux", "ui", "client"],
@@ -41,6 +41,7 @@ LINUX = {
     "x11": ["glib"],
     "gtk": ["glib", "x11"],
     "desktop": ["glib", "dbus", "session", "x11"],
+    "tray": ["glib", "dbus"],
 }
 # The handles for GObjects are no adapter: the views hold their widgets with them too.
 ALSO_SEEN = {"ui": ("linux/glib/",)}
@@ -49,7 +50,7 @@ LEVEL |= {f"linux/{room}": LEVEL["linux"] for room in LINUX}
 # The programs' own files may put anything together.
 PROGRAMS = ("agent.cpp", "quillmar.cpp")
 # What a person may read is a localisable error. Where an English one may be thrown nevertheless, and why.
-SPEAKING_ROOMS = ("app", "client", "commandline", "control", "desktop", "imports", "loginitem", "panes", "remote", "settings", "updates", "wallpaper")
+SPEAKING_ROOMS = ("app", "client", "commandline", "control", "desktop", "imports", "loginitem", "panes", "remote", "settings", "statusitem", "updates", "wallpaper")
 ENGLISH_ERROR = re.compile(r"\bstd::runtime_error\b(?!\s*&)(?!>)")
 ENGLISH_ERRORS = {
     "remote/fetching/RemoteServices.cpp": "a bundle key that is wrong is a fault of the installation",
@@ -85,7 +86,7 @@ def is_unlisted_adapter(path):
     return parts[0] == "linux" and len(parts) > 2 and parts[1] not in LINUX
 
 # Each includer compiles their templates.
-RECORD_TEMPLATES = ("base/JsonRecord.h", "base/JsonReading.h", "base/JsonWriting.h")
+RECORD_TEMPLATES = ("base/JsonRecord.h", "base/JsonReading.h", "base/JsonReadingValues.h", "base/JsonWriting.h", "base/JsonWritingValues.h")
 
 
 def may_see(room, target):

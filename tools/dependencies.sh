@@ -10,6 +10,7 @@ declare -A packages=(
         libfmt-dev nlohmann-json3-dev libglib2.0-dev libgtk-3-dev libhandy-1-dev libgtk-3-bin libsoup-3.0-dev libsodium-dev ca-certificates
         libx11-dev libx11-xcb-dev libxcb1-dev libxcb-randr0-dev libxcb-shm0-dev libxau-dev libsm-dev
         libsystemd-dev libpng-dev libisal-dev zlib1g-dev libjpeg62-turbo-dev liblcms2-dev libpango1.0-dev libvips-dev libseccomp-dev
+        librsvg2-bin
     "
     [desktop]="
         xserver-xorg-core xserver-xorg-video-dummy openbox x11-xserver-utils x11-utils xdotool imagemagick dbus-daemon
@@ -17,7 +18,7 @@ declare -A packages=(
     "
     [tests]="
         libgtest-dev libgmock-dev llvm-19 libclang-rt-19-dev libxres-dev libxrandr-dev binutils
-        hsetroot notification-daemon iproute2 at-spi2-core gir1.2-atspi-2.0 python3-gi openssl
+        hsetroot notification-daemon iproute2 lxqt-panel trayer at-spi2-core gir1.2-atspi-2.0 python3-gi openssl
         xfdesktop4 xfconf gsettings-desktop-schemas cinnamon-desktop-data mate-desktop-common duktape-dev fish zsh
     "
     [lint]="git clang-format-19 clang-tidy-19 shellcheck"

@@ -14,9 +14,11 @@ Task<void> ask(AlertPresenting* alerts, Alert alert, std::optional<std::size_t>*
 
 /// The start is in the order of the list. At the end the cache is left alone first, and nothing may follow
 /// the displays any more before what changes by itself stops.
-AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems, AuxiliaryWindows& windows)
+AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems, AuxiliaryWindows& windows,
+                              StatusItem::Ways ways)
     : edits(ports, subsystems),
       updates(subsystems.softwareUpdates),
+      statusItem(ports, subsystems, std::move(ways)),
       remembered(subsystems.pictureMemory),
       lastShown(subsystems.lastShownKeeper),
       lastPictures(subsystems),
@@ -28,6 +30,8 @@ AppDelegate::Running::Running(const Ports& ports, Subsystems& subsystems, Auxili
       lives({
           {.life = &edits, .stopPlace = 6, .resumePlace = 6},
           {.life = &updates, .stopPlace = 8, .resumePlace = 8},
+          // Nothing is asked for any more once the rest begins to stop.
+          {.life = &statusItem, .stopPlace = 0, .resumePlace = 6},
           // What must not come again is known before anything is shown.
           {.life = &remembered, .stopPlace = 6, .resumePlace = 6},
           {.life = &lastShown, .stopPlace = 5, .resumePlace = 5},
@@ -59,7 +63,11 @@ void AppDelegate::applicationWillFinishLaunching() {
     }
     subsystems_ = std::make_unique<Subsystems>(ports_);
     windows_.emplace(ports_, *subsystems_, [this](const std::string& section) { openSettings(section); });
-    running_.emplace(ports_, *subsystems_, *windows_);
+    running_.emplace(
+        ports_, *subsystems_, *windows_,
+        StatusItem::Ways{.carryOut = [this](ControlCall call) { return control_->handle(std::move(call)); },
+                         .quit = [this] { quitController_.requestQuit(); },
+                         .openSettings = [this] { openSettings({}); }});
     logInfo("Primary application instance acquired.", "lifecycle");
 }
 
@@ -73,7 +81,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     if (!isPrimary()) return;
     ports_.screens.setChangeHandler([this] {
         running_->wallpapers.screenParametersDidChange();
+        running_->statusItem.displaysDidChange();
         control_->displaysDidChange();
+        settingsWindow_->displaysDidChange();
     });
     const ApplicationWishes wishes{
         .quit = [this] { quitController_.requestQuit(); },
@@ -97,6 +107,7 @@ void AppDelegate::applicationDidFinishLaunching() {
         subsystems_->wallpaperRotation.reschedule();
         subsystems_->softwareUpdates.reschedule();
     });
+    running_->statusItem.appear();
     startupTask_.start(startUp());
 }
 

@@ -13,6 +13,7 @@
 #include "app/Rotation.h"
 #include "app/SettingsEdits.h"
 #include "app/SoftwareUpdates.h"
+#include "app/StatusItem.h"
 #include "app/Subsystems.h"
 #include "control/ControlService.h"
 #include "panes/SettingsWindowModel.h"
@@ -56,9 +57,10 @@ public:
 private:
     /// What runs in the primary instance, and the one list of it.
     struct Running {
-        Running(const Ports& ports, Subsystems& subsystems, AuxiliaryWindows& windows);
+        Running(const Ports& ports, Subsystems& subsystems, AuxiliaryWindows& windows, StatusItem::Ways ways);
         SettingsEdits edits;
         SoftwareUpdates updates;
+        StatusItem statusItem;
         RememberedPictures remembered;
         LastShown lastShown;
         LastServicePictures lastPictures;

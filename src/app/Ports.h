@@ -22,6 +22,7 @@
 #include "platform/RunningInstances.h"
 #include "platform/Screens.h"
 #include "platform/SettingsWindow.h"
+#include "platform/StatusIcon.h"
 #include "platform/SystemEvents.h"
 #include "storage/ApplicationDirectories.h"
 
@@ -51,6 +52,7 @@ struct Ports {
     RemoteNotificationCenter& notificationCenter;
     HTTPSession& webSession;  ///< for picture services
     AddressOpening& addresses;
+    StatusIconShowing& statusIcon;
     LoginItemRegistering& loginItem;
     FileChoosing& files;
     ClipboardWriting& clipboard;

@@ -14,19 +14,18 @@ ControlService::ControlService(Services services)
       update_(std::move(services.update)),
       displays_(services.wallpaper.displays),
       version_(services.wallpaper.version),
-      coordinator_(services.wallpaper.coordinator),
       changes_({.loop = services.loop,
                 .notifications = services.notifications,
                 .settingsModel = services.wallpaper.settingsModel,
                 .wallpapers = wallpaper_,
                 .channel = services.channel,
                 .version = version_}),
+      following_(services.wallpaper.coordinator.observeChanges(
+          [this](const std::string& id) { changes_.displayDidChange(id); })),
       quit_(std::move(services.quit)),
       openSettings_(std::move(services.openSettings)),
       isRecovering_(std::move(services.isRecovering)),
-      loop_(services.loop) {
-    coordinator_.setChangeHandler([this](const std::string& id) { changes_.displayDidChange(id); });
-}
+      loop_(services.loop) {}
 
 Task<ControlReply> ControlService::handle(ControlCall call) {
     ControlReply reply;

@@ -29,7 +29,6 @@ public:
     explicit ControlService(Services services);
     ControlService(const ControlService&) = delete;
     ControlService& operator=(const ControlService&) = delete;
-    ~ControlService() { coordinator_.setChangeHandler({}); }
 
     /// Answers every call: one that fails, or is not understood, with the reason in the settings' language.
     Task<ControlReply> handle(ControlCall call);
@@ -55,8 +54,8 @@ private:
     UpdateCommand update_;
     const DisplayService& displays_;
     std::string version_;
-    WallpaperCoordinator& coordinator_;
     ChangeStream changes_;
+    EventBus::Observation following_;
     std::function<void()> quit_;
     std::function<void(const std::string&)> openSettings_;
     std::function<bool()> isRecovering_;

@@ -55,13 +55,7 @@ DisplayIDs WallpaperCommand::matching(const std::string& name) const {
 Task<std::optional<Bytes>> WallpaperCommand::grantFor(std::optional<Url> url) {
     const auto path = url ? url->filePath() : std::nullopt;
     if (!path) co_return std::nullopt;
-    co_return co_await services_.files.run([path = *path]() -> std::optional<Bytes> {
-        try {
-            return makeStoredFileGrant(path);
-        } catch (const std::system_error&) {
-            return std::nullopt;  // what is not there is said when it is read
-        }
-    });
+    co_return co_await grantIfThere(services_.files, *path);
 }
 
 Task<std::string> WallpaperCommand::readKey(std::filesystem::path file) {

@@ -99,4 +99,19 @@ PictureComposition compositionOf(ImagePresentationLayout layout, const Canvas& c
     return composition;
 }
 
+PictureComposition scaledDown(PictureComposition composition, int longestSide) {
+    const PixelSize whole = composition.canvas;
+    const double ratio = static_cast<double>(longestSide) / std::max(whole.width, whole.height);
+    if (ratio >= 1) return composition;
+    const auto scaled = [&](std::int64_t length) { return nearest(static_cast<double>(length) * ratio); };
+    const auto side = [&](std::int64_t length) { return std::max<std::int64_t>(scaled(length), 1); };
+    composition.canvas = {static_cast<int>(side(whole.width)), static_cast<int>(side(whole.height))};
+    PixelRect& place = composition.destination;
+    place = {scaled(place.x), scaled(place.y), side(place.width), side(place.height)};
+    // Tiles begin at the lower edge, wherever that was rounded to.
+    if (composition.isTiled) place.y = composition.canvas.height - place.height;
+    composition.caption.reset();  // nobody could read it
+    return composition;
+}
+
 }  // namespace quillmar

@@ -36,4 +36,7 @@ DrawingRect drawingRect(ImagePresentationLayout layout, PixelSize canvas, PixelS
 PictureComposition compositionOf(ImagePresentationLayout layout, const Canvas& canvas, RgbColor background,
                                  const std::string& caption, PixelSize source);
 
+/// The same on a canvas whose longer side is `longestSide`, where the other one is longer.
+PictureComposition scaledDown(PictureComposition composition, int longestSide);
+
 }  // namespace quillmar

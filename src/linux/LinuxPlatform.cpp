@@ -33,6 +33,7 @@
 #include "linux/render/ProcessPictureRendering.h"
 #include "linux/session/SessionStart.h"
 #include "linux/soup/SoupHTTPSession.h"
+#include "linux/tray/TrayStatusIcon.h"
 #include "linux/x11/OutputMemory.h"
 #include "linux/xsmp/XsmpSessionEnd.h"
 #include "storage/InstalledProgram.h"
@@ -142,6 +143,7 @@ struct LinuxPlatform::Adapters {
     AutostartEntry loginItem{stateFiles, environment, calledProgram()};
     LinuxPictureEncoding encoding;
     ProcessPictureRendering rendering{pool, ProcessPictureRendering::installedProgram()};
+    TrayStatusIcon statusIcon{loop, iconThemesFolder()};
     GtkScreens screens{outputIdentitiesFile(environment), stateFiles};
     LinuxDesktopPicture desktopPicture{pool, encoding, environment,
                                        supportFolder / "Cache/GeneratedWallpapers"};
@@ -174,6 +176,7 @@ Ports LinuxPlatform::ports() {
             .notificationCenter = own.notifications,
             .webSession = own.webSession,
             .addresses = own.addresses,
+            .statusIcon = own.statusIcon,
             .loginItem = own.loginItem,
             .files = own.views.files,
             .clipboard = own.views.clipboard,

@@ -1,5 +1,7 @@
 #include "panes/SettingsWindowModel.h"
 
+#include <utility>
+
 #include "base/Enum.h"
 #include "panes/WindowThemes.h"
 
@@ -10,11 +12,16 @@ SettingsWindowModel::SettingsWindowModel(Services services)
       quit_(std::move(services.quit)),
       isRecovering_(std::move(services.isRecovering)),
       general_(loop_, std::move(services.general), services.alerts, [this] { changed(); }),
+      wallpaper_(services.wallpaper, services.alerts, services.files, [this] { changed(); }),
       backup_(loop_, std::move(services.backup), services.alerts, services.files, [this] { changed(); }),
       about_(loop_, std::move(services.about), [this] { changed(); }),
       unsavedChanges_(loop_, services.alerts, [this] { return language(); }),
-      changes_(services.notifications.observe<AppSettings>(appSettingsDidChange,
-                                                           [this](const AppSettings&) { changed(); })) {}
+      changes_(services.notifications.observe<AppSettings>(appSettingsDidChange, [this](const AppSettings&) {
+          wallpaper_.settingsDidChange();
+          changed();
+      })) {
+    unsavedChanges_.add(SettingsSection::wallpaper, wallpaper_.unsavedDraft());
+}
 
 SettingsFrame SettingsWindowModel::frame() const {
     SettingsFrame frame{.title = localized("Quillmar Settings"_key, language()),
@@ -51,6 +58,7 @@ std::string SettingsWindowModel::banner() const {
 const PaneModel& SettingsWindowModel::paneOf(SettingsSection section) const {
     switch (section) {
         case SettingsSection::general: return general_;
+        case SettingsSection::wallpaper: return wallpaper_;
         case SettingsSection::backup: return backup_;
         case SettingsSection::about: return about_;
     }
@@ -63,9 +71,13 @@ PaneModel& SettingsWindowModel::paneOf(SettingsSection section) {
 
 void SettingsWindowModel::navigate(const std::string& section) {
     const auto wanted = enumFromName<SettingsSection>(section);
-    if (!wanted || *wanted == section_) return;
+    if (!wanted || *wanted == section_) {
+        paneOf(section_).didAppear();
+        return;
+    }
     unsavedChanges_.leave(section_, [this, wanted] {
-        section_ = *wanted;
+        paneOf(std::exchange(section_, *wanted)).didDisappear();
+        paneOf(section_).didAppear();
         changed();
     });
     // The sidebar may have gone ahead; it comes back where the user stays.
@@ -81,10 +93,13 @@ void SettingsWindowModel::setExpanded(const std::string& group, bool isExpanded)
 void SettingsWindowModel::requestClose(std::function<void()> close) {
     unsavedChanges_.leave(section_, [this, close = std::move(close)] {
         close();
+        paneOf(section_).didDisappear();
         backup_.reset();
         about_.reset();
     });
 }
+
+void SettingsWindowModel::quit() { unsavedChanges_.leave(section_, quit_); }
 
 void SettingsWindowModel::changed() {
     telling_ = Scheduled(loop_, [this] {

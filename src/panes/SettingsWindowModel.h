@@ -6,6 +6,7 @@
 #include "panes/BackupPane.h"
 #include "panes/GeneralPane.h"
 #include "panes/SettingsUnsavedChangesCoordinator.h"
+#include "panes/wallpaper/WallpaperPane.h"
 
 namespace quillmar {
 
@@ -19,6 +20,7 @@ public:
         AlertPresenting& alerts;
         FileChoosing& files;
         GeneralCommand::Services general;
+        WallpaperPane::Services wallpaper;
         BackupSettingsModel::Services backup;
         AboutPane::Services about;
         std::function<void()> quit;          ///< the user's explicit wish to end
@@ -33,7 +35,9 @@ public:
     void act(SettingsIntent intent) override;
     void setExpanded(const std::string& group, bool isExpanded) override;
     void requestClose(std::function<void()> close) override;
-    void quit() override { quit_(); }
+    void quit() override;
+    /// To be told when monitors came, went or were moved.
+    void displaysDidChange() { wallpaper_.displaysDidChange(); }
 
     SettingsSection section() const { return section_; }
     /// Where panes with drafts register them.
@@ -51,6 +55,7 @@ private:
     std::function<void()> quit_;
     std::function<bool()> isRecovering_;
     GeneralPane general_;
+    WallpaperPane wallpaper_;
     BackupPane backup_;
     AboutPane about_;
     SettingsSection section_ = SettingsSection::general;

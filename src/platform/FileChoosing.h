@@ -8,13 +8,13 @@
 
 namespace quillmar {
 
-/// A question after a file. The texts are in the user's language.
+/// A question after a file or a folder. The texts are in the user's language.
 struct FileQuestion {
     struct Type {
         std::string name;
         std::vector<std::string> patterns;  ///< such as "*.json"
     };
-    enum class Purpose { open, save };
+    enum class Purpose { open, openFolder, save };
     Purpose purpose = Purpose::open;
     std::string title;
     std::string accept;  ///< what the button says that takes the file
@@ -27,8 +27,8 @@ struct FileQuestion {
 class FileChoosing {
 public:
     virtual ~FileChoosing() = default;
-    /// The chosen file; for one to save, the user has agreed to its being replaced. Empty when the user
-    /// chose none. The dialog goes away when the waiting task is cancelled or destroyed.
+    /// The chosen file or folder; for one to save, the user has agreed to its being replaced. Empty when the
+    /// user chose none. The dialog goes away when the waiting task is cancelled or destroyed.
     virtual Task<std::optional<std::filesystem::path>> choose(FileQuestion question) = 0;
 };
 

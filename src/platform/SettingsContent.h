@@ -6,53 +6,10 @@
 #include <variant>
 #include <vector>
 
+#include "platform/SettingsDisplays.h"
+#include "platform/SettingsRow.h"
+
 namespace quillmar {
-
-/// One line of a pane: a text, and what can be done with it. All texts are in the user's language; `id` is
-/// the same in every language.
-struct SettingsRow {
-    /// A switch.
-    struct Toggle {
-        bool isOn = false;
-        bool operator==(const Toggle&) const = default;
-    };
-    /// One of a few.
-    struct Choice {
-        std::vector<std::string> choices;
-        std::size_t chosen = 0;
-        bool operator==(const Choice&) const = default;
-    };
-    /// A button.
-    struct Action {
-        std::string label;
-        bool isDestructive = false;
-        bool operator==(const Action&) const = default;
-    };
-    /// Nothing to be done: the text alone says it.
-    struct Text {
-        bool operator==(const Text&) const = default;
-    };
-
-    std::string id;
-    std::string title;
-    std::string subtitle = {};
-    std::variant<Text, Toggle, Choice, Action> control = {};
-    bool isEnabled = true;
-    bool isWarning = false;  ///< the subtitle says that something is not as it should be
-
-    bool operator==(const SettingsRow&) const = default;
-};
-
-/// Rows that belong together, under a title; as a card that opens and closes where `isExpanded` is there.
-struct SettingsGroup {
-    std::string id;
-    std::string title = {};
-    std::string description = {};
-    std::optional<bool> isExpanded = {};
-    std::vector<SettingsRow> rows = {};
-
-    bool operator==(const SettingsGroup&) const = default;
-};
 
 /// What the head of a pane shows large.
 struct SettingsHero {
@@ -66,8 +23,12 @@ struct SettingsHero {
 /// A pane of the Settings window.
 struct SettingsPane {
     std::optional<SettingsHero> hero = {};
+    std::optional<SettingsArrangement> arrangement = {};  ///< above the groups
+    std::optional<SettingsPreview> preview = {};          ///< beside or below the arrangement
     std::vector<SettingsGroup> groups = {};
-    bool isBusy = false;  ///< something that was asked for goes on
+    std::vector<SettingsPaneAction> actions = {};  ///< at the foot, in sight wherever the groups are scrolled
+    bool isBusy = false;                           ///< something that was asked for goes on
+    std::string progress = {};                     ///< what goes on, in words; empty if that is not said
 };
 
 /// How light the window is.
@@ -92,10 +53,11 @@ struct SettingsFrame {
     std::string quit;
 };
 
-/// What was done to a row: it was switched, one of its choices was taken, its button was pressed.
+/// What was done to a row: its button was pressed, it was switched, one of its choices was taken, a text was
+/// typed or a card or a display chosen by its ID, a number set.
 struct SettingsIntent {
     std::string row;
-    std::variant<std::monostate, bool, std::size_t> value = {};
+    std::variant<std::monostate, bool, std::size_t, std::string, double> value = {};
 };
 
 /// What the Settings window shows and where its user's wishes go. Main thread.

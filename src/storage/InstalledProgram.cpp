@@ -40,6 +40,8 @@ BundleInfo loadBundleInfo(const Environment& environment) {
     return BundleInfo::load(found({".", "../share/quillmar", "../../share/quillmar"}, "Info.json"));
 }
 
+fs::path iconThemesFolder() { return found({".", "../share", "../../share"}, "icons"); }
+
 fs::path companionProgram(std::string_view name) { return found({".", "../libexec/quillmar"}, name); }
 
 fs::path calledProgram() { return found({".", "../../bin"}, "quillmar"); }

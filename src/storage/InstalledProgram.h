@@ -17,4 +17,8 @@ std::filesystem::path companionProgram(std::string_view name);
 /// Where the program lies that a person calls, seen from any program of this build.
 std::filesystem::path calledProgram();
 
+/// The folder of icon themes that this program's own icons lie in: beside it where it was built, else the
+/// installed one.
+std::filesystem::path iconThemesFolder();
+
 }  // namespace quillmar

@@ -88,4 +88,14 @@ std::optional<fs::path> resolveStoredFileGrant(const Bytes& bytes) {
     return renamedWithinFolder(*file, grant->identity);
 }
 
+Task<std::optional<Bytes>> grantIfThere(Executor& files, std::filesystem::path file) {
+    co_return co_await files.run([file = std::move(file)]() -> std::optional<Bytes> {
+        try {
+            return makeStoredFileGrant(file);
+        } catch (const std::system_error&) {
+            return std::nullopt;
+        }
+    });
+}
+
 }  // namespace quillmar

@@ -10,11 +10,19 @@
 namespace quillmar {
 namespace {
 
+GtkFileChooserAction actionOf(FileQuestion::Purpose purpose) {
+    switch (purpose) {
+        case FileQuestion::Purpose::open: return GTK_FILE_CHOOSER_ACTION_OPEN;
+        case FileQuestion::Purpose::openFolder: return GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER;
+        case FileQuestion::Purpose::save: return GTK_FILE_CHOOSER_ACTION_SAVE;
+    }
+    return GTK_FILE_CHOOSER_ACTION_OPEN;
+}
+
 Ref<GtkFileChooserNative> dialogFor(const FileQuestion& question) {
     const bool saves = question.purpose == FileQuestion::Purpose::save;
     auto dialog = Ref<GtkFileChooserNative>::adopt(
-        gtk_file_chooser_native_new(question.title.c_str(), frontWindow(),
-                                    saves ? GTK_FILE_CHOOSER_ACTION_SAVE : GTK_FILE_CHOOSER_ACTION_OPEN,
+        gtk_file_chooser_native_new(question.title.c_str(), frontWindow(), actionOf(question.purpose),
                                     question.accept.c_str(), question.cancel.c_str()));
     auto* chooser = GTK_FILE_CHOOSER(dialog.get());
     gtk_native_dialog_set_modal(GTK_NATIVE_DIALOG(dialog.get()), TRUE);

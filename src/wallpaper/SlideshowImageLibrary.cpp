@@ -98,6 +98,8 @@ std::string SlideshowImageLibraryError::message(GeneralLanguage language) const 
     return localized("No supported images were found in %@."_key, language, {folder_.displayPath()});
 }
 
+std::span<const std::string_view> slideshowImageExtensions() { return imageExtensions; }
+
 std::vector<Url> slideshowImages(const Url& folder, bool includeSubfolders) {
     const auto path = folder.filePath();
     std::error_code error;

@@ -1,6 +1,8 @@
 #pragma once
 #include <functional>
 #include <optional>
+#include <span>
+#include <string_view>
 #include <vector>
 
 #include "base/Localization.h"
@@ -32,6 +34,9 @@ struct SlideshowSelection {
 
     bool leavesOut(const Url& image) const { return isLeftOut && isLeftOut(image); }
 };
+
+/// What the names of pictures that can be shown end with, in lower case: ".avif", ".bmp", ...
+std::span<const std::string_view> slideshowImageExtensions();
 
 /// The pictures of a folder that can be shown, in no order: regular files that are not hidden, with the name
 /// of an image. Links to folders are not followed, so that circles end. Throws `SlideshowImageLibraryError`

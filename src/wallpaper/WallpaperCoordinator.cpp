@@ -127,7 +127,7 @@ Task<void> WallpaperCoordinator::work(std::string displayID, WallpaperWork work)
         co_await applyChange(displayID,
                              std::get<std::shared_ptr<WallpaperSettingsChangeInProgress>>(std::move(work)));
     }
-    if (changeHandler_) changeHandler_(displayID);
+    observers_.post(displayDidChange, displayID);
     // It may have its former size back before anybody looks, and then nothing seems to have changed.
     const auto after = display(displayID);
     if (before && after && before->pixelSize != after->pixelSize && isOutOfDate(*after)) {

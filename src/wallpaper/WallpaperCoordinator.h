@@ -34,10 +34,10 @@ public:
     Task<WallpaperApplyBatchResult> showPrevious(DisplayIDs displayIDs);
     /// Shows the next one: of those that were gone back from, or else a new one.
     Task<WallpaperApplyBatchResult> showNext(DisplayIDs displayIDs);
-    /// Calls back when a display shows another picture or mode, or has failed to. Replaces the former
-    /// handler.
-    void setChangeHandler(std::function<void(const std::string& displayID)> handler) {
-        changeHandler_ = std::move(handler);
+    /// Calls back with the display's ID when it shows another picture or mode, or has failed to, until the
+    /// returned observation ends.
+    [[nodiscard]] EventBus::Observation observeChanges(std::function<void(const std::string&)> callback) {
+        return observers_.observe(displayDidChange, std::move(callback));
     }
     /// The connected displays whose picture was made for another size, or that were away when it was their
     /// turn: they came back too soon to be another arrangement.
@@ -50,6 +50,8 @@ public:
     const std::map<std::string, std::vector<WallpaperFailure>>& leftOut() const { return notices_.leftOut(); }
 
 private:
+    static constexpr NotificationName<std::string> displayDidChange{"displayDidChange"};
+
     Task<void> work(std::string displayID, WallpaperWork work);
     bool isOutOfDate(const DisplayInfo& display) const;
     Task<WallpaperDisplayApplyResult> applyCurrent(std::string displayID, WallpaperApplyReason reason);
@@ -74,7 +76,7 @@ private:
     AppSettingsModel& settingsModel_;
     PictureMemory& pictures_;
     const WallpaperApplicationGate& gate_;
-    std::function<void(const std::string&)> changeHandler_;
+    EventBus observers_;
     std::map<std::string, std::optional<PixelSize>>
         madeFor_;  ///< by display: its size at its last turn; nothing when it was away
     WallpaperNotices notices_;

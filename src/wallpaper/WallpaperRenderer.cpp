@@ -48,17 +48,36 @@ Task<GeneratedPicture> WallpaperRenderer::solidColor(std::string hexColor, Displ
             return lookFor(*cacheFiles, file, size, now);
         });
     if (auto cached = co_await fromCache(found, display)) co_return *std::move(cached);
-    SharedPixels pixels;
+    co_return madeNew(found, co_await filled(size, *color));
+}
+
+Task<SharedPixels> WallpaperRenderer::filled(PixelSize size, RgbColor color) {
     try {
-        pixels = co_await services_.executor.run([size, color]() -> SharedPixels {
+        co_return co_await services_.executor.run([size, color]() -> SharedPixels {
             auto buffer = std::make_shared<PixelBuffer>(size);
-            buffer->fill(*color);
+            buffer->fill(color);
             return buffer;
         });
     } catch (const std::system_error&) {  // the message of the case says all that helps the user
         throw Error(Error::Case::solidColorRenderingFailed);
     }
-    co_return madeNew(found, std::move(pixels));
+}
+
+Task<SharedPixels> WallpaperRenderer::smallColor(std::string hexColor, DisplayInfo display, int longestSide) {
+    const auto color = parseHexColor(normalizedHexColor(hexColor));
+    if (!color) throw Error(Error::Case::invalidSolidColor, hexColor);
+    const PixelSize size = scaledDown({.canvas = canvasSize(display)}, longestSide).canvas;
+    co_return co_await filled(size, *color);
+}
+
+Task<SharedPixels> WallpaperRenderer::smallImage(fs::path source, ImagePresentationLayout layout,
+                                                 std::string backgroundHexColor, DisplayInfo display,
+                                                 int longestSide) {
+    const Canvas canvas = Canvas::of(display);
+    const RgbColor color = parseHexColor(normalizedHexColor(backgroundHexColor)).value_or(RgbColor{});
+    co_return co_await render(std::move(source), [=](PixelSize picture) {
+        return scaledDown(compositionOf(layout, canvas, color, "", picture), longestSide);
+    });
 }
 
 Task<GeneratedPicture> WallpaperRenderer::image(fs::path source, ImagePresentationLayout layout,

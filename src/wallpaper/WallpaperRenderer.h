@@ -41,6 +41,12 @@ public:
     Task<GeneratedPicture> image(std::filesystem::path source, ImagePresentationLayout layout,
                                  std::string backgroundHexColor, std::string caption, DisplayInfo display);
 
+    /// As `image`, on a canvas whose longer side is `longestSide`: to be looked at in passing, kept nowhere.
+    Task<SharedPixels> smallImage(std::filesystem::path source, ImagePresentationLayout layout,
+                                  std::string backgroundHexColor, DisplayInfo display, int longestSide);
+    /// As `solidColor`, likewise.
+    Task<SharedPixels> smallColor(std::string hexColor, DisplayInfo display, int longestSide);
+
 private:
     /// A file of the cache and whether it can be what its name says. The lease is older than the look.
     struct Found {
@@ -53,6 +59,7 @@ private:
     Task<std::optional<GeneratedPicture>> fromCache(Found found, DisplayInfo display);
     static GeneratedPicture madeNew(const Found& found, SharedPixels pixels);
     Task<SharedPixels> render(std::filesystem::path source, PictureComposer composer);
+    Task<SharedPixels> filled(PixelSize size, RgbColor color);
 
     Services services_;
 };

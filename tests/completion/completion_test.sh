@@ -67,7 +67,7 @@ COMP_WORDBREAKS=$' \t\n"\'><=;|&(:'
 
 offers '--help --version backup displays general help quit settings status update wallpaper watch' ''
 offers 'backup' b
-offers 'about backup general' settings ''
+offers 'about backup general wallpaper' settings ''
 offers '--help --version' --
 offers '--json' displays ''
 offers '--json' status ''

@@ -1,14 +1,11 @@
 #include "control/PictureCommand.h"
 
 #include "control/ChangeStream.h"
-#include "fakes/DesktopWorld.h"
 #include "fakes/FakeAddresses.h"
 #include "fakes/FakeControlChannel.h"
-#include "fakes/FakeRemoteImageProvider.h"
 #include "fakes/FakeSettingsStore.h"
 #include "fakes/ProgramServices.h"
-#include "wallpaper/StaticPictures.h"
-#include "wallpaper/WallpaperService.h"
+#include "fakes/WallpaperProgram.h"
 
 namespace quillmar {
 namespace {
@@ -25,32 +22,14 @@ struct PictureCommandTest : ::testing::Test, DesktopWorld {
     EventBus notifications;
     FakeSettingsStore store;
     AppSettingsModel model{loop, notifications, store, AppSettings{}, cacheFiles};
-    FakeRemoteImageProvider remoteImages{cacheFiles};
-    WallpaperApplicationGate gate;
-    WallpaperRenderer renderer{{.cacheDirectory = cache,
-                                .rendering = rendering,
-                                .desktop = *pictures,
-                                .executor = executor,
-                                .cacheFiles = cacheFiles,
-                                .clock = clock}};
-    PictureMemory memory{executor, folder.path() / "state", clock};
-    StaticPictures staticPictures{{.desktop = *pictures,
-                                   .writer = writer,
-                                   .gate = gate,
-                                   .renderer = renderer,
-                                   .executor = executor,
-                                   .cacheFiles = cacheFiles,
-                                   .remoteImages = remoteImages,
-                                   .memory = memory,
-                                   .randomIndex = [](std::size_t) { return std::size_t{0}; }}};
-    WallpaperService service{displays, *pictures, gate, {&staticPictures}};
-    WallpaperSettingsTransactionService transactions{service};
-    WallpaperCoordinator coordinator{loop, displays, service, &transactions, model, memory, gate, clock};
-    WallpaperRotationCoordinator rotation{loop, notifications, model, coordinator, clock};
+    WallpaperProgram chain{*this, notifications, model};
+    FakeRemoteImageProvider& remoteImages = chain.remoteImages;
+    PictureMemory& memory = chain.memory;
+    WallpaperCoordinator& coordinator = chain.coordinator;
     ProgramServices program{loop, clock, model};
     WallpaperCommand wallpapers{{.settingsModel = model,
                                  .coordinator = coordinator,
-                                 .rotation = rotation,
+                                 .rotation = chain.rotation,
                                  .clock = clock,
                                  .version = "1.2.3",
                                  .displays = displays,
@@ -74,10 +53,10 @@ struct PictureCommandTest : ::testing::Test, DesktopWorld {
                           .wallpapers = wallpapers,
                           .channel = channel,
                           .version = "1.2.3"}};
+    EventBus::Observation following =
+        coordinator.observeChanges([this](const std::string& display) { changes.displayDidChange(display); });
 
     void SetUp() override {
-        coordinator.setChangeHandler(
-            [this](const std::string& display) { changes.displayDidChange(display); });
         run(memory.load());
         desktop.shown = {{1, own("before.jpg")}, {2, own("before.jpg")}};
     }

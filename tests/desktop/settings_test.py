@@ -53,7 +53,9 @@ class SettingsWindowTest(DesktopTest):
         return wait_until(f"the {role} “{name}”", seen, program)
 
     def press(self, role, name, program):
-        self.assertTrue(self.find(role, name, program).do_action(0))
+        item = self.find(role, name, program)
+        wait_until(f"an enabled “{name}”", lambda: item.get_state_set().contains(Atspi.StateType.SENSITIVE), program)
+        self.assertTrue(item.do_action(0))
 
     def general(self):
         return json.loads(self.settings.read_bytes())["general"]
@@ -120,6 +122,34 @@ class SettingsWindowTest(DesktopTest):
         self.find("list item", "Exportar uma cópia de segurança", program)
         self.close(program)
         self.quit(program)
+
+    def test_a_person_gives_a_display_a_color_and_a_picture(self):
+        program = self.start_and_wait()
+        run(PROGRAM, "settings", "wallpaper", env=self.environment, check=True)
+        self.press("radio button", "DUMMY1", program)
+        self.find("radio button", "DUMMY1, chosen", program)
+        self.choose_mode("Solid Color", program)
+        self.find("text", "Color", program).get_editable_text_iface().set_text_contents("#2F6B8F")
+        self.find("radio button", "DUMMY1, chosen, has changes that are not applied", program)
+        self.take_picture("wallpaper")
+        self.press("push button", "Apply", program)
+        self.wait_for_colors(program, "#2F6B8F", points=self.POINTS[1:])
+        self.choose_mode("Image", program)
+        self.press("push button", "Choose…, Image file", program)
+        picture = self.home / "green.png"
+        run_checked("convert", "-size", "64x64", "xc:#20A040", str(picture))
+        self.answer(program, "Choose an Image", "key", "ctrl+l", "type", str(picture))
+        self.press("push button", "Choose", program)
+        self.find("combo box", "Layout", program).get_selection_iface().select_child(4)
+        self.press("push button", "Apply", program)
+        self.wait_for_colors(program, "#20A040", points=self.POINTS[1:])
+        self.take_picture("wallpaper-image")
+        self.close(program, "Quillmar Settings")
+        self.quit(program)
+
+    def choose_mode(self, title, program):
+        self.find("list item", title, program).grab_focus()
+        run_checked("xdotool", "key", "space")
 
     def test_a_first_run_is_welcomed_and_an_update_is_told(self):
         program = self.start(DESKTOP_AUTOSTART_ID=None)

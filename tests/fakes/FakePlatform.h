@@ -14,6 +14,7 @@
 #include "fakes/FakePictureRendering.h"
 #include "fakes/FakeScreens.h"
 #include "fakes/FakeServices.h"
+#include "fakes/FakeStatusIcon.h"
 #include "fakes/FakeWindows.h"
 #include "fakes/TemporaryFolder.h"
 #include "fakes/VirtualLoop.h"
@@ -85,6 +86,7 @@ struct FakePlatform {
     FakeHTTPSession web{loop};
     FakeNotificationCenter notificationCenter;
     FakeAddresses addresses;
+    FakeStatusIcon statusIcon;
     FakeFileChooser files;
     FakeClipboard clipboard;
     FakeLoginItem loginItem;
@@ -118,6 +120,7 @@ struct FakePlatform {
                 .notificationCenter = notificationCenter,
                 .webSession = web,
                 .addresses = addresses,
+                .statusIcon = statusIcon,
                 .loginItem = loginItem,
                 .files = files,
                 .clipboard = clipboard,

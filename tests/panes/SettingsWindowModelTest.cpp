@@ -3,13 +3,11 @@
 #include "commandline/RecordOptions.h"
 #include "fakes/FakeAddresses.h"
 #include "fakes/FakeAlerts.h"
-#include "fakes/FakeDisplays.h"
-#include "fakes/FakeExecutors.h"
 #include "fakes/FakeFileChooser.h"
 #include "fakes/FakeLoginItem.h"
 #include "fakes/FakeSettingsStore.h"
-#include "fakes/TemporaryFolder.h"
-#include "fakes/VirtualLoop.h"
+#include "fakes/WallpaperProgram.h"
+#include "imports/MediaImportRepository.h"
 
 namespace quillmar {
 namespace {
@@ -28,15 +26,13 @@ struct NothingElseFollows final : SettingsRestoreFollowing {
 
 Task<bool> answered(const bool* answer) { co_return *answer; }
 
-struct SettingsWindowModelTest : ::testing::Test {
-    VirtualLoop loop;
-    VirtualWallClock clock{loop};
-    InlineExecutor executor;
+struct SettingsWindowModelTest : ::testing::Test, DesktopWorld {
     EventBus notifications;
     FakeSettingsStore store;
-    CacheFileProtection cacheFiles;
-    TemporaryFolder folder;
     std::optional<AppSettingsModel> settings;
+    std::optional<WallpaperProgram> wallpaper;
+    MediaImportRepository importing{{executor, executor, rendering, cacheFiles, folder.path()}};
+    MediaImportCoordinator imports{loop, notifications, importing};
     SettingsBackupService backups{executor};
     NothingElseFollows following;
     FakeLoginItem session;
@@ -45,7 +41,6 @@ struct SettingsWindowModelTest : ::testing::Test {
     FakeFileChooser files;
     FakeClipboard clipboard;
     FakeAddresses addresses;
-    FakeDisplays displays;
     BundleInfo bundle{
         {{"QuillmarSemanticVersion", "1.2.3"}, {"QuillmarHomePage", "https://quillmar.example/"}}};
     Environment environment{{"XDG_DATA_HOME", folder.path()}};
@@ -57,7 +52,9 @@ struct SettingsWindowModelTest : ::testing::Test {
     void SetUp() override { begin(); }
     void begin() {
         window.reset();
+        wallpaper.reset();
         settings.emplace(loop, notifications, store, AppSettings{}, cacheFiles);
+        wallpaper.emplace(*this, notifications, *settings);
         window.emplace(SettingsWindowModel::Services{
             .loop = loop,
             .notifications = notifications,
@@ -67,6 +64,8 @@ struct SettingsWindowModelTest : ::testing::Test {
                         .loginItem = loginItem.emplace(session, *settings),
                         .version = "1.2.3",
                         .mayNotify = [this] { return answered(&notificationsAreShown); }},
+            .wallpaper = {loop, *settings, wallpaper->coordinator, wallpaper->rotation, wallpaper->memory,
+                          displays, *pictures, writer, wallpaper->renderer, imports, cacheFiles, executor},
             .backup = {*settings, backups, following, clock, AppSettings{}, "1.2.3",
                        [](const std::string&) {}},
             .about = {bundle, environment, displays, *settings, addresses, clipboard, [] {}},

@@ -5,9 +5,9 @@
 namespace quillmar {
 
 /// A section of the Settings window, in the order of its sidebar. Their names are those of the command line.
-enum class SettingsSection { general, backup, about };
+enum class SettingsSection { general, wallpaper, backup, about };
 constexpr auto enumNames(SettingsSection) {
-    return std::to_array<std::string_view>({"general", "backup", "about"});
+    return std::to_array<std::string_view>({"general", "wallpaper", "backup", "about"});
 }
 
 }  // namespace quillmar

@@ -1,72 +1,57 @@
 #include "ui/settings/PaneView.h"
 
+#include <algorithm>
+
+#include "ui/settings/FitBox.h"
+
 namespace quillmar {
 namespace {
 
 constexpr int heroIconSize = 96;
-
-/// Panes of one shape have the same widgets.
-std::string shapeOf(const SettingsPane& pane) {
-    std::string shape = pane.hero ? "hero\n" : "\n";
-    for (const SettingsGroup& group : pane.groups) {
-        shape += group.id + (group.isExpanded ? "+\n" : "\n");
-        for (const SettingsRow& row : group.rows)
-            shape += " " + row.id + ":" + std::to_string(row.control.index()) + "\n";
-    }
-    return shape;
-}
+constexpr int leastMapWidth = 280;
 
 GtkWidget* heroLabel(const char* styleClass) {
     GtkWidget* label = gtk_label_new(nullptr);
     gtk_label_set_selectable(GTK_LABEL(label), TRUE);
     gtk_widget_set_can_focus(label, FALSE);
     gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_style_context_add_class(gtk_widget_get_style_context(label), styleClass);
+    setStyleClass(label, styleClass);
     return label;
 }
 
 }  // namespace
 
+PaneView::PaneView(GtkBox* box, Wishes wishes) : box_(box), wishes_(std::move(wishes)) { makeHero(); }
+
 void PaneView::show(const SettingsPane& pane) {
     isShowing_ = true;
-    if (std::string shape = shapeOf(pane); shape != shape_) {
-        shape_ = std::move(shape);
-        rebuild(pane);
-    }
+    gtk_widget_set_visible(hero_, pane.hero.has_value());
     if (pane.hero) fillHero(*pane.hero);
-    for (std::size_t i = 0; i < groups_.size(); ++i) fill(*groups_[i], pane.groups[i]);
+    showDisplays(pane);
+    auto former = std::exchange(groups_, {});
+    for (const SettingsGroup& group : pane.groups) groups_.push_back(takeGroup(former, group));
+    for (const auto& group : former) {
+        if (group) gtk_widget_destroy(group->group);
+    }
+    for (std::size_t i = 0; i < groups_.size(); ++i) {
+        // Below the hero and the displays.
+        gtk_box_reorder_child(box_, groups_[i]->group, static_cast<int>(i) + (displays_ ? 2 : 1));
+        fill(*groups_[i], pane.groups[i]);
+    }
     isShowing_ = false;
 }
 
-void PaneView::rebuild(const SettingsPane& pane) {
-    std::string focused;
-    for (const auto& group : groups_) {
-        for (const auto& row : group->rows) {
-            if (row->hasFocus()) focused = row->id();
-        }
-    }
-    groups_.clear();
-    gtk_container_foreach(
-        GTK_CONTAINER(box_), [](GtkWidget* child, gpointer) { gtk_widget_destroy(child); }, nullptr);
-    if (pane.hero) addHero();
-    for (const SettingsGroup& group : pane.groups) groups_.push_back(makeGroup(group));
-    for (const auto& group : groups_) {
-        for (const auto& row : group->rows) {
-            if (row->id() == focused) row->takeFocus();
-        }
-    }
-}
-
-void PaneView::addHero() {
+void PaneView::makeHero() {
     heroImage_ = gtk_image_new();
     gtk_image_set_pixel_size(GTK_IMAGE(heroImage_), heroIconSize);
     heroTitle_ = heroLabel("quillmar-hero-title");
     heroText_ = heroLabel("dim-label");
-    GtkWidget* hero = gtk_box_new(GTK_ORIENTATION_VERTICAL, 6);
-    for (GtkWidget* part : {heroImage_, heroTitle_, heroText_})
-        gtk_box_pack_start(GTK_BOX(hero), part, FALSE, FALSE, 0);
-    gtk_box_pack_start(box_, hero, FALSE, FALSE, 0);
-    gtk_widget_show_all(hero);
+    hero_ = gtk_box_new(GTK_ORIENTATION_VERTICAL, 6);
+    for (GtkWidget* part : {heroImage_, heroTitle_, heroText_}) {
+        gtk_box_pack_start(GTK_BOX(hero_), part, FALSE, FALSE, 0);
+        gtk_widget_show(part);
+    }
+    gtk_box_pack_start(box_, hero_, FALSE, FALSE, 0);
 }
 
 void PaneView::fillHero(const SettingsHero& hero) {
@@ -79,26 +64,44 @@ void PaneView::fillHero(const SettingsHero& hero) {
     gtk_label_set_text(GTK_LABEL(heroText_), hero.text.c_str());
 }
 
+void PaneView::showDisplays(const SettingsPane& pane) {
+    if (!displays_) {
+        if (!pane.arrangement && !pane.preview) return;
+        arrangement_ = std::make_unique<ArrangementView>(wishes_.act);
+        preview_ = std::make_unique<PreviewView>();
+        displays_ = fitBoxNew(arrangement_->widget(), preview_->widget(), leastMapWidth);
+        gtk_box_pack_start(box_, displays_, FALSE, FALSE, 0);
+    }
+    gtk_widget_set_visible(displays_, pane.arrangement || pane.preview);
+    gtk_widget_set_visible(arrangement_->widget(), pane.arrangement.has_value());
+    gtk_widget_set_visible(preview_->widget(), pane.preview.has_value());
+    if (pane.arrangement) arrangement_->show(*pane.arrangement);
+    if (pane.preview) preview_->show(*pane.preview);
+}
+
+std::unique_ptr<PaneView::Group> PaneView::takeGroup(std::vector<std::unique_ptr<Group>>& from,
+                                                     const SettingsGroup& group) {
+    const auto same = std::ranges::find_if(from, [&](const auto& view) {
+        return view && view->id == group.id && (view->card != nullptr) == group.isExpanded.has_value();
+    });
+    return same == from.end() ? makeGroup(group) : std::move(*same);
+}
+
 std::unique_ptr<PaneView::Group> PaneView::makeGroup(const SettingsGroup& group) {
     auto view = std::make_unique<Group>();
-    view->group = HDY_PREFERENCES_GROUP(hdy_preferences_group_new());
-    GtkContainer* container = GTK_CONTAINER(view->group);
+    view->id = group.id;
+    view->group = hdy_preferences_group_new();
     if (group.isExpanded) {
         view->card = HDY_EXPANDER_ROW(hdy_expander_row_new());
-        gtk_container_add(container, GTK_WIDGET(view->card));
-        container = GTK_CONTAINER(view->card);
+        gtk_container_add(GTK_CONTAINER(view->group), GTK_WIDGET(view->card));
         view->expanding = Signal::connect<void, GParamSpec*>(
             view->card, "notify::expanded", [this, id = group.id](HdyExpanderRow* card, GParamSpec*) {
                 if (!isShowing_) wishes_.setExpanded(id, hdy_expander_row_get_expanded(card) != FALSE);
             });
+        gtk_widget_show(GTK_WIDGET(view->card));
     }
-    for (const SettingsRow& row : group.rows) {
-        view->rows.push_back(std::make_unique<RowView>(row, wishes_.act));
-        gtk_container_add(container, view->rows.back()->widget());
-    }
-    gtk_box_pack_start(box_, GTK_WIDGET(view->group), FALSE, FALSE, 0);
-    if (view->card) gtk_widget_show(GTK_WIDGET(view->card));
-    gtk_widget_show(GTK_WIDGET(view->group));
+    gtk_box_pack_start(box_, view->group, FALSE, FALSE, 0);
+    gtk_widget_show(view->group);
     return view;
 }
 
@@ -109,11 +112,59 @@ void PaneView::fill(Group& view, const SettingsGroup& group) {
         hdy_expander_row_set_expanded(view.card, *group.isExpanded);
         nameForAccess(GTK_WIDGET(view.card), group.title);
     } else {
-        hdy_preferences_group_set_title(view.group, group.title.c_str());
-        hdy_preferences_group_set_description(view.group, group.description.c_str());
-        nameForAccess(GTK_WIDGET(view.group), group.title);
+        HdyPreferencesGroup* widget = HDY_PREFERENCES_GROUP(view.group);
+        hdy_preferences_group_set_title(widget, group.title.c_str());
+        hdy_preferences_group_set_description(widget, group.description.c_str());
+        nameForAccess(view.group, group.title);
     }
-    for (std::size_t i = 0; i < view.rows.size(); ++i) view.rows[i]->show(group.rows[i]);
+    fillRows(view, group);
+}
+
+/// Rows that stay keep their widgets: who changes a choice on which other rows depend does not lose it.
+void PaneView::fillRows(Group& view, const SettingsGroup& group) {
+    auto former = std::exchange(view.rows, {});
+    std::vector<std::unique_ptr<RowView>> rows;
+    for (const SettingsRow& row : group.rows) {
+        const auto same =
+            std::ranges::find_if(former, [&](const auto& other) { return other && other->fits(row); });
+        rows.push_back(same == former.end() ? nullptr : std::move(*same));
+    }
+    for (const auto& row : former) {
+        if (row) gtk_widget_destroy(row->widget());
+    }
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i]) {
+            rows[i]->show(group.rows[i]);
+        } else {
+            rows[i] = std::make_unique<RowView>(group.rows[i], wishes_.act);
+        }
+        addRow(view, *rows[i], static_cast<int>(i));
+    }
+    view.rows = std::move(rows);
+}
+
+void PaneView::addRow(Group& view, RowView& row, int position) {
+    GtkWidget* widget = row.widget();
+    if (!view.list) {
+        gtk_container_add(view.card ? GTK_CONTAINER(view.card) : GTK_CONTAINER(view.group), widget);
+        view.list = gtk_widget_get_parent(widget);
+        view.activating = Signal::connect<void, GtkListBoxRow*>(
+            GTK_LIST_BOX(view.list), "row-activated", [&view](GtkListBox*, GtkListBoxRow* activated) {
+                for (const auto& each : view.rows) {
+                    if (each->widget() == GTK_WIDGET(activated)) each->activate();
+                }
+            });
+        return;
+    }
+    if (gtk_widget_get_parent(widget) == view.list) {
+        if (gtk_list_box_row_get_index(GTK_LIST_BOX_ROW(widget)) == position) return;
+        g_object_ref(widget);
+        gtk_container_remove(GTK_CONTAINER(view.list), widget);
+        gtk_list_box_insert(GTK_LIST_BOX(view.list), widget, position);
+        g_object_unref(widget);
+        return;
+    }
+    gtk_list_box_insert(GTK_LIST_BOX(view.list), widget, position);
 }
 
 }  // namespace quillmar

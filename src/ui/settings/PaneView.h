@@ -2,19 +2,22 @@
 #include <memory>
 #include <vector>
 
+#include "ui/settings/ArrangementView.h"
+#include "ui/settings/PreviewView.h"
 #include "ui/settings/RowView.h"
 
 namespace quillmar {
 
-/// Draws panes into a box: groups of rows, some of them as cards that open. A pane of the same shape is
-/// changed in place, so that the focus and an opened list stay.
+/// Draws panes into a box: displays to choose from, a preview, groups of rows, some of them as cards that
+/// open. What one pane has in common with the former is changed in place, so that the focus, the cursor and
+/// an opened list stay.
 class PaneView {
 public:
     struct Wishes {
         std::function<void(SettingsIntent)> act;
         std::function<void(const std::string&, bool)> setExpanded;
     };
-    PaneView(GtkBox* box, Wishes wishes) : box_(box), wishes_(std::move(wishes)) {}
+    PaneView(GtkBox* box, Wishes wishes);
     PaneView(const PaneView&) = delete;
     PaneView& operator=(const PaneView&) = delete;
 
@@ -22,25 +25,34 @@ public:
 
 private:
     struct Group {
-        HdyPreferencesGroup* group = nullptr;
+        std::string id;
+        GtkWidget* group = nullptr;
         HdyExpanderRow* card = nullptr;  ///< null where the rows stand open
-        Signal expanding;
+        GtkWidget* list = nullptr;       ///< what has the rows; null before the first one
         std::vector<std::unique_ptr<RowView>> rows;
+        Signal expanding;
+        Signal activating;
     };
 
-    void rebuild(const SettingsPane& pane);
-    void addHero();
-    std::unique_ptr<Group> makeGroup(const SettingsGroup& group);
-    void fill(Group& view, const SettingsGroup& group);
+    void makeHero();
     void fillHero(const SettingsHero& hero);
+    void showDisplays(const SettingsPane& pane);
+    std::unique_ptr<Group> makeGroup(const SettingsGroup& group);
+    std::unique_ptr<Group> takeGroup(std::vector<std::unique_ptr<Group>>& from, const SettingsGroup& group);
+    void fill(Group& view, const SettingsGroup& group);
+    void fillRows(Group& view, const SettingsGroup& group);
+    static void addRow(Group& view, RowView& row, int position);
 
     GtkBox* box_;
     Wishes wishes_;
-    std::string shape_;
     bool isShowing_ = false;
+    GtkWidget* hero_ = nullptr;
     GtkWidget* heroImage_ = nullptr;
     GtkWidget* heroTitle_ = nullptr;
     GtkWidget* heroText_ = nullptr;
+    GtkWidget* displays_ = nullptr;  ///< arrangement and preview, made when a pane first has them
+    std::unique_ptr<ArrangementView> arrangement_;
+    std::unique_ptr<PreviewView> preview_;
     std::vector<std::unique_ptr<Group>> groups_;
 };
 

@@ -1,101 +1,144 @@
 #include "ui/settings/RowView.h"
 
+#include "ui/settings/FitBox.h"
+
 namespace quillmar {
 
-void nameForAccess(GtkWidget* widget, const std::string& name) {
-    atk_object_set_name(gtk_widget_get_accessible(widget), name.c_str());
+RowView::RowView(const SettingsRow& row, std::function<void(SettingsIntent)> wish)
+    : shape_(shapeOf(row)), wish_(std::move(wish)), row_(hdy_preferences_row_new()) {
+    control_ =
+        makeRowControl(row, [this, id = row.id](RowControl::Value value) { tell({id, std::move(value)}); });
+    gtk_list_box_row_set_activatable(GTK_LIST_BOX_ROW(row_), control_ && control_->isActivatedByRow());
+    hdy_preferences_row_set_use_underline(HDY_PREFERENCES_ROW(row_), FALSE);
+    // The look of libhandy's own rows, which have no place for an error and never break into two lines.
+    GtkWidget* lines = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    setStyleClass(lines, "header");
+    gtk_widget_set_valign(lines, GTK_ALIGN_CENTER);
+    GtkWidget* first = fitBoxNew(makeTitle(), makeEnd());
+    error_ = wrappedLabel("error");
+    setStyleClass(error_, "quillmar-field-error");
+    gtk_container_add(GTK_CONTAINER(lines), first);
+    gtk_container_add(GTK_CONTAINER(lines), error_);
+    gtk_container_add(GTK_CONTAINER(row_), lines);
+    gtk_widget_show(first);
+    gtk_widget_show(lines);
+    gtk_widget_show(row_);
+    show(row);
 }
 
-RowView::RowView(const SettingsRow& row, std::function<void(SettingsIntent)> wish)
-    : id_(row.id), wish_(std::move(wish)), row_(HDY_ACTION_ROW(hdy_action_row_new())) {
-    // As many lines as the text takes: nothing is cut off in a narrow window or a wordy language.
-    hdy_action_row_set_title_lines(row_, 0);
-    hdy_action_row_set_subtitle_lines(row_, 0);
-    hdy_preferences_row_set_use_underline(HDY_PREFERENCES_ROW(row_), FALSE);
-    std::visit([this](const auto& control) { make(control); }, row.control);
-    show(row);
-    // Not all of it: the row hides what it has no text for.
-    if (control_) gtk_widget_show(control_);
-    gtk_widget_show(widget());
+std::string RowView::shapeOf(const SettingsRow& row) {
+    std::string shape = row.id + ":" + std::to_string(row.control.index());
+    if (const auto* entry = std::get_if<SettingsRow::Entry>(&row.control); entry && entry->isSecret)
+        shape += "secret";
+    if (const auto* color = std::get_if<SettingsRow::Color>(&row.control); color && !color->palette.empty())
+        shape += "palette";
+    return shape;
+}
+
+GtkWidget* RowView::makeTitle() {
+    texts_ = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    setStyleClass(texts_, "title");
+    gtk_widget_set_valign(texts_, GTK_ALIGN_CENTER);
+    title_ = wrappedLabel("title");
+    subtitle_ = wrappedLabel("subtitle");
+    gtk_container_add(GTK_CONTAINER(texts_), title_);
+    gtk_container_add(GTK_CONTAINER(texts_), subtitle_);
+    return texts_;
+}
+
+GtkWidget* RowView::makeEnd() {
+    end_ = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
+    setStyleClass(end_, "quillmar-row-end");
+    gtk_widget_set_valign(end_, GTK_ALIGN_CENTER);
+    if (!control_) return end_;
+    gtk_box_pack_start(GTK_BOX(end_), control_->widget(), gtk_widget_get_hexpand(control_->widget()), TRUE,
+                       0);
+    gtk_widget_set_valign(control_->widget(), GTK_ALIGN_CENTER);
+    gtk_widget_show(control_->widget());
+    return end_;
 }
 
 void RowView::show(const SettingsRow& row) {
     isShowing_ = true;
     hdy_preferences_row_set_title(HDY_PREFERENCES_ROW(row_), row.title.c_str());
-    hdy_action_row_set_subtitle(row_, row.subtitle.c_str());
-    GtkStyleContext* style = gtk_widget_get_style_context(widget());
-    if (row.isWarning) {
-        gtk_style_context_add_class(style, "quillmar-warning");
-    } else {
-        gtk_style_context_remove_class(style, "quillmar-warning");
-    }
-    nameForAccess(widget(), row.title);
-    atk_object_set_description(gtk_widget_get_accessible(widget()), row.subtitle.c_str());
+    setTextOrHide(title_, row.title);
+    setTextOrHide(subtitle_, row.subtitle);
+    gtk_widget_set_visible(texts_, !row.title.empty() || !row.subtitle.empty());
+    setStyleClass(row_, "quillmar-warning", row.isWarning);
+    nameForAccess(row_, row.title);
+    describeForAccess(row_, row.subtitle);
     if (control_) {
-        gtk_widget_set_sensitive(control_, row.isEnabled);
-        const auto* action = std::get_if<SettingsRow::Action>(&row.control);
+        gtk_widget_set_sensitive(control_->widget(), row.isEnabled);
         // "Open" alone does not say what, to somebody who does not see the row around it.
-        nameForAccess(control_, action ? action->label + ", " + row.title : row.title);
-        atk_object_set_description(gtk_widget_get_accessible(control_), row.subtitle.c_str());
+        const auto* action = std::get_if<SettingsRow::Action>(&row.control);
+        nameForAccess(control_->field(), action ? action->label + ", " + row.title : row.title);
+        describeForAccess(control_->field(), row.error.empty() ? row.subtitle : row.error);
+        control_->show(row);
     }
-    std::visit([this](const auto& control) { fill(control); }, row.control);
+    showSides(row);
+    showError(row.error);
+    gtk_widget_set_visible(end_, control_ || !sides_.empty());
     isShowing_ = false;
 }
 
-void RowView::place(GtkWidget* control, bool isActivatedByRow) {
-    control_ = control;
-    gtk_widget_set_valign(control, GTK_ALIGN_CENTER);
-    gtk_container_add(GTK_CONTAINER(row_), control);
-    if (isActivatedByRow) hdy_action_row_set_activatable_widget(row_, control);
-}
-
-void RowView::tell(SettingsIntent intent) {
-    if (!isShowing_) wish_(std::move(intent));
-}
-
-void RowView::make(const SettingsRow::Toggle&) {
-    place(gtk_switch_new(), true);
-    signal_ = Signal::connect<void, GParamSpec*>(
-        GTK_SWITCH(control_), "notify::active",
-        [this](GtkSwitch* toggle, GParamSpec*) { tell({id_, gtk_switch_get_active(toggle) != FALSE}); });
-}
-
-void RowView::fill(const SettingsRow::Toggle& toggle) {
-    gtk_switch_set_active(GTK_SWITCH(control_), toggle.isOn);
-}
-
-void RowView::make(const SettingsRow::Choice&) {
-    place(gtk_combo_box_text_new(), false);
-    // In a narrow window its text gives way before the row's own does.
-    GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(control_));
-    for (GList* at = cells; at; at = at->next)
-        g_object_set(at->data, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
-    g_list_free(cells);
-    signal_ = Signal::connect<void>(GTK_COMBO_BOX(control_), "changed", [this](GtkComboBox* box) {
-        const int chosen = gtk_combo_box_get_active(box);
-        if (chosen >= 0) tell({id_, static_cast<std::size_t>(chosen)});
-    });
-}
-
-void RowView::fill(const SettingsRow::Choice& choice) {
-    if (choices_ != choice.choices) {
-        choices_ = choice.choices;
-        gtk_combo_box_text_remove_all(GTK_COMBO_BOX_TEXT(control_));
-        for (const std::string& text : choices_)
-            gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(control_), text.c_str());
+void RowView::showSides(const SettingsRow& row) {
+    while (sides_.size() > row.sideActions.size()) {
+        gtk_widget_destroy(sides_.back().button);
+        sides_.pop_back();
     }
-    gtk_combo_box_set_active(GTK_COMBO_BOX(control_), static_cast<int>(choice.chosen));
+    while (sides_.size() < row.sideActions.size()) {
+        GtkWidget* button = gtk_button_new();
+        gtk_box_pack_start(GTK_BOX(end_), button, FALSE, FALSE, 0);
+        gtk_widget_set_valign(button, GTK_ALIGN_CENTER);
+        sides_.push_back(
+            {{},
+             button,
+             Signal::connect<void>(GTK_BUTTON(button), "clicked",
+                                   [this, at = sides_.size()](GtkButton*) { tell({sides_[at].id, {}}); })});
+        gtk_widget_show(button);
+    }
+    for (std::size_t i = 0; i < sides_.size(); ++i) {
+        const SettingsRow::SideAction& action = row.sideActions[i];
+        sides_[i].id = action.id;
+        GtkButton* button = GTK_BUTTON(sides_[i].button);
+        if (action.iconName.empty()) {
+            gtk_button_set_label(button, action.label.c_str());
+        } else {
+            gtk_button_set_image(button,
+                                 gtk_image_new_from_icon_name(action.iconName.c_str(), GTK_ICON_SIZE_MENU));
+            gtk_widget_set_tooltip_text(sides_[i].button, action.label.c_str());
+        }
+        setStyleClass(sides_[i].button, "flat", !action.iconName.empty());
+        gtk_widget_set_sensitive(sides_[i].button, action.isEnabled);
+        nameForAccess(sides_[i].button, action.label + ", " + row.title);
+    }
 }
 
-void RowView::make(const SettingsRow::Action& action) {
-    place(gtk_button_new(), false);
-    if (action.isDestructive)
-        gtk_style_context_add_class(gtk_widget_get_style_context(control_), "destructive-action");
-    signal_ = Signal::connect<void>(GTK_BUTTON(control_), "clicked", [this](GtkButton*) { tell({id_, {}}); });
+void RowView::showError(const std::string& error) {
+    setTextOrHide(error_, error);
+    if (!control_ || error == shownError_) return;
+    const bool isWrong = !error.empty();
+    setStyleClass(control_->field(), "error", isWrong);
+    AtkObject* field = gtk_widget_get_accessible(control_->field());
+    AtkObject* text = gtk_widget_get_accessible(error_);
+    if (isWrong && shownError_.empty()) {
+        atk_object_add_relationship(field, ATK_RELATION_ERROR_MESSAGE, text);
+        atk_object_add_relationship(text, ATK_RELATION_ERROR_FOR, field);
+    } else if (!isWrong) {
+        atk_object_remove_relationship(field, ATK_RELATION_ERROR_MESSAGE, text);
+        atk_object_remove_relationship(text, ATK_RELATION_ERROR_FOR, field);
+    }
+    atk_object_notify_state_change(field, ATK_STATE_INVALID_ENTRY, isWrong);
+    shownError_ = error;
 }
 
-void RowView::fill(const SettingsRow::Action& action) {
-    gtk_button_set_label(GTK_BUTTON(control_), action.label.c_str());
+void RowView::activate() {
+    if (control_ && control_->isActivatedByRow() && gtk_widget_is_sensitive(control_->widget()))
+        gtk_widget_activate(control_->widget());
+}
+
+void RowView::tell(SettingsIntent intent) const {
+    if (!isShowing_) wish_(std::move(intent));
 }
 
 }  // namespace quillmar

@@ -1,14 +1,14 @@
 #pragma once
-#include <handy.h>
+#include <memory>
+#include <string>
+#include <vector>
 
-#include <functional>
-
-#include "linux/glib/Signal.h"
-#include "platform/SettingsContent.h"
+#include "ui/settings/RowControl.h"
 
 namespace quillmar {
 
-/// One row of a pane with its control. The widgets belong to the container that they were put into.
+/// One row of a pane: its texts, its control, small buttons beside that, and below both what is wrong with
+/// the value. The widgets belong to the container that they were put into.
 class RowView {
 public:
     /// `wish` is told what the user does, never what `show` does.
@@ -16,37 +16,39 @@ public:
     RowView(const RowView&) = delete;
     RowView& operator=(const RowView&) = delete;
 
-    const std::string& id() const { return id_; }
-    GtkWidget* widget() const { return GTK_WIDGET(row_); }
-    /// Another state of the same row, with a control of the same kind.
+    GtkWidget* widget() const { return row_; }
+    /// Whether the widgets fit that row as well.
+    bool fits(const SettingsRow& row) const { return shapeOf(row) == shape_; }
+    /// Another state of a row that fits.
     void show(const SettingsRow& row);
-    bool hasFocus() const { return control_ && gtk_widget_has_focus(control_); }
-    void takeFocus() {
-        if (control_) gtk_widget_grab_focus(control_);
-    }
+    /// The row was clicked, or Return was pressed on it.
+    void activate();
 
 private:
-    void make(const SettingsRow::Text&) {}
-    void make(const SettingsRow::Toggle& toggle);
-    void make(const SettingsRow::Choice& choice);
-    void make(const SettingsRow::Action& action);
-    void fill(const SettingsRow::Text&) {}
-    void fill(const SettingsRow::Toggle& toggle);
-    void fill(const SettingsRow::Choice& choice);
-    void fill(const SettingsRow::Action& action);
-    void place(GtkWidget* control, bool isActivatedByRow);
-    void tell(SettingsIntent intent);
+    struct Side {
+        std::string id;
+        GtkWidget* button;
+        Signal pressing;
+    };
+    static std::string shapeOf(const SettingsRow& row);
+    GtkWidget* makeTitle();
+    GtkWidget* makeEnd();
+    void showSides(const SettingsRow& row);
+    void showError(const std::string& error);
+    void tell(SettingsIntent intent) const;
 
-    std::string id_;
+    std::string shape_;
     std::function<void(SettingsIntent)> wish_;
-    HdyActionRow* row_;
-    GtkWidget* control_ = nullptr;
-    std::vector<std::string> choices_;
+    GtkWidget* row_;
+    std::unique_ptr<RowControl> control_;
+    GtkWidget* texts_ = nullptr;
+    GtkWidget* title_ = nullptr;
+    GtkWidget* subtitle_ = nullptr;
+    GtkWidget* end_ = nullptr;
+    GtkWidget* error_ = nullptr;
+    std::string shownError_;
+    std::vector<Side> sides_;
     bool isShowing_ = false;  ///< what changes now is no wish
-    Signal signal_;
 };
-
-/// Says a widget to assistive technology.
-void nameForAccess(GtkWidget* widget, const std::string& name);
 
 }  // namespace quillmar

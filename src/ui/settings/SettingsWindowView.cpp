@@ -43,6 +43,7 @@ void SettingsWindowView::setContent(SettingsContent* content) {
     } else if (widgets_.window) {
         signals_.clear();
         pane_.reset();
+        foot_.reset();
         gtk_widget_destroy(GTK_WIDGET(widgets_.window));
         widgets_ = {};
         shown_.reset();
@@ -89,14 +90,16 @@ void SettingsWindowView::make() {
                 .spinner = object<GtkSpinner>(builder_, "spinner"),
                 .banner = object<GtkLabel>(builder_, "banner"),
                 .scroller = object<GtkScrolledWindow>(builder_, "scroller"),
-                .pane = object<GtkBox>(builder_, "pane")};
+                .pane = object<GtkBox>(builder_, "pane"),
+                .foot = object<GtkBox>(builder_, "foot")};
     gtk_widget_add_events(GTK_WIDGET(widgets_.window), GDK_PROPERTY_CHANGE_MASK);
     gtk_widget_realize(GTK_WIDGET(widgets_.window));
+    const auto act = [this](SettingsIntent intent) { content_->act(std::move(intent)); };
     pane_ = std::make_unique<PaneView>(
-        widgets_.pane, PaneView::Wishes{[this](SettingsIntent intent) { content_->act(std::move(intent)); },
-                                        [this](const std::string& group, bool isExpanded) {
+        widgets_.pane, PaneView::Wishes{act, [this](const std::string& group, bool isExpanded) {
                                             content_->setExpanded(group, isExpanded);
                                         }});
+    foot_ = std::make_unique<PaneFoot>(widgets_.foot, act);
     addActions();
     connect();
 }
@@ -160,6 +163,7 @@ void SettingsWindowView::refresh() {
     // One that spins unseen would wake the program up for every frame.
     g_object_set(widgets_.spinner, "active", pane.isBusy, nullptr);
     pane_->show(pane);
+    foot_->show(pane.actions, pane.progress);
     if (!shown_ || shown_->current != frame.current) {
         gtk_adjustment_set_value(gtk_scrolled_window_get_vadjustment(widgets_.scroller), 0);
         if (shown_) hdy_leaflet_set_visible_child_name(widgets_.leaflet, contentPage);
@@ -208,6 +212,10 @@ bool SettingsWindowView::keyPressed(const GdkEventKey& key) {
     if (modifiers == GDK_CONTROL_MASK) {
         if (key.keyval == GDK_KEY_w || key.keyval == GDK_KEY_q) {
             performClose();
+            return true;
+        }
+        if (key.keyval == GDK_KEY_Return || key.keyval == GDK_KEY_KP_Enter) {
+            foot_->pressSuggested();
             return true;
         }
         if (key.keyval == GDK_KEY_comma) {

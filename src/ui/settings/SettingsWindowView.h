@@ -4,6 +4,7 @@
 
 #include "linux/glib/Ref.h"
 #include "platform/SettingsWindow.h"
+#include "ui/settings/PaneFoot.h"
 #include "ui/settings/PaneView.h"
 
 namespace quillmar {
@@ -34,6 +35,7 @@ private:
         GtkLabel* banner;
         GtkScrolledWindow* scroller;
         GtkBox* pane;
+        GtkBox* foot;
     };
     void make();
     void connect();
@@ -49,6 +51,7 @@ private:
     Ref<GtkBuilder> builder_;
     Widgets widgets_{};
     std::unique_ptr<PaneView> pane_;
+    std::unique_ptr<PaneFoot> foot_;
     std::optional<SettingsFrame> shown_;
     bool isShowing_ = false;
     std::vector<Signal> signals_;
