@@ -55,18 +55,20 @@ public:
         gtk_flow_box_set_column_spacing(box_, 6);
         gtk_flow_box_set_row_spacing(box_, 6);
         gtk_widget_set_hexpand(GTK_WIDGET(box_), TRUE);
-        choosing_ = Signal::connect<void>(box_, "selected-children-changed",
-                                          [this, wish = std::move(wish)](GtkFlowBox*) {
-                                              if (const std::string chosen = chosenCard(); !chosen.empty())
-                                                  wish(chosen);
-                                          });
+        choosing_ = Signal::connect<void>(
+            box_, "selected-children-changed", [this, wish = std::move(wish)](GtkFlowBox*) {
+                if (const std::string chosen = chosenCard(); !chosen.empty() && chosen != toldCard_)
+                    wish(toldCard_ = chosen);
+            });
+        keys_ = Signal::connect<gboolean, GdkEventKey*>(
+            box_, "key-press-event", [this](GtkFlowBox*, GdkEventKey* key) { return keyPressed(*key); });
         tabbing_ = makeOneTabStop(GTK_CONTAINER(box_), [this] { return GTK_WIDGET(chosenChild()); });
     }
     GtkWidget* widget() const override { return GTK_WIDGET(box_); }
-    bool fillsRow() const override { return true; }
     void show(const SettingsRow& row) override {
         const auto& gallery = std::get<SettingsRow::Gallery>(row.control);
         if (gallery.cards != shown_) fill(gallery.cards);
+        toldCard_ = gallery.chosen;
         const auto chosen = std::ranges::find(shown_, gallery.chosen, &SettingsRow::Gallery::Card::id);
         if (chosen == shown_.end()) {
             gtk_flow_box_unselect_all(box_);
@@ -90,6 +92,39 @@ private:
         shown_ = cards;
         for (std::size_t i = 0; i < cards.size(); ++i) cards_[i].show(cards[i]);
     }
+    /// The step to where an arrow key goes, in cards; 0 for any other key.
+    int stepOf(const GdkEventKey& key) const {
+        if ((key.state & gtk_accelerator_get_default_mod_mask()) != 0) return 0;
+        switch (key.keyval) {
+            case GDK_KEY_Left: return -1;
+            case GDK_KEY_Right: return 1;
+            case GDK_KEY_Up: return -columns();
+            case GDK_KEY_Down: return columns();
+            default: return 0;
+        }
+    }
+    int columns() const {
+        const auto top = [](const Card& card) {
+            GtkAllocation room{};
+            gtk_widget_get_allocation(card.child, &room);
+            return room.y;
+        };
+        return static_cast<int>(std::ranges::count_if(
+            cards_, [&](const Card& card) { return top(card) == top(cards_.front()); }));
+    }
+    /// What a flow box within a list makes of the upward and downward arrows is to leave itself.
+    gboolean keyPressed(const GdkEventKey& key) {
+        GtkFlowBoxChild* from = chosenChild();
+        const int step = stepOf(key);
+        GtkFlowBoxChild* next = from && step != 0
+                                    ? gtk_flow_box_get_child_at_index(
+                                          box_, std::max(-1, gtk_flow_box_child_get_index(from) + step))
+                                    : nullptr;
+        if (!next) return FALSE;
+        gtk_flow_box_select_child(box_, next);
+        gtk_widget_grab_focus(GTK_WIDGET(next));
+        return TRUE;
+    }
     GtkFlowBoxChild* chosenChild() const {
         GList* chosen = gtk_flow_box_get_selected_children(box_);
         auto* child = static_cast<GtkFlowBoxChild*>(chosen ? chosen->data : nullptr);
@@ -106,7 +141,9 @@ private:
     Ref<GtkSizeGroup> widths_;  ///< columns of one width, but lines as high as their own cards
     std::vector<Card> cards_;
     std::vector<SettingsRow::Gallery::Card> shown_;
+    std::string toldCard_;  ///< the choice as both sides know it
     Signal choosing_;
+    Signal keys_;
     Signal tabbing_;
 };
 

@@ -26,8 +26,6 @@ public:
     virtual void show(const SettingsRow& row) = 0;
     /// Whether a click on the row is one on the control.
     virtual bool isActivatedByRow() const { return false; }
-    /// Whether it takes the width of the row, which then shows no title: that of the group says it.
-    virtual bool fillsRow() const { return false; }
 };
 
 /// The control of a row; null for one that only says something.

@@ -76,8 +76,9 @@ void RowView::show(const SettingsRow& row) {
     hdy_preferences_row_set_title(HDY_PREFERENCES_ROW(row_), row.title.c_str());
     setTextOrHide(title_, row.title);
     setTextOrHide(subtitle_, row.subtitle);
-    const bool isTitled = !control_ || !control_->fillsRow();
-    gtk_widget_set_visible(texts_, isTitled && (!row.title.empty() || !row.subtitle.empty()));
+    // Cards need the whole width, and say what they are.
+    const bool isGallery = std::holds_alternative<SettingsRow::Gallery>(row.control);
+    gtk_widget_set_visible(texts_, !isGallery && (!row.title.empty() || !row.subtitle.empty()));
     setStyleClass(row_, "quillmar-warning", row.isWarning);
     nameForAccess(row_, row.title);
     describeForAccess(row_, row.subtitle);

@@ -49,7 +49,8 @@ Signal makeOneTabStop(GtkContainer* list, std::function<GtkWidget*()> taken) {
             const bool isLeaving = gtk_container_get_focus_child(entered) != nullptr;
             GtkWidget* first = isLeaving ? nullptr : taken();
             if (!isLeaving && !first) return FALSE;
-            if (first) gtk_widget_grab_focus(first);
+            // Not by taking the focus alone: the arrow keys start from where the list was entered.
+            if (first) gtk_widget_child_focus(first, direction);
             // What the list does by itself is to go to the neighbor.
             g_signal_stop_emission_by_name(entered, "focus");
             return first != nullptr;
