@@ -138,7 +138,8 @@ class SettingsWindowTest(DesktopTest):
         self.press("push button", "Choose…, Image file", program)
         picture = self.home / "green.png"
         run_checked("convert", "-size", "64x64", "xc:#20A040", str(picture))
-        self.answer(program, "Choose an Image", "key", "ctrl+l", "type", str(picture))
+        self.answer(program, "Choose an Image", "key", "ctrl+l")
+        self.find("text", "", program).get_editable_text_iface().set_text_contents(str(picture))
         self.press("push button", "Choose", program)
         self.find("combo box", "Layout", program).get_selection_iface().select_child(4)
         self.press("push button", "Apply", program)
