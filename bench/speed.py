@@ -1,7 +1,7 @@
 """How fast the running program is beside others, on desktops of its own with two pairs of monitors and in the way of every
 desktop: medians of several rounds, and which row is behind its target. Other work on the machine disturbs it less where it
 may take a high priority.
-usage: speed.py BUILD [SESSION...]     some of: small large idle root XFCE GNOME KDE decoding"""
+usage: speed.py BUILD [SESSION...]     some of: small large idle settings root XFCE GNOME KDE decoding"""
 import json
 import os
 import pathlib
@@ -27,7 +27,10 @@ def make_pictures(folder):
 
 def session(name, build, folder):
     monitors = PAIRS[name] if name in PAIRS else PAIRS[WAYS.get(name, "small")]
-    command = [ROOT / "tools" / "desktop.sh", "python3", "-B", ROOT / "bench" / "speed_session.py", name, build, folder]
+    script = ["speed_session.py", name, build, folder]
+    if name == "settings":
+        monitors, script = PAIRS["small"].split()[0], ["window_session.py", build]
+    command = [ROOT / "tools" / "desktop.sh", "python3", "-B", ROOT / "bench" / script[0], *script[1:]]
     environment = os.environ | {"QUILLMAR_DESKTOP_MONITORS": monitors}
     answer = subprocess.run(command, env=environment, stdout=subprocess.PIPE, text=True)
     if answer.returncode != 0:
@@ -84,6 +87,16 @@ def tell_idle(results):
     row("private memory after 100 pictures above after one", hundred - one, 8, "MB", f"{one:.1f} and {hundred:.1f} MB")
 
 
+def tell_settings(results):
+    for name, target in (("first", 2.5), ("later", 1.2)):
+        own, empty = (statistics.median(results[key]) for key in (name, f"empty {name}"))
+        row(f"Settings seen, {name}, of an empty window", own / empty, target, peers=f"{own * 1e3:.0f} ms, {empty * 1e3:.0f} ms")
+    before, few, many = results["pss"]
+    row("PSS after the window closed above before", few - before, 10, "MB", f"{before:.1f} and {few:.1f} MB")
+    row("PSS after 100 openings above after 5", many - few, 1, "MB", f"{many:.1f} MB")
+    tell_turns("keys in the Wallpaper pane", results["turn"])
+
+
 def tell_decoding(build):
     lines = subprocess.check_output([build / "bench" / "bench_pictures"], text=True)
     for ratio in re.findall(r"24 MP JPEG 4:2:0 +3840x2160 .*? = ([\d.]+)x decoding", lines):
@@ -92,7 +105,7 @@ def tell_decoding(build):
 
 def main():
     build = pathlib.Path(sys.argv[1]).resolve()
-    wanted = sys.argv[2:] or [*PAIRS, "idle", *(way for way in WAYS if way != "root"), "decoding"]
+    wanted = sys.argv[2:] or [*PAIRS, "idle", "settings", *(way for way in WAYS if way != "root"), "decoding"]
     try:
         os.setpriority(os.PRIO_PROCESS, 0, -20)
     except PermissionError:
@@ -109,6 +122,8 @@ def main():
                 tell_pair(name, results)
             elif name == "idle":
                 tell_idle(results)
+            elif name == "settings":
+                tell_settings(results)
             else:
                 tell_calls(name, results)
     print("Load at the end:", *(f"{load:.1f}" for load in os.getloadavg()))

@@ -148,6 +148,46 @@ class SettingsWindowTest(DesktopTest):
         self.close(program, "Quillmar Settings")
         self.quit(program)
 
+    @staticmethod
+    def error_at(field):
+        for relation in field.get_relation_set():
+            if relation.get_relation_type() == Atspi.RelationType.ERROR_MESSAGE:
+                return relation.get_target(0).get_name()
+        return None
+
+    def test_a_person_errs_reverts_and_applies_by_the_keyboard(self):
+        self.make_settings(DUMMY0="#102030", DUMMY1="#405060")
+        program = self.start_and_wait()
+        run(PROGRAM, "settings", "wallpaper", env=self.environment, check=True)
+        self.find("radio button", "DUMMY0, main display, chosen", program).grab_focus()
+        run_checked("xdotool", "key", "Right")
+        self.find("radio button", "DUMMY1, chosen", program)
+        field = self.find("text", "Color", program)
+
+        def is_enabled(button):
+            return self.find("push button", button, program).get_state_set().contains(Atspi.StateType.SENSITIVE)
+
+        # The pane follows every letter, and whoever types keeps the focus and the place.
+        field.grab_focus()
+        run_checked("xdotool", "key", "ctrl+a", "type", "#2F6B")
+        self.assertTrue(wait_until("an error at the field", lambda: self.error_at(field), program))
+        self.assertFalse(is_enabled("Apply"))
+        self.take_picture("wallpaper-error")
+        run_checked("xdotool", "type", "8F")
+        wait_until("no error any more", lambda: not self.error_at(field) and is_enabled("Apply"), program)
+        self.press("push button", "Revert", program)
+        wait_until("the former color", lambda: Atspi.Text.get_text(field, 0, -1) == "#405060", program)
+        self.assertFalse(is_enabled("Apply"))
+        field.grab_focus()
+        run_checked("xdotool", "key", "ctrl+a", "type", "#2F6B8F")
+        run_checked("xdotool", "key", "ctrl+Return")
+        self.wait_for_colors(program, "#102030", "#2F6B8F")
+        displays = json.loads(self.settings.read_bytes())["wallpaper"]["displays"]
+        kept = {display["persistentDisplayID"]: display["mode"] for display in displays}
+        self.assertEqual(kept[self.displays()["DUMMY1"]], {"solidColor": {"_0": {"hexColor": "#2F6B8F"}}})
+        self.close(program, "Quillmar Settings")
+        self.quit(program)
+
     def choose_mode(self, title, program):
         self.find("list item", title, program).grab_focus()
         run_checked("xdotool", "key", "space")
