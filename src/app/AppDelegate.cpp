@@ -66,7 +66,8 @@ void AppDelegate::applicationWillFinishLaunching() {
     running_.emplace(
         ports_, *subsystems_, *windows_,
         StatusItem::Ways{.carryOut = [this](ControlCall call) { return control_->handle(std::move(call)); },
-                         .quit = [this] { quitController_.requestQuit(); },
+                         // As from the window: what is not applied there is asked about.
+                         .quit = [this] { settingsWindow_->quit(); },
                          .openSettings = [this] { openSettings({}); }});
     logInfo("Primary application instance acquired.", "lifecycle");
 }

@@ -27,7 +27,7 @@ public:
         std::function<void()> openChangelog;
     };
     AboutPane(MainLoop& loop, Services services, std::function<void()> changed)
-        : services_(services), changed_(std::move(changed)), tasks_(loop) {}
+        : services_(std::move(services)), changed_(std::move(changed)), tasks_(loop) {}
 
     SettingsPane content() const override;
     void act(const SettingsIntent& intent) override;

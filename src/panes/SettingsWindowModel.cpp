@@ -14,7 +14,7 @@ SettingsWindowModel::SettingsWindowModel(Services services)
       general_(loop_, std::move(services.general), services.alerts, [this] { changed(); }),
       wallpaper_(services.wallpaper, services.alerts, services.files, [this] { changed(); }),
       backup_(loop_, std::move(services.backup), services.alerts, services.files, [this] { changed(); }),
-      about_(loop_, services.about, [this] { changed(); }),
+      about_(loop_, std::move(services.about), [this] { changed(); }),
       unsavedChanges_(loop_, services.alerts, [this] { return language(); }),
       changes_(services.notifications.observe<AppSettings>(appSettingsDidChange, [this](const AppSettings&) {
           wallpaper_.settingsDidChange();

@@ -8,7 +8,8 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <string_view>
+#include <memory>
+#include <string>
 
 #include "async/ThreadPool.h"
 #include "desktop/Desktop.h"
@@ -26,10 +27,9 @@ public:
         const auto anyone = [](char*) -> Bool { return True; };
         EXPECT_TRUE(SmsInitialize("tests", "1", &joined, nullptr, anyone, sizeof failure, failure));
         EXPECT_TRUE(IceListenForConnections(&count_, &listeners_, sizeof failure, failure)) << failure;
-        listener_ = *std::find_if(listeners_, listeners_ + count_, [](IceListenObj each) {
-            return std::string_view(IceGetListenConnectionString(each)).starts_with("local/");
-        });
-        ::setenv("SESSION_MANAGER", IceGetListenConnectionString(listener_), 1);
+        listener_ = *std::find_if(listeners_, listeners_ + count_,
+                                  [](IceListenObj each) { return addressOf(each).starts_with("local/"); });
+        ::setenv("SESSION_MANAGER", addressOf(listener_).c_str(), 1);
         process_ = ::fork();
         if (process_ == 0) serve();
     }
@@ -46,6 +46,11 @@ public:
     }
 
 private:
+    static std::string addressOf(IceListenObj listener) {
+        const std::unique_ptr<char, decltype(&::free)> address(IceGetListenConnectionString(listener),
+                                                               &::free);
+        return address.get();
+    }
     static inline int saves;
 
     static Status joined(SmsConn, SmPointer, unsigned long* mask, SmsCallbacks* calls, char**) {

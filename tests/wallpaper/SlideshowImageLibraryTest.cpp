@@ -67,6 +67,7 @@ TEST_F(SlideshowTest, shufflingNeverShowsTheSamePictureTwiceInARowUnlessThereIsN
     EXPECT_EQ(asked, 2u);
     next({.shuffle = true});
     EXPECT_EQ(asked, 3u);
+    answer = 0;
     next({.shuffle = true,
           .isLeftOut = [this](const Url& image) { return image != Url::fromFilePath(folder / "c.jpg"); }});
     EXPECT_EQ(asked, 1u);

@@ -4,6 +4,7 @@
 
 #include "base/HexColor.h"
 #include "base/IsAmong.h"
+#include "panes/wallpaper/FieldChange.h"
 #include "panes/wallpaper/FieldRows.h"
 
 namespace quillmar {
