@@ -1,5 +1,5 @@
-// What opening a window costs here: one with a header bar and nothing in it, made when it is first asked for and
-// kept. Each line of the standard input opens or closes it.
+// What opening a window costs here: one with a header bar and nothing in it, made when it is first asked for
+// and kept. Each line of the standard input opens or closes it.
 #include <gtk/gtk.h>
 
 namespace {
@@ -21,11 +21,13 @@ void toggle() {
 }
 
 gboolean lineCame(GIOChannel* input, GIOCondition, gpointer) {
-    if (g_io_channel_read_line(input, nullptr, nullptr, nullptr, nullptr) == G_IO_STATUS_NORMAL) {
+    gchar* line = nullptr;
+    if (g_io_channel_read_line(input, &line, nullptr, nullptr, nullptr) == G_IO_STATUS_NORMAL) {
         toggle();
     } else {
         gtk_main_quit();
     }
+    g_free(line);
     return TRUE;
 }
 
