@@ -11,10 +11,10 @@ constexpr double cornerRadius = 4;
 constexpr double plateHeight = 20;
 constexpr double leastNameWidth = 56;  // below it a name is nothing but dots
 constexpr int markSize = 16;
-constexpr double markGap = 4;
-constexpr const char* draftIcon = "document-edit-symbolic";
-constexpr const char* failureIcon = "dialog-warning-symbolic";
-constexpr const char* primaryIcon = "starred-symbolic";
+constexpr double markGap = 5;
+constexpr const char* draftIcon = "quillmar-draft-symbolic";
+constexpr const char* failureIcon = "quillmar-failure-symbolic";
+constexpr const char* primaryIcon = "quillmar-primary-symbolic";
 
 GtkWidget* markImage(const char* icon) {
     GtkWidget* image = gtk_image_new_from_icon_name(icon, GTK_ICON_SIZE_MENU);
@@ -24,19 +24,19 @@ GtkWidget* markImage(const char* icon) {
 
 /// A white symbol on a dark round plate, which is seen on every picture.
 void drawMark(cairo_t* cr, GtkWidget* widget, const char* icon, double x, double y) {
-    roundedRectangle(cr, x - 2, y - 2, markSize + 4, markSize + 4, (markSize + 4) / 2.0);
+    roundedRectangle(cr, x - 3, y - 3, markSize + 6, markSize + 6, (markSize + 6) / 2.0);
     cairo_set_source_rgba(cr, 0, 0, 0, 0.65);
     cairo_fill(cr);
     const int scale = gtk_widget_get_scale_factor(widget);
     GtkIconInfo* info = gtk_icon_theme_lookup_icon_for_scale(
-        gtk_icon_theme_get_default(), icon, markSize - 4, scale,
+        gtk_icon_theme_get_default(), icon, markSize, scale,
         GtkIconLookupFlags(GTK_ICON_LOOKUP_FORCE_SIZE | GTK_ICON_LOOKUP_FORCE_SYMBOLIC));
     if (!info) return;
     const GdkRGBA white{1, 1, 1, 1};
     if (GdkPixbuf* pixels =
             gtk_icon_info_load_symbolic(info, &white, nullptr, nullptr, nullptr, nullptr, nullptr)) {
         cairo_surface_t* surface = gdk_cairo_surface_create_from_pixbuf(pixels, scale, nullptr);
-        cairo_set_source_surface(cr, surface, x + 2, y + 2);
+        cairo_set_source_surface(cr, surface, x, y);
         cairo_paint(cr);
         cairo_surface_destroy(surface);
         g_object_unref(pixels);

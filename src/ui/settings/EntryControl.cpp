@@ -37,7 +37,7 @@ public:
         gtk_entry_set_visibility(GTK_ENTRY(field()), FALSE);
         gtk_entry_set_input_purpose(GTK_ENTRY(field()), GTK_INPUT_PURPOSE_PASSWORD);
         gtk_container_add(GTK_CONTAINER(reveal_),
-                          gtk_image_new_from_icon_name("view-reveal-symbolic", GTK_ICON_SIZE_MENU));
+                          gtk_image_new_from_icon_name("quillmar-reveal-symbolic", GTK_ICON_SIZE_MENU));
         gtk_container_add(GTK_CONTAINER(box_), field());
         gtk_container_add(GTK_CONTAINER(box_), reveal_);
         setStyleClass(box_, "linked");

@@ -52,7 +52,7 @@ std::string RowView::shapeOf(const SettingsRow& row) {
 
 GtkWidget* RowView::makeTitle() {
     texts_ = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
-    setStyleClass(texts_, "title");
+    setStyleClass(texts_, "quillmar-row-texts");
     gtk_widget_set_valign(texts_, GTK_ALIGN_CENTER);
     title_ = wrappedLabel("title");
     subtitle_ = wrappedLabel("subtitle");

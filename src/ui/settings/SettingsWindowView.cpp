@@ -67,7 +67,11 @@ void SettingsWindowView::performClose() {
 void SettingsWindowView::open(const std::string& section) {
     if (!content_) return;
     content_->navigate(section);
-    if (!widgets_.window) make();
+    if (!widgets_.window) {
+        // Before there are widgets, which would have to be styled twice.
+        showTheme(content_->frame().theme);
+        make();
+    }
     const bool wasVisible = isVisible();
     refresh();
     if (!wasVisible) {

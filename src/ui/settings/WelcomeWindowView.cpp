@@ -20,7 +20,7 @@ GtkWidget* choiceRow(const WelcomePage::Choice& choice) {
     hdy_action_row_add_prefix(HDY_ACTION_ROW(row),
                               gtk_image_new_from_icon_name(choice.iconName.c_str(), GTK_ICON_SIZE_BUTTON));
     gtk_container_add(GTK_CONTAINER(row),
-                      gtk_image_new_from_icon_name("go-next-symbolic", GTK_ICON_SIZE_BUTTON));
+                      gtk_image_new_from_icon_name("quillmar-next-symbolic", GTK_ICON_SIZE_BUTTON));
     gtk_list_box_row_set_activatable(GTK_LIST_BOX_ROW(row), TRUE);
     nameForAccess(row, choice.title);
     atk_object_set_description(gtk_widget_get_accessible(row), choice.text.c_str());

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "linux/glib/Signal.h"
+
 namespace quillmar {
 namespace {
 
@@ -23,6 +25,26 @@ HdyColorScheme schemeOf(WindowTheme theme) {
     return HDY_COLOR_SCHEME_PREFER_LIGHT;
 }
 
+/// The desktop's wish, where it has such a setting; null where it has none.
+GSettings* desktopWishes() {
+    static GSettings* const wishes = [] {
+        constexpr const char* name = "org.gnome.desktop.interface";
+        GSettingsSchemaSource* source = g_settings_schema_source_get_default();
+        GSettingsSchema* schema = source ? g_settings_schema_source_lookup(source, name, TRUE) : nullptr;
+        const bool hasWish = schema && g_settings_schema_has_key(schema, "color-scheme") != FALSE;
+        if (schema) g_settings_schema_unref(schema);
+        return hasWish ? g_settings_new(name) : nullptr;
+    }();
+    return wishes;
+}
+
+bool isDarkWished() {
+    gchar* wish = desktopWishes() ? g_settings_get_string(desktopWishes(), "color-scheme") : nullptr;
+    const bool isDark = g_strcmp0(wish, "prefer-dark") == 0;
+    g_free(wish);
+    return isDark;
+}
+
 }  // namespace
 
 void prepareLook() {
@@ -37,7 +59,16 @@ void prepareLook() {
 }
 
 void showTheme(WindowTheme theme) {
-    hdy_style_manager_set_color_scheme(hdy_style_manager_get_default(), schemeOf(theme));
+    // libhandy's manager reads the desktop's whole theme anew, which takes as long as an empty window does.
+    // So it is there only once there is something to manage.
+    static bool isManaged = false;
+    isManaged = isManaged || theme != WindowTheme::automatic || isDarkWished();
+    if (isManaged) hdy_style_manager_set_color_scheme(hdy_style_manager_get_default(), schemeOf(theme));
+    if (isManaged || !desktopWishes()) return;
+    static Signal following =
+        Signal::connect<void, char*>(desktopWishes(), "changed::color-scheme", [](GSettings*, char*) {
+            if (!isManaged) showTheme(WindowTheme::automatic);
+        });
 }
 
 GdkRectangle roomOnScreen() {
