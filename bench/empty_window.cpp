@@ -1,5 +1,5 @@
-// What opening a window costs here: one with a header bar and nothing in it, made when it is first asked for and
-// kept. Each line of the standard input opens or closes it.
+// What opening a window costs here: one with a header bar and nothing in it, made when it is first asked for
+// and kept. Each line of the standard input opens or closes it.
 #include <gtk/gtk.h>
 
 namespace {
