@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "linux/glib/Ref.h"
 #include "ui/settings/RowControl.h"
 
 namespace quillmar {
@@ -75,10 +76,10 @@ class PaletteControl final : public RowControl {
 
 public:
     explicit PaletteControl(Wish wish)
-        : list_(gtk_list_store_new(columnCount, G_TYPE_STRING, CAIRO_GOBJECT_TYPE_SURFACE)),
-          box_(gtk_combo_box_new_with_model(GTK_TREE_MODEL(list_))),
+        : list_(Ref<GtkListStore>::adopt(
+              gtk_list_store_new(columnCount, G_TYPE_STRING, CAIRO_GOBJECT_TYPE_SURFACE))),
+          box_(gtk_combo_box_new()),
           scrolling_(passScrolling(box_)) {
-        g_object_unref(list_);  // the box has it
         addCell(gtk_cell_renderer_pixbuf_new(), "surface", swatchColumn);
         addCell(gtk_cell_renderer_text_new(), "text", nameColumn);
         gtk_combo_box_set_wrap_width(GTK_COMBO_BOX(box_), paletteColumns);
@@ -109,7 +110,9 @@ private:
         gtk_cell_layout_add_attribute(GTK_CELL_LAYOUT(box_), cell, property, column);
     }
     void fill(std::vector<std::string> texts, const std::string& none) {
-        gtk_list_store_clear(list_);
+        // Without the box, which would make its menu anew with every color.
+        gtk_combo_box_set_model(GTK_COMBO_BOX(box_), nullptr);
+        gtk_list_store_clear(list_.get());
         texts_ = std::move(texts);
         none_ = none;
         for (const std::string& text : texts_) {
@@ -123,14 +126,15 @@ private:
                 cairo_paint(cr);
                 cairo_destroy(cr);
             }
-            gtk_list_store_insert_with_values(list_, nullptr, -1, nameColumn,
+            gtk_list_store_insert_with_values(list_.get(), nullptr, -1, nameColumn,
                                               text.empty() ? none_.c_str() : text.c_str(), swatchColumn,
                                               swatch, -1);
             cairo_surface_destroy(swatch);
         }
+        gtk_combo_box_set_model(GTK_COMBO_BOX(box_), GTK_TREE_MODEL(list_.get()));
     }
 
-    GtkListStore* list_;
+    Ref<GtkListStore> list_;
     GtkWidget* box_;
     Signal scrolling_;
     std::vector<std::string> texts_;

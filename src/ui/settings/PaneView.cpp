@@ -9,6 +9,7 @@ namespace {
 
 constexpr int heroIconSize = 96;
 constexpr int leastMapWidth = 280;
+constexpr int newRowsPerFrame = 5;
 
 GtkWidget* heroLabel(const char* styleClass) {
     GtkWidget* label = gtk_label_new(nullptr);
@@ -23,20 +24,41 @@ GtkWidget* heroLabel(const char* styleClass) {
 
 PaneView::PaneView(GtkBox* box, Wishes wishes) : box_(box), wishes_(std::move(wishes)) { makeHero(); }
 
-void PaneView::show(const SettingsPane& pane) {
+PaneView::~PaneView() {
+    if (nextFrame_ != 0) gtk_widget_remove_tick_callback(GTK_WIDGET(box_), nextFrame_);
+}
+
+void PaneView::show(SettingsPane pane) {
+    pane_ = std::move(pane);
+    showNow();
+    if (newRowsLeft_ >= 0 || nextFrame_ != 0) return;
+    nextFrame_ = gtk_widget_add_tick_callback(
+        GTK_WIDGET(box_),
+        [](GtkWidget*, GdkFrameClock*, gpointer data) -> gboolean {
+            auto* self = static_cast<PaneView*>(data);
+            self->showNow();
+            if (self->newRowsLeft_ < 0) return G_SOURCE_CONTINUE;
+            self->nextFrame_ = 0;
+            return G_SOURCE_REMOVE;
+        },
+        this, nullptr);
+}
+
+void PaneView::showNow() {
     isShowing_ = true;
-    gtk_widget_set_visible(hero_, pane.hero.has_value());
-    if (pane.hero) fillHero(*pane.hero);
-    showDisplays(pane);
+    newRowsLeft_ = newRowsPerFrame;
+    gtk_widget_set_visible(hero_, pane_.hero.has_value());
+    if (pane_.hero) fillHero(*pane_.hero);
+    showDisplays(pane_);
     auto former = std::exchange(groups_, {});
-    for (const SettingsGroup& group : pane.groups) groups_.push_back(takeGroup(former, group));
+    for (const SettingsGroup& group : pane_.groups) groups_.push_back(takeGroup(former, group));
     for (const auto& group : former) {
         if (group) gtk_widget_destroy(group->group);
     }
     for (std::size_t i = 0; i < groups_.size(); ++i) {
         // Below the hero and the displays.
         gtk_box_reorder_child(box_, groups_[i]->group, static_cast<int>(i) + (displays_ ? 2 : 1));
-        fill(*groups_[i], pane.groups[i]);
+        fill(*groups_[i], pane_.groups[i]);
     }
     isShowing_ = false;
 }
@@ -135,12 +157,16 @@ void PaneView::fillRows(Group& view, const SettingsGroup& group) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (rows[i]) {
             rows[i]->show(group.rows[i]);
-        } else {
+        } else if (newRowsLeft_ > 0) {
+            --newRowsLeft_;
             rows[i] = std::make_unique<RowView>(group.rows[i], wishes_.act);
+        } else {
+            newRowsLeft_ = -1;  // one was left for the next frame
+            continue;
         }
-        addRow(view, *rows[i], static_cast<int>(i));
+        addRow(view, *rows[i], static_cast<int>(view.rows.size()));
+        view.rows.push_back(std::move(rows[i]));
     }
-    view.rows = std::move(rows);
 }
 
 void PaneView::addRow(Group& view, RowView& row, int position) {

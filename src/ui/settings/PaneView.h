@@ -20,8 +20,10 @@ public:
     PaneView(GtkBox* box, Wishes wishes);
     PaneView(const PaneView&) = delete;
     PaneView& operator=(const PaneView&) = delete;
+    ~PaneView();
 
-    void show(const SettingsPane& pane);
+    /// Many new rows come up a few in a frame, from the top, so that no turn of the main loop is long.
+    void show(SettingsPane pane);
 
 private:
     struct Group {
@@ -34,6 +36,7 @@ private:
         Signal activating;
     };
 
+    void showNow();
     void makeHero();
     void fillHero(const SettingsHero& hero);
     void showDisplays(const SettingsPane& pane);
@@ -45,7 +48,10 @@ private:
 
     GtkBox* box_;
     Wishes wishes_;
+    SettingsPane pane_;
     bool isShowing_ = false;
+    int newRowsLeft_ = 0;  ///< that may be made in this frame
+    guint nextFrame_ = 0;  ///< the tick callback that makes more
     GtkWidget* hero_ = nullptr;
     GtkWidget* heroImage_ = nullptr;
     GtkWidget* heroTitle_ = nullptr;
