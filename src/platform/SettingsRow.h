@@ -34,7 +34,6 @@ struct SettingsRow {
     /// A line of text, told with every letter that is typed.
     struct Entry {
         std::string text;
-        std::string placeholder = {};
         bool isSecret = false;    ///< a key or a password: shown only when asked for
         std::string reveal = {};  ///< what asking for it is called
         bool operator==(const Entry&) const = default;

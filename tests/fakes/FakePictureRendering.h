@@ -55,6 +55,7 @@ public:
     }
     /// As a test writes pictures: whatever is there and does not say that it is none.
     Task<bool> isPicture(std::filesystem::path file) override {
+        while (isHeld_) co_await held_.wait();
         std::ifstream content(file);
         const std::string text(std::istreambuf_iterator<char>(content), {});
         co_return !damaged.contains(file) && !text.empty() && !text.contains("no picture");

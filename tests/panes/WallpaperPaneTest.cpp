@@ -254,6 +254,34 @@ TEST_F(WallpaperPaneTest, aDisplayThatIsUnpluggedKeepsItsDraftApart) {
     EXPECT_EQ(desktop.setCount, 0);
 }
 
+TEST_F(WallpaperPaneTest, aDisplayThatIsGoneWithItsDraftIsLeft) {
+    choose(2);
+    wish("mode", "solidColor");
+    screens.unplug(2);
+    pane->displaysDidChange();
+    wish("revert");
+    EXPECT_TRUE(display(1).isSelected) << "the other is on no map";
+}
+
+TEST_F(WallpaperPaneTest, whoLeavesWhileAPictureIsCopiedMeansItToo) {
+    for (const char* name : {"text", "picture"}) {
+        wish("mode", "image");
+        chooser.answer = own(name);
+        if (name == std::string("text")) std::ofstream(*chooser.answer) << "no picture";
+        rendering.hold();
+        wish("imageURL");
+        std::optional<bool> isApplied;
+        tasks.spawn([](auto apply, auto& result) -> Task<void> { result = co_await apply(); }(
+                                                     pane->unsavedDraft().apply, isApplied));
+        loop.settle();
+        EXPECT_FALSE(isApplied);
+        rendering.letThrough();
+        loop.settle();
+        EXPECT_EQ(isApplied, name == std::string("picture"));
+    }
+    EXPECT_EQ(saved(1).mode.kind(), WallpaperModeKind::image);
+}
+
 TEST_F(WallpaperPaneTest, picturesAreDrawnSmallAndLateOnesAreDropped) {
     EXPECT_EQ(display(1).thumbnail.pixels->size(), (PixelSize{512, 288}));
     wish("mode", "image");

@@ -39,6 +39,19 @@ void DraftFiles::forgetAll() {
     MediaImportSlots slots;
     for (const std::string& id : std::exchange(importing_, {})) slots.insert(slotOf(id));
     services_.imports.cancelImports(slots);
+    waiting_.resumeAll();
+}
+
+Task<std::optional<std::string>> DraftFiles::settled() {
+    std::set<std::string> waitedFor;
+    while (isImporting()) {
+        waitedFor.insert(importing_.begin(), importing_.end());
+        co_await waiting_.wait();
+    }
+    for (const std::string& id : waitedFor) {
+        if (problems_.contains(id)) co_return id;
+    }
+    co_return std::nullopt;
 }
 
 void DraftFiles::choose(const std::string& displayID) {
@@ -74,6 +87,7 @@ Task<void> DraftFiles::chooseImage(std::string displayID) {
 void DraftFiles::take(const std::string& displayID, const Url& source, const std::optional<Bytes>& grant,
                       const std::expected<Url, MediaImportError>& copy) {
     importing_.erase(displayID);
+    waiting_.resumeAll();
     if (copy) {
         copies_.emplace(*copy, CacheFileLease(services_.cacheFiles, copy->filePath().value_or("")));
         drafts_.edit(displayID, [&](DisplayWallpaperSettings& entry) {
@@ -109,7 +123,9 @@ Task<void> DraftFiles::chooseFolder(std::string displayID) {
 
 void DraftFiles::forget(const std::string& displayID) {
     problems_.erase(displayID);
-    if (importing_.erase(displayID) > 0) services_.imports.cancelImports({slotOf(displayID)});
+    if (importing_.erase(displayID) == 0) return;
+    services_.imports.cancelImports({slotOf(displayID)});
+    waiting_.resumeAll();
 }
 
 void DraftFiles::cleanUp() {

@@ -1,10 +1,12 @@
 #pragma once
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 
 #include "async/TaskScope.h"
+#include "async/WaitList.h"
 #include "imports/MediaImportCoordinator.h"
 #include "panes/wallpaper/WallpaperDrafts.h"
 #include "platform/FileChoosing.h"
@@ -34,6 +36,9 @@ public:
     void choose(const std::string& displayID);
     bool isImporting(const std::string& displayID) const { return importing_.contains(displayID); }
     bool isImporting() const { return !importing_.empty(); }
+    /// Waits until nothing is copied any more. Of what was, a display whose file was not taken; none if all
+    /// were.
+    Task<std::optional<std::string>> settled();
     /// Why the file that was chosen last was not taken; empty if it was.
     std::string problemOf(const std::string& displayID) const;
     /// The display's draft is gone, or of another kind: what is chosen for it just now is not wanted.
@@ -59,6 +64,7 @@ private:
     /// The copies that were taken for drafts. No sweep takes them, though the settings do not name them yet.
     std::map<Url, CacheFileLease> copies_;
     std::set<std::string> importing_;  ///< displays
+    WaitList waiting_;                 ///< for the end of an import
     TaskScope tasks_;
 };
 

@@ -47,6 +47,7 @@ void WallpaperPane::didDisappear() {
 void WallpaperPane::settingsDidChange() {
     // A draft that fails is none of the settings' again.
     if (!isApplying_) drafts_.settingsDidChange();
+    leaveGoneDisplay();
     refreshPreview();
 }
 
@@ -54,14 +55,18 @@ void WallpaperPane::displaysDidChange() {
     if (!isVisible_) return;
     const std::vector<DisplayInfo> displays = services_.displays.displays();
     for (const DisplayInfo& display : displays) names_[display.id] = display.localizedName;
-    const bool isThere = connected(selected_) || isAmong(selected_, absentDisplays());
-    if (!isThere && !displays.empty()) {
-        const auto main = std::ranges::find_if(displays, &DisplayInfo::isMain);
-        selected_ = main == displays.end() ? displays.front().id : main->id;
-    }
+    leaveGoneDisplay();
     thumbnails_.refresh();
     refreshPreview();
     changed_();
+}
+
+/// One that is neither connected nor set up any more is on no map: another is chosen.
+void WallpaperPane::leaveGoneDisplay() {
+    const std::vector<DisplayInfo> displays = services_.displays.displays();
+    if (connected(selected_) || isAmong(selected_, absentDisplays()) || displays.empty()) return;
+    const auto main = std::ranges::find_if(displays, &DisplayInfo::isMain);
+    selected_ = main == displays.end() ? displays.front().id : main->id;
 }
 
 SettingsUnsavedChangesCoordinator::Registration WallpaperPane::unsavedDraft() {
@@ -150,6 +155,7 @@ void WallpaperPane::revert() {
 void WallpaperPane::edited(const std::string& displayID) {
     failures_.erase(displayID);
     draftFiles_.cleanUp();
+    leaveGoneDisplay();
     refreshPreview();
     changed_();
 }
@@ -165,8 +171,13 @@ void WallpaperPane::refreshPreview() {
 }
 
 Task<bool> WallpaperPane::apply() {
+    // Who leaves while a picture is copied means that picture too.
+    if (const auto refused = co_await draftFiles_.settled()) {
+        select(*refused);
+        co_return false;
+    }
+    if (isApplying_) co_return false;
     const std::vector<std::string> ids = drafts_.displays();
-    if (isApplying_ || draftFiles_.isImporting()) co_return false;
     if (const auto obstacle = firstObstacle()) {
         select(obstacle->displayID);  // where the reason stands at its field
         co_return false;

@@ -81,6 +81,7 @@ private:
     GeneralLanguage language() const { return services_.settingsModel.settings().general.language; }
 
     // What is done.
+    void leaveGoneDisplay();
     void select(const std::string& displayID);
     void chooseMode(const std::string& kind);
     void copyToOthers();

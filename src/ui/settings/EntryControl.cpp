@@ -16,9 +16,7 @@ public:
     GtkWidget* widget() const override { return entry_; }
     GtkWidget* field() const final { return entry_; }
     void show(const SettingsRow& row) override {
-        const auto& entry = std::get<SettingsRow::Entry>(row.control);
-        gtk_entry_set_placeholder_text(GTK_ENTRY(entry_), entry.placeholder.c_str());
-        setEntryText(GTK_ENTRY(entry_), entry.text);
+        setEntryText(GTK_ENTRY(entry_), std::get<SettingsRow::Entry>(row.control).text);
     }
 
 private:
