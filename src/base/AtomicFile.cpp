@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
+#include <random>
 #include <system_error>
 #include <utility>
 
@@ -30,25 +30,35 @@ void syncFolder(const std::filesystem::path& folder) {
 bool isSmall(char c) { return c >= 'a' && c <= 'z'; }
 bool isDigitOrCapital(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z'); }
 
-/// Whether the end of a name is one of ours: what `mkostemp` chooses, but nothing that a person would, such
-/// as "backup", "Backup", "BACKUP" or "202611".
+constexpr std::size_t randomLength = 6;
+
+/// Whether the end of a name is one of ours: letters and digits as chance has them, but nothing that a person
+/// would choose, such as "backup", "Backup", "BACKUP" or "202611".
 bool isRandomEnd(std::string_view end) {
-    constexpr std::size_t length = 6;
-    return end.size() == length &&
+    return end.size() == randomLength &&
            std::ranges::all_of(end, [](char c) { return isSmall(c) || isDigitOrCapital(c); }) &&
            std::ranges::any_of(end, isSmall) && std::ranges::any_of(end.substr(1), isDigitOrCapital);
 }
 
-/// Creates a file with a name of ours, which it puts into the pattern's place.
-int createTemporary(std::string& pattern) {
-    const std::string asked = pattern;
+std::string randomEnd() {
+    constexpr std::string_view characters = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    std::random_device random;
+    std::uniform_int_distribution<std::size_t> place(0, characters.size() - 1);
+    std::string end(randomLength, ' ');
+    do {
+        std::ranges::generate(end, [&] { return characters[place(random)]; });
+    } while (!isRandomEnd(end));
+    return end;
+}
+
+/// Creates a file whose name is `name` with an end of ours. Whenever the process is killed, what it leaves
+/// behind is known by that.
+int createTemporary(std::string& name) {
+    const std::string beginning = name;
     for (;;) {
-        pattern = asked;
-        const int descriptor = ::mkostemp(pattern.data(), O_CLOEXEC);
-        if (descriptor < 0 || isRandomEnd(std::string_view(pattern).substr(pattern.rfind('.') + 1)))
-            return descriptor;
-        ::close(descriptor);
-        ::unlink(pattern.c_str());
+        name = beginning + randomEnd();
+        const int descriptor = ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (descriptor >= 0 || errno != EEXIST) return descriptor;
     }
 }
 
@@ -67,7 +77,7 @@ bool isOwnFile(const std::filesystem::path& file, WallTime before = WallTime::ma
 
 AtomicFile::AtomicFile(std::filesystem::path file, mode_t mode, Durability durability)
     : file_(std::move(file)),
-      temporary_((folderOf(file_) / ("." + file_.filename().string() + ".XXXXXX")).string()),
+      temporary_((folderOf(file_) / ("." + file_.filename().string() + ".")).string()),
       durability_(durability),
       descriptor_(createTemporary(temporary_)) {
     if (!descriptor_) throwErrno();
